@@ -1,0 +1,17 @@
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS qxfb_core EXPORT QxFBCom2Targets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2)
+install(TARGETS QxFBCom2 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2
+        FILES_MATCHING PATTERN "*.h")
+install(FILES ${CMAKE_SOURCE_DIR}/include/qxfbcom2/qxfbcom2.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2)
+install(EXPORT QxFBCom2Targets NAMESPACE QxFBCom2:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)
+configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/QxFBCom2Config.cmake.in
+  ${CMAKE_BINARY_DIR}/QxFBCom2Config.cmake INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/QxFBCom2ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/QxFBCom2Config.cmake ${CMAKE_BINARY_DIR}/QxFBCom2ConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)

@@ -1,0 +1,18 @@
+# Embeds every bitmap of resources/ into the library: the generated source
+# defines a table of (name, bytes) that platform/resources.cpp searches.
+file(GLOB QXFB_RESOURCE_FILES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/*.bmp)
+set(QXFB_RESOURCE_SOURCE ${CMAKE_BINARY_DIR}/generated/qxfb_resources.cpp)
+set(body "// Generated from resources/*.bmp; do not edit.\n#include <cstddef>\n#include <cstdint>\n\nnamespace qx::generated {\n")
+set(table "")
+set(index 0)
+foreach(file IN LISTS QXFB_RESOURCE_FILES)
+  get_filename_component(name ${file} NAME_WE)
+  file(READ ${file} hex HEX)
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${hex}")
+  string(APPEND body "static const uint8_t resource${index}[] = {${bytes}};\n")
+  string(APPEND table "    {\"${name}\", resource${index}, sizeof(resource${index})},\n")
+  math(EXPR index "${index} + 1")
+endforeach()
+string(APPEND body "struct ResourceEntry { const char* name; const uint8_t* data; size_t size; };\n")
+string(APPEND body "extern const ResourceEntry resourceTable[] = {\n${table}    {nullptr, nullptr, 0}};\n}  // namespace qx::generated\n")
+file(CONFIGURE OUTPUT ${QXFB_RESOURCE_SOURCE} CONTENT "${body}")

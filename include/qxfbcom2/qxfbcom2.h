@@ -1,0 +1,1 @@
+// Umbrella header (filled as units land).

@@ -1,0 +1,36 @@
+// Small functions that the dialogs and the message model share.
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "platform/host_context.h"
+#include "platform/operand.h"
+
+namespace qx {
+
+class Form;
+class ComboBox;
+
+// The text a dialog shows for an operand link.
+std::wstring GetOperandDisplayText(const clsOperand& operand);
+// A deep copy that shares nothing with the original.
+OperandPtr CloneOperand(const clsOperand& operand);
+// True for the constant types 15, 34, 35, 37, 38.
+bool IsConstantOperandType(int32_t operandType);
+// Runs the picker; a link that changed is released from the host's table
+// through a stand-alone copy of the old identity.
+void EditOperandChecked(OperandPtr& operand);
+bool IsExtendedOperandsEnabled();
+// Index of the first item with this item data; 0 when there is none.
+int32_t FindComboIndex(const ComboBox& combo, int32_t itemData);
+// Gives a form and every control on it the host's font.
+void ApplyDialogFont(Form& form);
+PicturePtr GetDialogIcon(int32_t N);
+// Horizontal and vertical pixels per inch over 96.
+float GetDpiScaleX();
+float GetDpiScaleY();
+std::wstring GetEndOfMessageText(int32_t type);
+std::wstring GetDateFormatText(int32_t type);
+std::wstring GetTimeFormatText(int32_t type);
+
+}  // namespace qx

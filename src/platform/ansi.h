@@ -1,0 +1,18 @@
+// Text conversions at the edges of the library: the ANSI code page of the
+// images (Windows-1252, one byte a character) and UTF-8 for the console.
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace qx {
+
+// One byte for one character; a character the code page cannot hold gives '?'.
+uint8_t toAnsiByte(wchar_t ch);
+std::string toAnsi(const std::wstring& text);
+wchar_t fromAnsiByte(uint8_t byte);
+std::wstring fromAnsi(const std::string& bytes);
+
+std::string toUtf8(const std::wstring& text);
+std::wstring fromUtf8(const std::string& text);
+
+}  // namespace qx

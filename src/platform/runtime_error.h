@@ -1,0 +1,39 @@
+// The one exception type of the library: a number, a source and a
+// description, as the host's error object carries them.
+#pragma once
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace qx {
+
+class RuntimeError : public std::runtime_error {
+public:
+    RuntimeError(int32_t number, std::wstring source, std::wstring description);
+
+    int32_t Number() const { return number_; }
+    const std::wstring& Source() const { return source_; }
+    const std::wstring& Description() const { return description_; }
+
+private:
+    int32_t number_;
+    std::wstring source_;
+    std::wstring description_;
+};
+
+// The classic run-time error numbers used by the library.
+namespace err {
+inline constexpr int32_t InvalidProcedureCall = 5;
+inline constexpr int32_t Overflow = 6;
+inline constexpr int32_t SubscriptOutOfRange = 9;
+inline constexpr int32_t TypeMismatch = 13;
+inline constexpr int32_t FileNotFound = 53;
+}  // namespace err
+
+[[noreturn]] void raiseError(int32_t number, const std::wstring& source = L"QxFBCom2");
+
+// The byte or word that must hold a value: anything out of range is an overflow.
+uint8_t checkedByte(int64_t value);
+uint16_t checkedWord(int64_t value);
+
+}  // namespace qx
