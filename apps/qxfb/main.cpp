@@ -1,6 +1,374 @@
-// qxfb: the command-line host of the component (being built).
+// qxfb: a command-line host of the component. It loads libQxFBCom2.so with
+// dlopen and reaches the library only through the exported entry points, as
+// the ladder IDE does: it lists the families and plays the road of a new
+// serial Config with a scripted person, and it registers the component.
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <climits>
 #include <cstdio>
-int main() {
-    std::puts("qxfb: not built yet");
-    return 1;
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "framework/shared_helpers.h"
+#include "platform/ansi.h"
+#include "platform/com_abi.h"
+#include "platform/com_server.h"
+#include "platform/fb_instances_double.h"
+#include "platform/host_context.h"
+#include "platform/registry.h"
+#include "platform/runtime_error.h"
+#include "serial/frm_protocol_config.h"
+
+#ifndef QXFB_DEFAULT_COMPONENT
+#define QXFB_DEFAULT_COMPONENT ""
+#endif
+#ifndef QXFB_INSTALLED_COMPONENT
+#define QXFB_INSTALLED_COMPONENT "../lib/libQxFBCom2.so"
+#endif
+
+namespace {
+
+using namespace qx;
+
+constexpr const char* helpText =
+    R"(qxfb - command-line host of the QxFBCom2 function-block component
+
+Usage:
+  qxfb demo [--component PATH] [--app-folder DIR]
+      Loads the component with dlopen and DllGetClassObject, as the ladder IDE
+      does, creates QxFBCom2.clsGate, and lists both function-block families
+      with their operations (FatherID, MethodID, Title, Description), their
+      runtime versions (CurrentHexFileVersion, HexFileVersionsList) and the
+      sizes of their runtime files (GetHexFileDetails). Then it plays a new
+      serial Config with a scripted person: a new instance, both operands
+      linked through the operand picker, "COM2" chosen in cbComport, OK; and
+      prints the operation's blocks and its image, last the line
+      "BinaryOperands: 02 00". Error reports of the component go to standard
+      error.
+  qxfb classes [--component PATH]
+      Lists the public classes: ProgID and class identifier (CLSID), as the
+      component itself resolves them.
+  qxfb register [--component PATH]
+      Calls DllRegisterServer: writes every public class (CLSID, ProgID,
+      library path) into the registry file, keeping its other entries.
+  qxfb unregister [--component PATH]
+      Calls DllUnregisterServer: removes exactly those entries again.
+  qxfb --help
+      Shows this text.
+
+Options:
+  --component PATH   the component to load; by default the libQxFBCom2.so of
+                     this build, else the one installed beside qxfb
+                     (../lib/libQxFBCom2.so)
+  --app-folder DIR   the host's application folder inside the component; the
+                     runtime files are read from DIR/../FB_Lib/RT/. By default
+                     the component's own: $QXFB_APP_FOLDER, else runtime/bin of
+                     the source tree it was built from
+
+Environment:
+  QXFB_APP_FOLDER    application folder the component starts with
+  QXFB_REGISTRY      registry file; default $XDG_CONFIG_HOME/QxFBCom2/registry.ini
+                     or ~/.config/QxFBCom2/registry.ini
+
+Exit status: 0 on success, 1 when the component failed, 2 on a usage error.
+)";
+
+std::string hresultText(HRESULT hr) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(hr));
+    return text;
+}
+
+std::string hexBytes(const Bytes& bytes) {
+    std::string text;
+    char byte[4];
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        std::snprintf(byte, sizeof byte, "%02X", bytes[i]);
+        if (i) text += ' ';
+        text += byte;
+    }
+    return text;
+}
+
+std::string u8(const std::wstring& text) { return toUtf8(text); }
+
+std::string executableFolder() {
+    char path[PATH_MAX];
+    ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (length <= 0) return ".";
+    path[length] = 0;
+    return std::filesystem::path(path).parent_path().string();
+}
+
+std::string defaultComponent() {
+    std::error_code ec;
+    if (*QXFB_DEFAULT_COMPONENT && std::filesystem::exists(QXFB_DEFAULT_COMPONENT, ec)) return QXFB_DEFAULT_COMPONENT;
+    return executableFolder() + "/" + QXFB_INSTALLED_COMPONENT;
+}
+
+// The component as a host holds it: the library handle and its entry points.
+class LoadedComponent {
+public:
+    ~LoadedComponent() {
+        // A host unloads only when the component agrees.
+        if (handle_ && CanUnloadNow && CanUnloadNow() == S_OK) dlclose(handle_);
+    }
+
+    bool load(const std::string& path) {
+        path_ = path;
+        handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (!handle_) {
+            std::cerr << "qxfb: cannot load the component " << path << ": " << dlerror() << "\n";
+            return false;
+        }
+        GetClassObject = reinterpret_cast<DllGetClassObjectFn>(dlsym(handle_, "DllGetClassObject"));
+        CanUnloadNow = reinterpret_cast<DllCanUnloadNowFn>(dlsym(handle_, "DllCanUnloadNow"));
+        RegisterServer = reinterpret_cast<DllRegisterServerFn>(dlsym(handle_, "DllRegisterServer"));
+        UnregisterServer = reinterpret_cast<DllUnregisterServerFn>(dlsym(handle_, "DllUnregisterServer"));
+        CLSIDFromProgID = reinterpret_cast<CLSIDFromProgIDFn>(dlsym(handle_, "QxFBCom2_CLSIDFromProgID"));
+        Context = reinterpret_cast<HostContextFn>(dlsym(handle_, "QxFBCom2_HostContext"));
+        if (!GetClassObject || !CanUnloadNow || !RegisterServer || !UnregisterServer || !CLSIDFromProgID || !Context) {
+            std::cerr << "qxfb: " << path << " does not export the entry points of the component\n";
+            return false;
+        }
+        return true;
+    }
+
+    // A new object of the class named by its ProgID, as the interface T.
+    template <class T>
+    std::shared_ptr<T> create(const std::wstring& progId, GUID& clsid) {
+        HRESULT hr = CLSIDFromProgID(progId.c_str(), &clsid);
+        if (FAILED(hr)) return fail<T>("CLSIDFromProgID(" + u8(progId) + ")", hr);
+        void* pv = nullptr;
+        hr = GetClassObject(&clsid, &IID_IClassFactory, &pv);
+        if (FAILED(hr)) return fail<T>("DllGetClassObject", hr);
+        auto* factory = static_cast<IClassFactory*>(pv);
+        void* handle = nullptr;
+        hr = factory->CreateInstance(nullptr, IID_IUnknown, &handle);
+        factory->Release();
+        if (FAILED(hr)) return fail<T>("CreateInstance", hr);
+        std::shared_ptr<T> object = objectFromHandle<T>(static_cast<IUnknown*>(handle));
+        static_cast<IUnknown*>(handle)->Release();
+        if (!object) return fail<T>("QueryInterface", E_NOINTERFACE);
+        return object;
+    }
+
+    const std::string& path() const { return path_; }
+
+    DllGetClassObjectFn GetClassObject = nullptr;
+    DllCanUnloadNowFn CanUnloadNow = nullptr;
+    DllRegisterServerFn RegisterServer = nullptr;
+    DllUnregisterServerFn UnregisterServer = nullptr;
+    CLSIDFromProgIDFn CLSIDFromProgID = nullptr;
+    HostContextFn Context = nullptr;
+
+private:
+    template <class T>
+    std::shared_ptr<T> fail(const std::string& what, HRESULT hr) {
+        std::cerr << "qxfb: " << what << " failed with " << hresultText(hr) << "\n";
+        return nullptr;
+    }
+
+    void* handle_ = nullptr;
+    std::string path_;
+};
+
+struct Options {
+    std::string command;
+    std::string component;
+    std::string appFolder;
+};
+
+void printFamily(itfFBFather& father) {
+    std::cout << "\nFamily " << father.itfFBFather_FatherID() << " " << u8(father.itfFBFather_Title()) << " ("
+              << u8(father.itfFBFather_FatherName()) << ")\n";
+    std::cout << "  Description: " << u8(father.itfFBFather_Description()) << "\n";
+    std::cout << "  InstanceType: " << father.itfFBFather_InstanceType() << "\n";
+    const int32_t current = father.itfFBFather_CurrentHexFileVersion();
+    std::cout << "  CurrentHexFileVersion: " << current << "\n";
+    std::cout << "  HexFileVersionsList:";
+    const std::vector<int32_t> versions = father.itfFBFather_HexFileVersionsList();
+    for (int32_t version : versions) std::cout << " " << version;
+    std::cout << "\n";
+    for (int32_t version : versions) {
+        FBHexFileDetails details = father.itfFBFather_GetHexFileDetails(version);
+        std::cout << "  Runtime files of version " << version << ": FBs " << details.FBsSize << " bytes, Jmp "
+                  << details.Jmp.size() << " bytes, MinBiosVersion " << details.MinBiosVersion
+                  << ", RealTimeMemorySize " << details.RealTimeMemorySize << "\n";
+    }
+    auto methods = father.itfFBFather_GetFBmethodsCollection();
+    std::cout << "  Operations:\n";
+    for (int32_t i = 1; i <= methods->Count(); ++i) {
+        MethodPtr method = methods->Item(i);
+        std::cout << "    FatherID " << father.itfFBFather_FatherID() << "  MethodID " << method->itfFBMethod_MethodID()
+                  << "  " << u8(method->itfFBMethod_Title()) << "  (" << u8(method->itfFBMethod_MethodName())
+                  << ")\n      " << u8(method->itfFBMethod_Description()) << "\n";
+    }
+}
+
+void printOperands(const char* name, const OperandCollectionPtr& operands) {
+    std::cout << "  " << name << ":";
+    if (!operands || operands->Count() == 0) {
+        std::cout << " none\n";
+        return;
+    }
+    std::cout << "\n";
+    for (int32_t i = 1; i <= operands->Count(); ++i) {
+        const clsOperand& operand = *operands->Item(i);
+        std::cout << "    " << u8(operands->KeyAt(i)) << "  " << u8(operand.OperandCaption()) << "  "
+                  << u8(GetOperandDisplayText(operand)) << "\n";
+    }
+}
+
+// The person at the keyboard of the new Config, acting in the component's own
+// host context: both operands through the picker, COM2, OK.
+void scriptConfigPerson(HostContext& context) {
+    ScriptedModalDriver* person = context.Script();
+    if (!person) throw std::runtime_error("the component's host context has no scripted person");
+    person->QueuePick(OperandChoice{1, 1, 10, 0, L"Protocol busy"});
+    person->QueuePick(OperandChoice{1, 3, 20, 0, L"Protocol status"});
+    person->QueueDialog([](Form& form) {
+        auto* dialog = dynamic_cast<frmProtocolConfig*>(&form);
+        if (!dialog) return;  // not the dialog this person expects: it closes the window
+        std::cout << "  Person: links \"" << u8(dialog->lblOpFail.Caption()) << "\" to " << u8(dialog->lbOpFail.Caption())
+                  << "\n";
+        std::cout << "  Person: links \"" << u8(dialog->lblStatusOp.Caption()) << "\" to "
+                  << u8(dialog->lbStatusOp.Caption()) << "\n";
+        for (int32_t i = 0; i < dialog->cbComport.ListCount(); ++i)
+            if (dialog->cbComport.List(i) == L"COM2") dialog->cbComport.UserSelect(i);
+        std::cout << "  Person: chooses " << u8(dialog->cbComport.Text()) << " in cbComport, presses OK\n";
+        dialog->cmdOk.UserClick();
+    });
+}
+
+int demo(const Options& options) {
+    LoadedComponent component;
+    if (!component.load(options.component)) return 1;
+    HostContext* context = component.Context();
+    if (!context) {
+        std::cerr << "qxfb: the component gave no host context\n";
+        return 1;
+    }
+    context->EchoReports = true;
+    if (!options.appFolder.empty()) context->AppFolder = fromUtf8(options.appFolder);
+
+    std::cout << "Component: " << component.path() << "\n";
+    std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
+
+    MethodPtr config;
+    Bytes image;
+    try {
+        GUID clsid{};
+        auto gate = component.create<itfFBGate>(L"QxFBCom2.clsGate", clsid);
+        if (!gate) return 1;
+        std::cout << "Gate: QxFBCom2.clsGate " << guidToText(clsid) << ", GateID " << gate->itfFBGate_GateID() << "\n";
+        auto fathers = gate->itfFBGate_GetFathersCollection();
+        for (int32_t i = 1; i <= fathers->Count(); ++i) printFamily(*fathers->Item(i));
+
+        std::cout << "\nNew serial Config\n";
+        scriptConfigPerson(*context);
+        FatherPtr serial = gate->itfFBGate_GetFatherObject(170100);
+        config = serial->itfFBFather_GetFBMethodObject(170101);
+        auto instances = std::make_shared<FBInstancesDouble>();
+        config->itfFBMethod_Init(instances);
+        config->itfFBMethod_CreateDummyOperands();
+        config->itfFBMethod_BuildOperands();
+        config->itfFBMethod_EditOperands();
+        if (config->itfFBMethod_IsCanceled()) {
+            std::cerr << "qxfb: the Config dialog ended without OK\n";
+            return 1;
+        }
+        std::cout << "  MethodID: " << config->itfFBMethod_MethodID() << "  " << u8(config->itfFBMethod_Title())
+                  << "\n";
+        printOperands("InOperands", config->itfFBMethod_InOperands());
+        printOperands("OutOperands", config->itfFBMethod_OutOperands());
+        std::cout << "  FatherInstanceNum: " << config->itfFBMethod_FatherInstanceNum() << "\n";
+        std::cout << "  FatherInstanceName: " << u8(config->itfFBMethod_FatherInstanceName()) << "\n";
+        std::cout << "  HexFileVersion: " << config->itfFBMethod_HexFileVersion() << "\n";
+        image = config->itfFBMethod_BinaryOperands();
+    } catch (const RuntimeError& e) {
+        std::cerr << "qxfb: run-time error " << e.Number() << ": " << u8(e.Description()) << "\n";
+        return 1;
+    } catch (const std::exception& e) {
+        std::cerr << "qxfb: " << e.what() << "\n";
+        return 1;
+    }
+    config.reset();
+    if (component.CanUnloadNow() != S_OK) std::cerr << "qxfb: objects of the component are still alive\n";
+    std::cout << "BinaryOperands: " << hexBytes(image) << std::endl;
+    return 0;
+}
+
+int classes(const Options& options) {
+    LoadedComponent component;
+    if (!component.load(options.component)) return 1;
+    for (const auto& cls : PublicClasses) {
+        const std::wstring progId = std::wstring(ProgIDPrefix) + cls.Name;
+        GUID clsid{};
+        HRESULT hr = component.CLSIDFromProgID(progId.c_str(), &clsid);
+        if (FAILED(hr)) {
+            std::cerr << "qxfb: " << u8(progId) << " is unknown to the component (" << hresultText(hr) << ")\n";
+            return 1;
+        }
+        std::cout << guidToText(clsid) << "  " << u8(progId) << "\n";
+    }
+    return 0;
+}
+
+int registration(const Options& options, bool add) {
+    LoadedComponent component;
+    if (!component.load(options.component)) return 1;
+    HRESULT hr = add ? component.RegisterServer() : component.UnregisterServer();
+    const char* entryPoint = add ? "DllRegisterServer" : "DllUnregisterServer";
+    if (FAILED(hr)) {
+        std::cerr << "qxfb: " << entryPoint << " failed with " << hresultText(hr) << " (registry file "
+                  << registryFilePath() << ")\n";
+        return 1;
+    }
+    std::cout << entryPoint << ": " << (add ? "registered " : "unregistered ") << std::size(PublicClasses)
+              << " classes of " << component.path() << (add ? " in " : " from ") << registryFilePath() << "\n";
+    return 0;
+}
+
+int usageError(const std::string& message) {
+    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    options.component = defaultComponent();
+    std::vector<std::string> args(argv + 1, argv + argc);
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        if (arg == "--help" || arg == "-h" || arg == "help") {
+            std::cout << helpText;
+            return 0;
+        }
+        if (arg == "--component" || arg == "--app-folder") {
+            if (i + 1 >= args.size()) return usageError(arg + " needs a value");
+            (arg == "--component" ? options.component : options.appFolder) = args[++i];
+        } else if (arg.rfind("--", 0) == 0) {
+            return usageError("unknown option " + arg);
+        } else if (options.command.empty()) {
+            options.command = arg;
+        } else {
+            return usageError("unexpected argument " + arg);
+        }
+    }
+    if (options.command.empty()) return usageError("no command given");
+    if (options.command == "demo") return demo(options);
+    if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo command");
+    if (options.command == "classes") return classes(options);
+    if (options.command == "register") return registration(options, true);
+    if (options.command == "unregister") return registration(options, false);
+    return usageError("unknown command " + options.command);
 }

@@ -1,5 +1,6 @@
 #include "platform/host_context.h"
 
+#include "platform/ansi.h"
 #include "platform/runtime_error.h"
 
 namespace qx {
@@ -11,7 +12,11 @@ HostContext*& current() {
 }
 }  // namespace
 
-HostContext::HostContext() : Driver(std::make_shared<ScriptedModalDriver>()) {}
+HostContext::HostContext() : Driver(std::make_shared<ScriptedModalDriver>()) {
+#ifdef QXFB_DEFAULT_APP_FOLDER
+    AppFolder = fromUtf8(QXFB_DEFAULT_APP_FOLDER);
+#endif
+}
 
 ScriptedModalDriver* HostContext::Script() { return dynamic_cast<ScriptedModalDriver*>(Driver.get()); }
 

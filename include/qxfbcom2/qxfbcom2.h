@@ -1,1 +1,0 @@
-// Umbrella header (filled as units land).

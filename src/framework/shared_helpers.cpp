@@ -1,0 +1,128 @@
+#include "framework/shared_helpers.h"
+
+#include "platform/host_services.h"
+#include "platform/runtime_error.h"
+
+namespace qx {
+
+namespace {
+constexpr int32_t kObjectNotSet = 91;
+}  // namespace
+
+std::wstring GetOperandDisplayText(const clsOperand& operand) {
+    const bool isNew = operand.IsNew();
+    const int32_t operandType = operand.OperandType();
+    // An unlinked memory slot shows nothing; a constant always shows its value.
+    if (isNew && !IsConstantOperandType(operandType)) return L"";
+    switch (operandType) {
+        case 34:
+        case 35:
+            return operand.OperandValueText() + L" : " + operand.OperandDescription();
+        case 37:
+        case 38:
+            return L"#" + operand.OperandValueText();
+        default:
+            return clsOperandTypeNames().GetName(operandType) + L" " + std::to_wstring(operand.OperandAddress()) +
+                   L" : " + operand.OperandDescription();
+    }
+}
+
+OperandPtr CloneOperand(const clsOperand& operand) {
+    OperandPtr copy = newOperand();
+    copy->OperandType(operand.OperandType());
+    copy->OperandAddress(operand.OperandAddress());
+    copy->OperandNetID(operand.OperandNetID());
+    copy->SetOperandState(operand.GetOperandState());
+    // A registered link takes its mode and format from the host's table.
+    if (!copy->IsRegistered()) {
+        copy->OperandMode(operand.OperandMode());
+        copy->OperandFormat(operand.OperandFormat());
+    }
+    return copy;
+}
+
+bool IsConstantOperandType(int32_t operandType) {
+    switch (operandType) {
+        case 15:
+        case 34:
+        case 35:
+        case 37:
+        case 38:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void EditOperandChecked(OperandPtr& operand) {
+    if (!operand) throw RuntimeError(kObjectNotSet, L"QxFBCom2", L"Object variable or With block variable not set");
+    const int32_t oldAddress = operand->OperandAddress();
+    const int32_t oldNetID = operand->OperandNetID();
+    const int32_t oldType = operand->OperandType();
+    if (IsConstantOperandType(oldType)) operand->OperandMode(2);
+    operand->EditOperand();
+    if (operand->IsEditCanceled()) return;
+    if (operand->OperandAddress() == oldAddress && operand->OperandNetID() == oldNetID &&
+        operand->OperandType() == oldType)
+        return;
+    // The host drops the old link from its table through a stand-alone copy of it.
+    OperandPtr old = newOperand();
+    old->OperandAddress(oldAddress);
+    old->OperandNetID(oldNetID);
+    old->OperandType(oldType);
+    (void)old->IsRegistered();
+    old->ReleaseOperand();
+}
+
+bool IsExtendedOperandsEnabled() { return clsEnvironment().IsExtendedOperandsEnabled(); }
+
+PicturePtr GetDialogIcon(int32_t N) { return clsPictureTable().GetPicture(N); }
+
+float GetDpiScaleX() { return static_cast<float>(GetDeviceCaps(88) / 96.0); }
+
+float GetDpiScaleY() { return static_cast<float>(GetDeviceCaps(90) / 96.0); }
+
+std::wstring GetEndOfMessageText(int32_t type) {
+    switch (type) {
+        case 1:
+            return L"ETX";
+        case 2:
+            return L"Checksum & ETX";
+        case 3:
+            return L"ETX & Checksum";
+        default:
+            return L"";
+    }
+}
+
+std::wstring GetDateFormatText(int32_t type) {
+    switch (type) {
+        case 2:
+            return L"DDD";
+        case 3:
+            return L"DDDDDDDDD";
+        case 4:
+            return L"DD/MM";
+        case 5:
+            return L"MM/DD";
+        case 6:
+            return L"DD/MM/YY";
+        case 7:
+            return L"MM/DD/YY";
+        default:
+            return L"";
+    }
+}
+
+std::wstring GetTimeFormatText(int32_t type) {
+    switch (type) {
+        case 0:
+            return L"HH:MM";
+        case 1:
+            return L"HH:MM:SS";
+        default:
+            return L"";
+    }
+}
+
+}  // namespace qx

@@ -1,0 +1,255 @@
+#include "message/protocol_message.h"
+
+#include <algorithm>
+
+#include "framework/shared_helpers.h"
+#include "message/protocol_cs_var.h"
+#include "platform/ansi.h"
+#include "platform/host_services.h"
+#include "platform/runtime_error.h"
+
+namespace qx {
+
+namespace {
+
+constexpr wchar_t Blank = L' ';
+
+// Positions index the control characters; one outside the row is a subscript error.
+size_t checkedPosition(int32_t position) {
+    if (position < 0 || position >= clsProtocolMessage::MaxPositions) raiseError(err::SubscriptOutOfRange);
+    return static_cast<size_t>(position);
+}
+
+}  // namespace
+
+clsProtocolMessage::clsProtocolMessage() : receiveBit_(newOperand()), messageString_(MaxPositions, Blank) {
+    controlChars_.fill(NoControlChar);
+    receiveBit_->AddAllowedType(1, 1, true);
+    if (IsExtendedOperandsEnabled()) receiveBit_->AddAllowedType(1, 64, true);
+    receiveBit_->OperandType(1);
+    receiveBit_->OperandMode(1);
+    receiveBit_->IsNew(true);
+    receiveBit_->OperandFormat(3);
+}
+
+std::wstring clsProtocolMessage::EditReceiveBit() {
+    receiveBit_->EditOperand();
+    return GetOperandDisplayText(*receiveBit_);
+}
+
+std::wstring clsProtocolMessage::GetReceiveBitAsString() const { return GetOperandDisplayText(*receiveBit_); }
+
+bool clsProtocolMessage::IsEmpty() const {
+    const bool noText = messageString_.find_first_not_of(Blank) == std::wstring::npos;
+    return noText && Vars.Count() == 0 && GetLastControlCharEnd() == -1;
+}
+
+MessagePtr clsProtocolMessage::GetReplica() const {
+    auto copy = std::make_shared<clsProtocolMessage>();
+    copy->messageString_ = messageString_;
+    copy->controlChars_ = controlChars_;
+    copy->messageLength_ = messageLength_;
+    copy->methodType_ = methodType_;
+    copy->receiveBit_ = CloneOperand(*receiveBit_);
+    for (const VarPtr& var : Vars) copy->Vars.Add(var->GetReplica());
+    return copy;
+}
+
+void clsProtocolMessage::UnSelectAllVars() {
+    for (const VarPtr& var : Vars) var->IsSelected(false);
+}
+
+void clsProtocolMessage::AddVar(VarPtr pVar) { Vars.Add(std::move(pVar)); }
+
+VarPtr clsProtocolMessage::GetVar(int32_t pVarNumber) const { return Vars.Item(pVarNumber); }
+
+void clsProtocolMessage::DeleteSelectedVar() {
+    for (int32_t i = 1; i <= Vars.Count(); ++i) {
+        if (Vars.Item(i)->IsSelected()) {
+            Vars.Remove(i);
+            return;
+        }
+    }
+}
+
+VarPtr clsProtocolMessage::GetVarByStartPosition(int32_t pPosition) const {
+    VarPtr found;
+    for (const VarPtr& var : Vars)
+        if (var->StartPosition() == pPosition) found = var;
+    return found;
+}
+
+int32_t clsProtocolMessage::GetLastVarStartPosition() const {
+    // Without fields the place 0 is the collection's invalid index error.
+    return Vars.Item(Vars.Count())->StartPosition();
+}
+
+void clsProtocolMessage::DeleteControlChar(int32_t pPosition) {
+    controlChars_[checkedPosition(pPosition)] = NoControlChar;
+}
+
+bool clsProtocolMessage::ControlCharHitTest(int32_t pPosition) const {
+    return controlChars_[checkedPosition(pPosition)] >= 0;
+}
+
+bool clsProtocolMessage::HitTest(int32_t pPosition) {
+    bool hit = false;
+    for (const VarPtr& var : Vars) {
+        const bool under = var->HitTest(pPosition);
+        var->IsSelected(under);
+        hit = hit || under;
+    }
+    return hit;
+}
+
+void clsProtocolMessage::AddControlChar(int32_t pPosition, int32_t pControlChar) {
+    const size_t at = checkedPosition(pPosition);
+    controlChars_[at] = pControlChar;
+    if (at < messageString_.size()) messageString_[at] = Blank;
+}
+
+void clsProtocolMessage::DeleteByPosition(int32_t pPosition) {
+    const size_t at = checkedPosition(pPosition);
+    for (const VarPtr& var : Vars) {
+        if (var->StartPosition() <= pPosition) {
+            if (var->HitTest(pPosition)) {
+                systemBeep();
+                return;
+            }
+        } else {
+            var->StartPosition(var->StartPosition() - 1);
+        }
+    }
+    const std::wstring before = messageString_.substr(0, std::min(at, messageString_.size()));
+    const std::wstring after = at + 1 < messageString_.size() ? messageString_.substr(at + 1) : std::wstring();
+    messageString_ = before + after + Blank;
+    if (at == MaxPositions - 1) {
+        controlChars_[at] = NoControlChar;
+    } else {
+        // The entry at 499 keeps its value, so a control character there now
+        // stands at 498 and 499. Typing does not mirror this; it is meant so.
+        for (size_t i = at; i < MaxPositions - 1; ++i) controlChars_[i] = controlChars_[i + 1];
+    }
+}
+
+void clsProtocolMessage::InsertChar(int32_t pPosition, const std::wstring& pChar) {
+    if (pPosition == MaxPositions) {
+        // Typing behind the last position overwrites it and moves nothing.
+        if (!pChar.empty() && messageString_.size() >= MaxPositions) messageString_[MaxPositions - 1] = pChar[0];
+        return;
+    }
+    const size_t at = checkedPosition(pPosition);
+    const std::wstring before = messageString_.substr(0, std::min(at, messageString_.size()));
+    const std::wstring kept = at < messageString_.size() ? messageString_.substr(at, MaxPositions - 1 - at) : L"";
+    messageString_ = before + pChar + kept;
+
+    for (int32_t i = 1; i <= Vars.Count(); ++i) {
+        const VarPtr var = Vars.Item(i);
+        if (var->StartPosition() < pPosition) continue;
+        var->StartPosition(var->StartPosition() + 1);
+        if (var->StartPosition() + var->Length() > MaxPositions) {
+            // Fields are in position order, so the one pushed out is the last.
+            systemBeep();
+            Vars.Remove(Vars.Count());
+        }
+    }
+    for (size_t i = MaxPositions - 1; i > at; --i) controlChars_[i] = controlChars_[i - 1];
+    controlChars_[at] = NoControlChar;
+}
+
+void clsProtocolMessage::InsertBlanks(int32_t pPosition, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) InsertChar(pPosition, std::wstring(1, Blank));
+}
+
+bool clsProtocolMessage::IsControlCharsExistAfterPosition(int32_t pPosition) const {
+    for (int32_t i = pPosition; i < MaxPositions; ++i)
+        if (controlChars_[checkedPosition(i)] != NoControlChar) return true;
+    return false;
+}
+
+bool clsProtocolMessage::IsMessageContainCSFields() const {
+    for (const VarPtr& var : Vars)
+        if (dynamic_cast<clsProtocolCSVar*>(var.get())) return true;
+    return false;
+}
+
+bool clsProtocolMessage::IsMessageContainConstText() const {
+    for (const MessageSegment& segment : GetSegments())
+        if (segment.SegmentKind == MessageSegment::TextKind) return true;
+    return false;
+}
+
+void clsProtocolMessage::AddOperandsToFindOnlyCollection(OperandCollection& pOperandsForFindOnly) {
+    for (const VarPtr& var : Vars) var->AddOperandsToFindOnlyCollection(pOperandsForFindOnly);
+}
+
+void clsProtocolMessage::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress) {
+    for (const VarPtr& var : Vars) var->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+}
+
+void clsProtocolMessage::GetVarPropsAt(int32_t pVarNumber, int32_t& pStartPosition, int32_t& pLength, bool& pIsSelected,
+                                       std::wstring& pDisplayString, std::wstring& pToolTipText,
+                                       uint32_t& pVarBackColor, uint32_t& pVarForeColor) const {
+    Vars.Item(pVarNumber)
+        ->GetVarPropsEX(pStartPosition, pLength, pIsSelected, pDisplayString, pToolTipText, pVarBackColor,
+                        pVarForeColor);
+}
+
+wchar_t clsProtocolMessage::charAt(int32_t position) const {
+    if (position < 0 || static_cast<size_t>(position) >= messageString_.size()) return Blank;
+    return messageString_[static_cast<size_t>(position)];
+}
+
+int32_t clsProtocolMessage::trimmedLengthFrom(int32_t position) const {
+    const size_t last = messageString_.find_last_not_of(Blank);
+    if (last == std::wstring::npos) return 0;
+    return std::max<int32_t>(0, static_cast<int32_t>(last) + 1 - position);
+}
+
+std::vector<MessageSegment> clsProtocolMessage::GetSegments() const {
+    std::vector<MessageSegment> segments;
+    auto addText = [&](int32_t start, int32_t count) {
+        MessageSegment text;
+        text.SegmentKind = MessageSegment::TextKind;
+        text.StartPosition = start;
+        text.Chars.reserve(static_cast<size_t>(count));
+        for (int32_t p = start; p < start + count; ++p) {
+            const int32_t code = controlChars_[checkedPosition(p)];
+            text.Chars.push_back(code != NoControlChar ? code : toAnsiByte(charAt(p)));
+        }
+        segments.push_back(std::move(text));
+    };
+
+    if (Vars.Count() == 0) {
+        const int32_t length = std::max(GetLastControlCharEnd(), trimmedLengthFrom(0));
+        // A message that holds nothing has an empty range to build, which is
+        // the subscript error; callers ask IsEmpty first.
+        if (length <= 0) raiseError(err::SubscriptOutOfRange);
+        addText(0, length);
+        return segments;
+    }
+
+    int32_t q = 0;
+    for (const VarPtr& var : Vars) {
+        const int32_t start = var->StartPosition();
+        if (start > q) addText(q, start - q);
+        MessageSegment field;
+        field.SegmentKind = MessageSegment::VarKind;
+        field.Var = var;
+        field.StartPosition = start;
+        segments.push_back(std::move(field));
+        q = start + var->Length();
+    }
+    // Trailing blanks belong to no segment unless a control character stands behind them.
+    const int32_t rest = std::max(GetLastControlCharEnd() - q, trimmedLengthFrom(q));
+    if (rest > 0) addText(q, rest);
+    return segments;
+}
+
+int32_t clsProtocolMessage::GetLastControlCharEnd() const {
+    for (int32_t i = MaxPositions - 1; i >= 0; --i)
+        if (controlChars_[static_cast<size_t>(i)] != NoControlChar) return i + 1;
+    return -1;
+}
+
+}  // namespace qx

@@ -1,0 +1,50 @@
+#include "sets/scan_set.h"
+
+#include "message/protocol_cs_var.h"
+#include "sets/scan_image.h"
+
+namespace qx {
+
+clsProtocolScanSrv::clsProtocolScanSrv() : clsProtocolScanSrv(1) {}
+
+clsProtocolScanSrv::clsProtocolScanSrv(int32_t initialMessageLengthValue)
+    : messages_(method_type::Scan), messageLengthValue_(initialMessageLengthValue),
+      scanChecksum_(std::make_shared<clsProtocolCSVar>()) {}
+
+Bytes clsProtocolScanSrv::BinaryData() { return writeScanImage(*this); }
+
+void clsProtocolScanSrv::BinaryData(const Bytes& value) { readScanImage(*this, value); }
+
+void clsProtocolScanSrv::ShowHelp() { hostObjects_.ShowHelp(); }
+
+void clsProtocolScanSrv::InitScanChecksum() {
+    // The end-of-message checksum is always a clsProtocolCSVar; the dialog
+    // gives one back in its place.
+    if (auto checksum = std::dynamic_pointer_cast<clsProtocolCSVar>(scanChecksum_)) checksum->InitChecksum();
+}
+
+void clsProtocolScanSrv::ClearAll() {
+    messages_.ClearAll();
+    if (OnMessagesCleared) OnMessagesCleared();
+}
+
+void clsProtocolScanSrv::SetScanSTXValue(int32_t pIndex, uint8_t pValue, bool pSTXByAscii) {
+    setFrameChar(scanSTXChars_, pIndex, pValue, pSTXByAscii);
+}
+
+void clsProtocolScanSrv::SetScanETXValue(int32_t pIndex, uint8_t pValue, bool pETXByAscii) {
+    setFrameChar(scanETXChars_, pIndex, pValue, pETXByAscii);
+}
+
+void clsProtocolScanSrv::ClearScanSTX() { scanSTXChars_.fill(FrameChar{}); }
+
+void clsProtocolScanSrv::ClearScanETX() {
+    scanETXChars_.fill(FrameChar{});
+    endOfScanMessageType_ = 1;
+}
+
+void clsProtocolScanSrv::SetHostObjects(itfFBMethod* pFBMethod, InstancesPtr pFBInstances) {
+    hostObjects_ = EditHostObjects{pFBMethod, std::move(pFBInstances)};
+}
+
+}  // namespace qx

@@ -1,0 +1,107 @@
+#include "sets/send_set.h"
+
+#include <string>
+
+#include "framework/runtime_catalogue.h"
+#include "framework/shared_helpers.h"
+#include "message/field_state.h"
+#include "message/protocol_cs_var.h"
+#include "sets/send_image.h"
+
+namespace qx {
+
+namespace {
+
+// Captions of the operand slots in the host's picker.
+constexpr int32_t kMessageNumberText = 28;
+constexpr int32_t kCopyDestinationText = 28;
+constexpr int32_t kCopyDoneText = 30;
+
+constexpr int32_t kMemoryMode = 1;
+constexpr int32_t kConstantMode = 2;
+
+OperandPtr newSetOperand(int32_t mode, int32_t operandType, int32_t textNumber) {
+    auto operand = newOperand();
+    operand->OperandMode(mode);
+    operand->OperandType(operandType);
+    operand->IsNew(true);
+    std::wstring caption = GetText(textNumber);
+    operand->OperandCaption(caption);
+    operand->OperandTitle(caption);
+    return operand;
+}
+
+}  // namespace
+
+clsProtocolSendSrv::clsProtocolSendSrv() : clsProtocolSendSrv(Family::Serial) {}
+
+clsProtocolSendSrv::clsProtocolSendSrv(Family family)
+    : family_(family), messages_(method_type::Send), sendChecksum_(std::make_shared<clsProtocolCSVar>()) {
+    createOperands();
+}
+
+void clsProtocolSendSrv::createOperands() {
+    bool extended = IsExtendedOperandsEnabled();
+    bool ethernet = family_ == Family::Ethernet;
+
+    opMessageNumber_ = newSetOperand(kConstantMode, 37, kMessageNumberText);
+    opMessageNumber_->AddAllowedType(kMemoryMode, 3, true);
+    if (extended && !ethernet) opMessageNumber_->AddAllowedType(kMemoryMode, 65, true);
+    opMessageNumber_->AddAllowedType(kConstantMode, 34, true);
+    opMessageNumber_->AddAllowedType(kConstantMode, 37, true);
+    if (extended && ethernet) opMessageNumber_->AddAllowedType(kMemoryMode, 65, true);
+
+    opCopyDestination_ = newSetOperand(kMemoryMode, 3, kCopyDestinationText);
+    for (int32_t type : {3, 5, 16}) opCopyDestination_->AddAllowedType(kMemoryMode, type, true);
+    if (extended)
+        for (int32_t type : {65, 66, 67}) opCopyDestination_->AddAllowedType(kMemoryMode, type, true);
+
+    opCopyWhenOn_ = newSetOperand(kMemoryMode, 1, kCopyDoneText);
+    opCopyWhenOn_->AddAllowedType(kMemoryMode, 1, true);
+    if (extended && ethernet) opCopyWhenOn_->AddAllowedType(kMemoryMode, 64, true);
+}
+
+void clsProtocolSendSrv::ClearAll() {
+    messages_.ClearAll();
+    if (OnMessagesCleared) OnMessagesCleared();
+}
+
+Bytes clsProtocolSendSrv::BinaryData() { return writeSendImage(*this, family_ == Family::Serial); }
+
+void clsProtocolSendSrv::BinaryData(const Bytes& value) { readSendImage(*this, value); }
+
+void clsProtocolSendSrv::ShowHelp() { hostObjects_.ShowHelp(); }
+
+void clsProtocolSendSrv::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
+                                         int32_t pNewOpAddress) {
+    messages_.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    for (const auto& operand : {opMessageNumber_, opCopyWhenOn_, opCopyDestination_})
+        replaceOperandAddress(*operand, pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+}
+
+void clsProtocolSendSrv::ClearSendETX() {
+    sendETXChars_.fill(FrameChar{});
+    endOfSendMessageType_ = 1;
+}
+
+void clsProtocolSendSrv::ClearSendSTX() { sendSTXChars_.fill(FrameChar{}); }
+
+void clsProtocolSendSrv::SetSendETXValue(int32_t pIndex, uint8_t pValue, bool pETXByAscii) {
+    setFrameChar(sendETXChars_, pIndex, pValue, pETXByAscii);
+}
+
+void clsProtocolSendSrv::SetSendSTXValue(int32_t pIndex, uint8_t pValue, bool pSTXByAscii) {
+    setFrameChar(sendSTXChars_, pIndex, pValue, pSTXByAscii);
+}
+
+void clsProtocolSendSrv::SetHostObjects(itfFBMethod* pFBMethod, InstancesPtr pFBInstances) {
+    hostObjects_ = EditHostObjects{pFBMethod, std::move(pFBInstances)};
+}
+
+void clsProtocolSendSrv::AddOperandsToFindOnly(OperandCollection& pOperandsForFindOnly) const {
+    for (const auto& operand : {opMessageNumber_, opCopyDestination_, opCopyWhenOn_})
+        addLinkedOperand(pOperandsForFindOnly, operand);
+    messages_.AddOperandsToFindOnlyCollection(pOperandsForFindOnly);
+}
+
+}  // namespace qx

@@ -1,0 +1,187 @@
+// The built qxfb program, run as a user runs it: its output, its errors on
+// standard error, its exit status.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string readFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+std::string shellQuoted(const std::string& text) {
+    std::string out = "'";
+    for (char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+struct CliRun {
+    int status = -1;
+    std::string out, err;
+
+    std::vector<std::string> lines() const {
+        std::vector<std::string> result;
+        std::istringstream in(out);
+        for (std::string line; std::getline(in, line);) result.push_back(line);
+        return result;
+    }
+    std::string lastLine() const {
+        auto all = lines();
+        return all.empty() ? "" : all.back();
+    }
+};
+
+class QxfbTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* cli = std::getenv("QXFB_CLI");
+        ASSERT_NE(cli, nullptr) << "QXFB_CLI names the program under test";
+        program = cli;
+        folder = fs::temp_directory_path() / ("qxfb_cli_test_" + std::to_string(getpid()) + "_" +
+                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    // Runs qxfb with the arguments, environment assignments first ("NAME=value").
+    CliRun run(const std::string& arguments, const std::string& environment = "") {
+        const fs::path out = folder / "stdout", err = folder / "stderr";
+        std::string command = (environment.empty() ? "" : "env " + environment + " ") + shellQuoted(program) + " " +
+                              arguments + " </dev/null >" + shellQuoted(out) + " 2>" + shellQuoted(err);
+        CliRun result;
+        int raw = std::system(command.c_str());
+        result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        result.out = readFile(out);
+        result.err = readFile(err);
+        return result;
+    }
+
+    std::string program;
+    fs::path folder;
+};
+
+TEST_F(QxfbTest, DemoEndsWithTheImageOfTheNewConfigOnCom2) {
+    CliRun demo = run("demo");
+    EXPECT_EQ(demo.status, 0) << demo.err;
+    EXPECT_EQ(demo.lastLine(), "BinaryOperands: 02 00");
+    EXPECT_EQ(demo.err, "");
+}
+
+TEST_F(QxfbTest, DemoListsBothFamiliesWithEveryOperationAndTheirVersions) {
+    CliRun demo = run("demo");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    for (const char* expected :
+         {"Gate: QxFBCom2.clsGate {12D70566-D97F-4E2E-A8C9-65E0DBDC60E6}, GateID 170000\n",
+          "Family 170100 PROTOCOL (Protocol)\n", "Family 170200 P. TCP/IP (Protocol TCP/IP)\n",
+          "  CurrentHexFileVersion: 100\n", "  HexFileVersionsList: 100\n",
+          "FatherID 170100  MethodID 170101  CONFIG", "FatherID 170100  MethodID 170102  SCAN",
+          "FatherID 170100  MethodID 170103  SEND", "FatherID 170100  MethodID 170104  COPY BUFFER",
+          "FatherID 170100  MethodID 170105  BUFFER RST", "FatherID 170200  MethodID 170201  CONFIG",
+          "FatherID 170200  MethodID 170202  SCAN", "FatherID 170200  MethodID 170203  SEND TCP",
+          "Each operation is linked to a Configuration, which determines which COM port is used for Send and Scan "
+          "operations\n"})
+        EXPECT_NE(demo.out.find(expected), std::string::npos) << expected;
+    const std::string fbs = readFile(fs::path(std::getenv("QXFB_SOURCE_DIR")) / "runtime/FB_Lib/RT/170100V100.FBs");
+    EXPECT_NE(demo.out.find("Runtime files of version 100: FBs " + std::to_string(fbs.size()) + " bytes"),
+              std::string::npos);
+}
+
+TEST_F(QxfbTest, DemoShowsTheBlocksOfTheNewConfig) {
+    CliRun demo = run("demo");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    for (const char* expected :
+         {"  Person: chooses COM2 in cbComport, presses OK\n", "  InOperands: none\n",
+          "    1  Function in progress  MB 10 : Protocol busy\n", "    2  Status  MI 20 : Protocol status\n",
+          "  FatherInstanceNum: 1\n", "  FatherInstanceName: Config1\n", "  HexFileVersion: 100\n"})
+        EXPECT_NE(demo.out.find(expected), std::string::npos) << expected << "\n" << demo.out;
+}
+
+TEST_F(QxfbTest, HelpExplainsEveryCommandAndOption) {
+    CliRun help = run("--help");
+    EXPECT_EQ(help.status, 0);
+    for (const char* expected : {"qxfb demo [--component PATH] [--app-folder DIR]", "qxfb classes", "qxfb register",
+                                 "qxfb unregister", "qxfb --help", "DllRegisterServer", "DllUnregisterServer",
+                                 "BinaryOperands: 02 00", "QXFB_APP_FOLDER", "QXFB_REGISTRY", "Exit status"})
+        EXPECT_NE(help.out.find(expected), std::string::npos) << expected;
+}
+
+TEST_F(QxfbTest, UnknownCommandOrOptionIsAUsageError) {
+    CliRun bogus = run("bogus");
+    EXPECT_EQ(bogus.status, 2);
+    EXPECT_EQ(bogus.out, "");
+    EXPECT_NE(bogus.err.find("unknown command bogus"), std::string::npos);
+    EXPECT_EQ(run("demo --bogus").status, 2);
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run("demo --component").status, 2);
+}
+
+TEST_F(QxfbTest, DemoWithoutRuntimeFilesReportsOnStandardErrorAndFails) {
+    CliRun demo = run("demo --app-folder " + shellQuoted((folder / "nowhere" / "bin").string()));
+    EXPECT_EQ(demo.status, 1);
+    EXPECT_NE(demo.err.find("KeyNotFount"), std::string::npos) << demo.err;
+    EXPECT_NE(demo.err.find("run-time error 13"), std::string::npos) << demo.err;
+    EXPECT_EQ(demo.out.find("BinaryOperands"), std::string::npos);
+}
+
+TEST_F(QxfbTest, DemoTakesTheAppFolderOfTheEnvironment) {
+    CliRun demo = run("demo", "QXFB_APP_FOLDER=" + shellQuoted((folder / "elsewhere" / "bin").string()));
+    EXPECT_EQ(demo.status, 1);
+    EXPECT_NE(demo.out.find("Application folder: " + (folder / "elsewhere" / "bin").string()), std::string::npos);
+}
+
+TEST_F(QxfbTest, AMissingComponentFailsWithItsPath) {
+    CliRun demo = run("demo --component " + shellQuoted((folder / "libNothing.so").string()));
+    EXPECT_EQ(demo.status, 1);
+    EXPECT_NE(demo.err.find("cannot load the component " + (folder / "libNothing.so").string()), std::string::npos);
+}
+
+TEST_F(QxfbTest, ClassesListsTheElevenProgIDsWithTheirIdentifiers) {
+    CliRun classes = run("classes");
+    ASSERT_EQ(classes.status, 0) << classes.err;
+    auto lines = classes.lines();
+    ASSERT_EQ(lines.size(), 11u);
+    EXPECT_EQ(lines[0], "{12D70566-D97F-4E2E-A8C9-65E0DBDC60E6}  QxFBCom2.clsGate");
+    EXPECT_EQ(lines[10].substr(40), "QxFBCom2.clsEthProtocolScan");
+}
+
+TEST_F(QxfbTest, RegisterAndUnregisterLeaveForeignEntriesAlone) {
+    const fs::path registry = folder / "registry.ini";
+    const std::string foreign = "[Other.Thing]\nCLSID={00000000-1111-2222-3333-444444444444}\n";
+    std::ofstream(registry, std::ios::binary) << foreign;
+    const std::string environment = "QXFB_REGISTRY=" + shellQuoted(registry.string());
+
+    CliRun reg = run("register", environment);
+    ASSERT_EQ(reg.status, 0) << reg.err;
+    EXPECT_NE(reg.out.find("DllRegisterServer: registered 11 classes"), std::string::npos);
+    const std::string registered = readFile(registry);
+    EXPECT_EQ(registered.rfind(foreign, 0), 0u);
+    EXPECT_NE(registered.find("ProgID=QxFBCom2.clsProtocolCopyToBuffer\n"), std::string::npos);
+
+    CliRun unreg = run("unregister", environment);
+    ASSERT_EQ(unreg.status, 0) << unreg.err;
+    EXPECT_EQ(readFile(registry), foreign);
+}
+
+TEST_F(QxfbTest, RegisterIntoAnUnwritablePlaceFails) {
+    std::ofstream(folder / "plain_file") << "x";
+    CliRun reg = run("register", "QXFB_REGISTRY=" + shellQuoted((folder / "plain_file" / "registry.ini").string()));
+    EXPECT_EQ(reg.status, 1);
+    EXPECT_NE(reg.err.find("DllRegisterServer failed with 0x80040201"), std::string::npos) << reg.err;
+}
+
+}  // namespace

@@ -1,0 +1,76 @@
+#include "platform/bytes.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/runtime_error.h"
+
+namespace qx {
+namespace {
+
+int errorNumber(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.Number();
+    }
+    return 0;
+}
+
+TEST(ByteReader, ReadsLittleEndianValues) {
+    Bytes data{0x01, 0x02, 0x03, 0x04, 0xFF};
+    ByteReader in(data);
+    EXPECT_EQ(in.u8(4), 0xFF);
+    EXPECT_EQ(in.u16(0), 0x0201);
+    EXPECT_EQ(in.u32(0), 0x04030201u);
+    EXPECT_EQ(ByteReader(Bytes{0xFE, 0xFF, 0xFF, 0xFF}).i32(0), -2);
+}
+
+TEST(ByteReader, ReadOutsideTheBlockIsSubscriptOutOfRange) {
+    Bytes data{1, 2, 3};
+    ByteReader in(data);
+    EXPECT_EQ(errorNumber([&] { in.u8(3); }), 9);
+    EXPECT_EQ(errorNumber([&] { in.u8(-1); }), 9);
+    EXPECT_EQ(errorNumber([&] { in.u16(2); }), 9);
+    EXPECT_EQ(errorNumber([&] { in.u32(0); }), 9);
+    EXPECT_EQ(errorNumber([&] { in.u32(INT64_MAX); }), 9);
+    EXPECT_EQ(errorNumber([] { ByteReader(Bytes{}).u8(0); }), 9);
+}
+
+TEST(ByteReader, UntilZeroStopsAtTheFirstZeroAndFailsWithoutOne) {
+    Bytes data{'A', 'B', 0, 'C'};
+    ByteReader in(data);
+    EXPECT_EQ(in.untilZero(0), (Bytes{'A', 'B'}));
+    EXPECT_EQ(in.untilZero(2), Bytes{});
+    EXPECT_EQ(errorNumber([&] { in.untilZero(3); }), 9);
+}
+
+TEST(ByteWriter, WritesLittleEndianAndGrowsWithZeros) {
+    Bytes data(2, 0);
+    ByteWriter out(data);
+    out.u16(0, 0x1234);
+    out.grow(4);
+    out.i32(2, -1);
+    EXPECT_EQ(data, (Bytes{0x34, 0x12, 0xFF, 0xFF, 0xFF, 0xFF}));
+    out.low16(0, 70000);
+    EXPECT_EQ(data[0], 0x70);
+    EXPECT_EQ(data[1], 0x11);
+}
+
+TEST(ByteWriter, ValueThatDoesNotFitIsOverflow) {
+    Bytes data(4, 0);
+    ByteWriter out(data);
+    EXPECT_EQ(errorNumber([&] { out.u8(0, 256); }), 6);
+    EXPECT_EQ(errorNumber([&] { out.u8(0, -1); }), 6);
+    EXPECT_EQ(errorNumber([&] { out.u16(0, 65536); }), 6);
+    EXPECT_EQ(data, Bytes(4, 0));
+}
+
+TEST(ByteWriter, WriteOutsideTheBlockIsSubscriptOutOfRange) {
+    Bytes data(2, 0);
+    ByteWriter out(data);
+    EXPECT_EQ(errorNumber([&] { out.u8(2, 1); }), 9);
+    EXPECT_EQ(errorNumber([&] { out.copy(1, Bytes{1, 2}); }), 9);
+}
+
+}  // namespace
+}  // namespace qx

@@ -1,0 +1,89 @@
+#include "platform/host_context.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/host_services.h"
+
+namespace qx {
+namespace {
+
+TEST(HostContext, ScopedContextReplacesAndRestores) {
+    HostContext* outer = &host();
+    {
+        ScopedHostContext context;
+        EXPECT_EQ(&host(), &*context);
+        host().BeepCount = 3;
+        host().ExtendedOperands = true;
+    }
+    EXPECT_EQ(&host(), outer);
+    ScopedHostContext fresh;
+    EXPECT_EQ(host().BeepCount, 0);
+    EXPECT_FALSE(host().ExtendedOperands);
+}
+
+TEST(HostContext, RuntimeFolderHangsBelowTheApplicationFolder) {
+    ScopedHostContext context;
+    context->AppFolder = L"/opt/ide/bin";
+    EXPECT_EQ(context->RuntimeFolder(), L"/opt/ide/bin/../FB_Lib/RT/");
+}
+
+TEST(HostContext, ScriptedAnswersComeInOrderThenTheDefault) {
+    ScopedHostContext context;
+    auto* script = context->Script();
+    script->QueueAnswer(2);
+    EXPECT_EQ(script->AnswerMessage({}), 2);
+    EXPECT_EQ(script->AnswerMessage({}), 1);
+    script->DefaultAnswer = 7;
+    EXPECT_EQ(script->AnswerMessage({}), 7);
+}
+
+TEST(HostServices, BeepIsCounted) {
+    ScopedHostContext context;
+    systemBeep();
+    systemBeep();
+    EXPECT_EQ(context->BeepCount, 2);
+}
+
+TEST(HostServices, ErrorReporterRecordsEveryReport) {
+    ScopedHostContext context;
+    clsErrorReporter().Report({L"Name", 0x80040000, L"text", L"src", L"mod", L"proc", 16});
+    ASSERT_EQ(context->Reports.size(), 1u);
+    EXPECT_EQ(context->Reports[0].Name, L"Name");
+    EXPECT_EQ(context->Reports[0].Severity, 16);
+}
+
+TEST(HostServices, TypeNamesAndLimits) {
+    ScopedHostContext context;
+    EXPECT_EQ(clsOperandTypeNames().GetName(3), L"MI");
+    EXPECT_EQ(clsNameLimits().Item(22), 20);
+    context->NameLimits[22] = 8;
+    EXPECT_EQ(clsNameLimits().Item(22), 8);
+    EXPECT_FALSE(clsEnvironment().IsExtendedOperandsEnabled());
+    context->ExtendedOperands = true;
+    EXPECT_TRUE(clsEnvironment().IsExtendedOperandsEnabled());
+}
+
+TEST(HostServices, MessageTextFillsParameters) {
+    ScopedHostContext context;
+    EXPECT_EQ(clsTextTable().GetMessageText(154, {L"255"}), L"A set holds at most 255 messages.");
+    context->TextOverrides[24] = L"Busy";
+    EXPECT_EQ(clsTextTable().GetText(24), L"Busy");
+}
+
+TEST(HostServices, DeviceCapsAnswersPixelsPerInch) {
+    ScopedHostContext context;
+    context->DpiX = 120;
+    EXPECT_EQ(GetDeviceCaps(88), 120);
+    EXPECT_EQ(GetDeviceCaps(90), 96);
+    EXPECT_EQ(GetDeviceCaps(12), 0);
+}
+
+TEST(HostServices, ValueTextOfFixedPointConstants) {
+    clsOperandFormats formats;
+    EXPECT_EQ(formats.GetValueText(37, 3, 70000), L"7");
+    EXPECT_EQ(formats.GetValueText(37, 3, -15000), L"-1.5");
+    EXPECT_EQ(formats.GetValueText(37, 3, 12345), L"1.2345");
+}
+
+}  // namespace
+}  // namespace qx

@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/host_services.h"
+
+namespace qx {
+namespace {
+
+class PrivateProfile : public ::testing::Test {
+protected:
+    void SetUp() override {
+        path_ = std::filesystem::temp_directory_path() / ("qxfb_profile_" + std::to_string(::getpid()) + ".ini");
+        std::ofstream(path_) << "; comment\n[170100]\nCurrentHexFileVersion = 100\nQuoted=\"a b\"\n[other]\nKey=2\n";
+    }
+    void TearDown() override { std::filesystem::remove(path_); }
+    std::string read(const std::string& section, const std::string& key, uint32_t size = 255) {
+        std::string buffer(255, ' ');
+        GetPrivateProfileStringA(section, key, "NO RESULT", buffer, size, path_.string());
+        return buffer.substr(0, buffer.find('\0'));
+    }
+    std::filesystem::path path_;
+};
+
+TEST_F(PrivateProfile, ReadsTheKeyOfItsSection) {
+    EXPECT_EQ(read("170100", "CurrentHexFileVersion"), "100");
+    EXPECT_EQ(read("170100", "currenthexfileversion"), "100");
+    EXPECT_EQ(read("other", "Key"), "2");
+    EXPECT_EQ(read("170100", "Quoted"), "a b");
+}
+
+TEST_F(PrivateProfile, MissingKeyOrFileGivesTheDefault) {
+    EXPECT_EQ(read("170100", "Key"), "NO RESULT");
+    std::string buffer(255, ' ');
+    GetPrivateProfileStringA("s", "k", "NO RESULT", buffer, 255, "/nonexistent/x.ini");
+    EXPECT_EQ(buffer.substr(0, 10), std::string("NO RESULT") + '\0');
+}
+
+TEST_F(PrivateProfile, ValueIsCutToTheBufferLessItsNul) { EXPECT_EQ(read("170100", "CurrentHexFileVersion", 3), "10"); }
+
+TEST_F(PrivateProfile, BlanksBehindTheNulStayInTheBuffer) {
+    std::string buffer(255, ' ');
+    uint32_t n = GetPrivateProfileStringA("170100", "CurrentHexFileVersion", "", buffer, 255, path_.string());
+    EXPECT_EQ(n, 3u);
+    EXPECT_EQ(buffer.size(), 255u);
+    EXPECT_EQ(buffer[3], '\0');
+    EXPECT_EQ(buffer[4], ' ');
+}
+
+}  // namespace
+}  // namespace qx
