@@ -16,7 +16,7 @@ protected:
     ScopedHostContext context;
 };
 
-TEST_F(BinaryVarTest, NewFieldHasDocumentedDefaults) {
+TEST_F(BinaryVarTest, NewFieldStartsFromItsDefaults) {
     clsProtocolBinaryVar field;
     EXPECT_EQ(field.StartPosition(), 0);
     EXPECT_EQ(field.Length(), 0);
@@ -28,7 +28,7 @@ TEST_F(BinaryVarTest, NewFieldHasDocumentedDefaults) {
     EXPECT_EQ(field.GetVarSegmentType(), 1);
 }
 
-TEST_F(BinaryVarTest, LinkedOperandIsABitOfTheDocumentedTypes) {
+TEST_F(BinaryVarTest, LinkedOperandOffersTheBitTypesInOrder) {
     clsProtocolBinaryVar field;
     const OperandPtr op = field.LikedOperand();
     EXPECT_EQ(test::allowedTypes(*op), (std::vector<int32_t>{9, 1, 10, 2, 11}));

@@ -30,7 +30,7 @@ void fill(clsProtocolCSVar& cs) {
     cs.STXInCS(true);
 }
 
-TEST_F(CSVarTest, NewChecksumHasDocumentedDefaults) {
+TEST_F(CSVarTest, NewChecksumStartsFromItsDefaults) {
     clsProtocolCSVar cs;
     EXPECT_EQ(cs.StartPosition(), 0);
     EXPECT_EQ(cs.Length(), 1);

@@ -16,7 +16,7 @@ protected:
     ScopedHostContext context;
 };
 
-TEST_F(NumericVarTest, NewFieldHasDocumentedDefaults) {
+TEST_F(NumericVarTest, NewFieldStartsFromItsDefaults) {
     clsProtocolNumericVar field;
     EXPECT_EQ(field.StartPosition(), 0);
     EXPECT_EQ(field.Length(), 5);

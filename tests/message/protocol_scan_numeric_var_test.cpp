@@ -16,7 +16,7 @@ protected:
     ScopedHostContext context;
 };
 
-TEST_F(ScanNumericVarTest, NewFieldHasDocumentedDefaults) {
+TEST_F(ScanNumericVarTest, NewFieldStartsFromItsDefaults) {
     clsProtocolScanNumericVar field;
     EXPECT_EQ(field.StartPosition(), 0);
     EXPECT_EQ(field.Length(), 5);
