@@ -236,8 +236,8 @@ void scriptConfigPerson(HostContext& context) {
     person->QueueDialog([](Form& form) {
         auto* dialog = dynamic_cast<frmProtocolConfig*>(&form);
         if (!dialog) return;  // not the dialog this person expects: it closes the window
-        std::cout << "  Person: links \"" << u8(dialog->lblOpFail.Caption()) << "\" to " << u8(dialog->lbOpFail.Caption())
-                  << "\n";
+        std::cout << "  Person: links \"" << u8(dialog->lblOpFail.Caption()) << "\" to "
+                  << u8(dialog->lbOpFail.Caption()) << "\n";
         std::cout << "  Person: links \"" << u8(dialog->lblStatusOp.Caption()) << "\" to "
                   << u8(dialog->lbStatusOp.Caption()) << "\n";
         for (int32_t i = 0; i < dialog->cbComport.ListCount(); ++i)

@@ -54,8 +54,10 @@ inline constexpr GUID CLSID_clsProtocolFather{
     0x91593330, 0x5ecd, 0x4615, {0x96, 0x8c, 0xfb, 0xc8, 0x03, 0x54, 0xfd, 0xda}};
 inline constexpr GUID CLSID_clsProtocolConfig{
     0xbefa9625, 0xabbc, 0x4586, {0x90, 0x56, 0xf1, 0x78, 0x74, 0xc1, 0x1b, 0x88}};
-inline constexpr GUID CLSID_clsProtocolSend{0xf580ca28, 0x1d59, 0x4e52, {0x9b, 0x0d, 0x64, 0x8d, 0xa3, 0xfe, 0xfa, 0x73}};
-inline constexpr GUID CLSID_clsProtocolscan{0x297a23a1, 0x6101, 0x4941, {0xb4, 0x98, 0x0e, 0xa9, 0x8e, 0xfd, 0x07, 0xd2}};
+inline constexpr GUID CLSID_clsProtocolSend{
+    0xf580ca28, 0x1d59, 0x4e52, {0x9b, 0x0d, 0x64, 0x8d, 0xa3, 0xfe, 0xfa, 0x73}};
+inline constexpr GUID CLSID_clsProtocolscan{
+    0x297a23a1, 0x6101, 0x4941, {0xb4, 0x98, 0x0e, 0xa9, 0x8e, 0xfd, 0x07, 0xd2}};
 inline constexpr GUID CLSID_clsProtocolResetBuffer{
     0x569d9382, 0x781c, 0x4ed0, {0xb4, 0xca, 0xff, 0xcf, 0x20, 0x0b, 0x46, 0x3a}};
 inline constexpr GUID CLSID_clsProtocolCopyToBuffer{
@@ -135,11 +137,17 @@ protected:
 template <class T>
 constexpr GUID interfaceIdOf();
 template <>
-constexpr GUID interfaceIdOf<itfFBGate>() { return IID_itfFBGate; }
+constexpr GUID interfaceIdOf<itfFBGate>() {
+    return IID_itfFBGate;
+}
 template <>
-constexpr GUID interfaceIdOf<itfFBFather>() { return IID_itfFBFather; }
+constexpr GUID interfaceIdOf<itfFBFather>() {
+    return IID_itfFBFather;
+}
 template <>
-constexpr GUID interfaceIdOf<itfFBMethod>() { return IID_itfFBMethod; }
+constexpr GUID interfaceIdOf<itfFBMethod>() {
+    return IID_itfFBMethod;
+}
 
 // For hosts: the library object behind a handle, as T; nullptr when the
 // handle is null or its object does not implement T. The handle keeps its

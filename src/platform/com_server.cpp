@@ -7,13 +7,12 @@
 #include <new>
 #include <vector>
 
+#include "framework/families.h"
+#include "framework/gate.h"
 #include "platform/ansi.h"
 #include "platform/object_count.h"
 #include "platform/registry.h"
 #include "platform/runtime_error.h"
-
-#include "framework/families.h"
-#include "framework/gate.h"
 #include "serial/protocol_config.h"
 #include "serial/protocol_copy_to_buffer.h"
 #include "serial/protocol_reset_buffer.h"
@@ -48,9 +47,12 @@ public:
     HRESULT QueryInterface(const GUID& riid, void** ppvObject) override {
         if (!ppvObject) return E_POINTER;
         *ppvObject = nullptr;
-        if (riid == IID_IUnknown) *ppvObject = static_cast<IUnknown*>(this);
-        else if (riid == interfaceIdOf<T>()) *ppvObject = static_cast<IObjectRef<T>*>(this);
-        else return E_NOINTERFACE;
+        if (riid == IID_IUnknown)
+            *ppvObject = static_cast<IUnknown*>(this);
+        else if (riid == interfaceIdOf<T>())
+            *ppvObject = static_cast<IObjectRef<T>*>(this);
+        else
+            return E_NOINTERFACE;
         AddRef();
         return S_OK;
     }
@@ -108,9 +110,12 @@ public:
     HRESULT QueryInterface(const GUID& riid, void** ppvObject) override {
         if (!ppvObject) return E_POINTER;
         *ppvObject = nullptr;
-        if (riid == IID_IUnknown) *ppvObject = static_cast<IUnknown*>(this);
-        else if (riid == IID_IClassFactory) *ppvObject = static_cast<IClassFactory*>(this);
-        else return E_NOINTERFACE;
+        if (riid == IID_IUnknown)
+            *ppvObject = static_cast<IUnknown*>(this);
+        else if (riid == IID_IClassFactory)
+            *ppvObject = static_cast<IClassFactory*>(this);
+        else
+            return E_NOINTERFACE;
         AddRef();
         return S_OK;
     }
@@ -138,8 +143,10 @@ public:
     }
 
     HRESULT LockServer(int32_t fLock) override {
-        if (fLock) ++serverLocks;
-        else if (serverLocks > 0) --serverLocks;
+        if (fLock)
+            ++serverLocks;
+        else if (serverLocks > 0)
+            --serverLocks;
         return S_OK;
     }
 

@@ -99,8 +99,10 @@ std::optional<std::string> RegistryFile::value(const std::string& section, const
     bool inSection = false;
     for (const auto& line : lines_) {
         std::string name, k, v;
-        if (isSectionLine(line, &name)) inSection = sameName(name, section);
-        else if (inSection && isKeyLine(line, &k, &v) && sameName(k, key)) return v;
+        if (isSectionLine(line, &name))
+            inSection = sameName(name, section);
+        else if (inSection && isKeyLine(line, &k, &v) && sameName(k, key))
+            return v;
     }
     return std::nullopt;
 }
@@ -157,7 +159,8 @@ bool RegistryFile::removeValue(const std::string& section, const std::string& ke
     bool inSection = false;
     for (size_t i = 0; i < lines_.size();) {
         std::string name, k;
-        if (isSectionLine(lines_[i], &name)) inSection = sameName(name, section);
+        if (isSectionLine(lines_[i], &name))
+            inSection = sameName(name, section);
         else if (inSection && isKeyLine(lines_[i], &k, nullptr) && sameName(k, key)) {
             lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(i));
             removed = true;
@@ -188,7 +191,8 @@ void RegistryFile::dropEmptySection(const std::string& section) {
         size_t begin = i;
         if (end == lines_.size())
             while (begin > 0 && isBlank(lines_[begin - 1])) --begin;
-        lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(begin), lines_.begin() + static_cast<std::ptrdiff_t>(end));
+        lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(begin),
+                     lines_.begin() + static_cast<std::ptrdiff_t>(end));
         i = begin;
     }
 }
@@ -196,9 +200,12 @@ void RegistryFile::dropEmptySection(const std::string& section) {
 std::string registryFilePath() {
     if (const char* explicitPath = std::getenv("QXFB_REGISTRY"); explicitPath && *explicitPath) return explicitPath;
     std::string base;
-    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg) base = xdg;
-    else if (const char* home = std::getenv("HOME"); home && *home) base = std::string(home) + "/.config";
-    else base = ".config";
+    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg)
+        base = xdg;
+    else if (const char* home = std::getenv("HOME"); home && *home)
+        base = std::string(home) + "/.config";
+    else
+        base = ".config";
     return base + "/QxFBCom2/registry.ini";
 }
 

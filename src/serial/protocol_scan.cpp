@@ -1,30 +1,55 @@
 #include "serial/protocol_scan.h"
 
+#include <memory>
+
+#include "sets/scan_set.h"
+
 namespace qx {
 
 namespace {
 FBMethodInfo scanInfo() {
     return FBMethodInfo{
-        2,
-        L"SCAN",
-        L"Checks if messages contained within the Scan have been received via the COM port in the linked Configuration",
-        216,
-        0,
-        3,
-        true,
-        true,
-        {
-            {1, {1}, {64}, 31, true},  // session complete
-            {3, {3}, {65}, 32, true},  // number of bytes received
-            {3, {3}, {65}, 33, true},  // index of the received message
-        },
+        .MethodNumber = 2,
+        .Title = L"SCAN",
+        .Description =
+            L"Checks if messages contained within the Scan have been received via the COM port in the "
+            L"linked Configuration",
+        .MethodNameText = 216,
+        .VisbleInCout = 0,
+        .VisbleOutCout = 3,
+        .HasBinaryImage = true,
+        .AnswersBusBar = true,
+        .OutOperandSpecs =
+            {
+                // Session complete.
+                {.TypeAtCreation = 1, .AllowedTypes = {1}, .ExtendedTypes = {64}, .TextNumber = 31, .Visible = true},
+                // Number of bytes received.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 32, .Visible = true},
+                // Index of the received message.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 33, .Visible = true},
+            },
     };
 }
 }  // namespace
 
 clsProtocolscan::clsProtocolscan() : FBMethodBase(scanInfo()) {}
 
-// The Scan dialog and its message set come later; until then an edit changes nothing.
+// The dialog-driven edit arrives with the message editors.
 void clsProtocolscan::itfFBMethod_EditOperands() {}
+
+void clsProtocolscan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
+                                             int32_t pNewOpAddress) {
+    // A Scan that no edit has confirmed yet has no image and so no link to
+    // follow; loading the empty array would only raise the reader's error 9,
+    // and a default set written back would be an image the user never
+    // confirmed. The operation stays without one.
+    Bytes image = itfFBMethod_BinaryOperands();
+    if (image.empty()) return;
+    // A broken image raises the reader's error before anything is stored.
+    auto srv = std::make_unique<clsProtocolScanSrv>();
+    srv->BinaryData(image);
+    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv->BinaryData());
+}
 
 }  // namespace qx

@@ -53,10 +53,12 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
     uint8_t flags = 0;
     if (message.IsMessageContainConstText()) flags |= kFlagConstText;
     if (message.IsMessageContainCSFields()) flags |= kFlagChecksumField;
+    // Unlike the Send image there is no spare byte: the message header lies
+    // behind the current end until the image grows.
+    writer.grow(kMessageHeaderSize + kSegmentEntrySize * count);
     writer.u8(position, static_cast<int64_t>(count));
     writer.u8(position + 1, flags);
     writer.u8(position + 2, static_cast<int64_t>(message.MessageLength()) + frameLength);
-    writer.grow(kMessageHeaderSize + kSegmentEntrySize * count);
     size_t data = position + kMessageHeaderSize + kSegmentEntrySize * count;
     for (size_t i = 0; i < count; ++i) {
         const MessageSegment& segment = segments[i];

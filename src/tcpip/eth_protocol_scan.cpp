@@ -1,33 +1,57 @@
 #include "tcpip/eth_protocol_scan.h"
 
+#include <memory>
+
+#include "sets/scan_set.h"
+
 namespace qx {
 
 namespace {
 FBMethodInfo ethScanInfo() {
     return FBMethodInfo{
-        2,
-        L"SCAN",
-        L"Checks if messages contained within the Scan have been received via the Ethernet port in the linked "
-        L"Configuration",
-        216,
-        0,
-        2,
-        true,
-        true,
-        {
-            {1, {1}, {64}, 616, true},   // message received
-            {3, {3}, {65}, 32, false},   // number of bytes received
-            {3, {3}, {65}, 33, true},    // index of the received message
-            {3, {3}, {65}, 595, false},  // index into the address table
-            {3, {3}, {65}, 615, false},  // first of five integers: address and port
-        },
+        .MethodNumber = 2,
+        .Title = L"SCAN",
+        .Description =
+            L"Checks if messages contained within the Scan have been received via the Ethernet port in "
+            L"the linked Configuration",
+        .MethodNameText = 216,
+        .VisbleInCout = 0,
+        .VisbleOutCout = 2,
+        .HasBinaryImage = true,
+        .AnswersBusBar = true,
+        .OutOperandSpecs =
+            {
+                // Message received.
+                {.TypeAtCreation = 1, .AllowedTypes = {1}, .ExtendedTypes = {64}, .TextNumber = 616, .Visible = true},
+                // Number of bytes received.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 32, .Visible = false},
+                // Index of the received message.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 33, .Visible = true},
+                // Index into the address table.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 595, .Visible = false},
+                // First of five integers: an address with its port.
+                {.TypeAtCreation = 3, .AllowedTypes = {3}, .ExtendedTypes = {65}, .TextNumber = 615, .Visible = false},
+            },
     };
 }
 }  // namespace
 
 clsEthProtocolScan::clsEthProtocolScan() : FBMethodBase(ethScanInfo()) {}
 
-// The Scan dialog and its message set come later; until then an edit changes nothing.
+// The dialog-driven edit arrives with the message editors.
 void clsEthProtocolScan::itfFBMethod_EditOperands() {}
+
+void clsEthProtocolScan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
+                                                int32_t pNewOpAddress) {
+    // As the serial Scan: an operation that no edit has confirmed has no
+    // image and no link to follow, and is given no default image here.
+    Bytes image = itfFBMethod_BinaryOperands();
+    if (image.empty()) return;
+    // A broken image raises the reader's error before anything is stored.
+    auto srv = std::make_unique<clsEthProtocolScanSrv>();
+    srv->BinaryData(image);
+    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv->BinaryData());
+}
 
 }  // namespace qx

@@ -1,28 +1,49 @@
 #include "tcpip/eth_protocol_send.h"
 
+#include <memory>
+
+#include "sets/send_set.h"
+
 namespace qx {
 
 namespace {
 FBMethodInfo ethSendInfo() {
     return FBMethodInfo{
-        3,
-        L"SEND TCP",
-        L"Sends messages contained within the Send operation via the Ethernet port in the linked Configuration",
-        608,
-        0,
-        1,
-        true,
-        true,
-        {
-            {1, {1}, {64}, 597, true},  // send message succeeded
-        },
+        .MethodNumber = 3,
+        .Title = L"SEND TCP",
+        .Description =
+            L"Sends messages contained within the Send operation via the Ethernet port in the linked "
+            L"Configuration",
+        .MethodNameText = 608,
+        .VisbleInCout = 0,
+        .VisbleOutCout = 1,
+        .HasBinaryImage = true,
+        .AnswersBusBar = true,
+        .OutOperandSpecs =
+            {
+                // Send message succeeded.
+                {.TypeAtCreation = 1, .AllowedTypes = {1}, .ExtendedTypes = {64}, .TextNumber = 597, .Visible = true},
+            },
     };
 }
 }  // namespace
 
 clsEthProtocolSend::clsEthProtocolSend() : FBMethodBase(ethSendInfo()) {}
 
-// The Send dialog and its message set come later; until then an edit changes nothing.
+// The dialog-driven edit arrives with the message editors.
 void clsEthProtocolSend::itfFBMethod_EditOperands() {}
+
+void clsEthProtocolSend::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
+                                                int32_t pNewOpAddress) {
+    // As the serial Send: an operation that no edit has confirmed has no
+    // image and no link to follow, and is given no default image here.
+    Bytes image = itfFBMethod_BinaryOperands();
+    if (image.empty()) return;
+    // A broken image raises the reader's error before anything is stored.
+    auto srv = std::make_unique<clsEthProtocolSendSrv>();
+    srv->BinaryData(image);
+    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv->BinaryData());
+}
 
 }  // namespace qx

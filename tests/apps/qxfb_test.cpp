@@ -88,11 +88,11 @@ TEST_F(QxfbTest, DemoListsBothFamiliesWithEveryOperationAndTheirVersions) {
     for (const char* expected :
          {"Gate: QxFBCom2.clsGate {12D70566-D97F-4E2E-A8C9-65E0DBDC60E6}, GateID 170000\n",
           "Family 170100 PROTOCOL (Protocol)\n", "Family 170200 P. TCP/IP (Protocol TCP/IP)\n",
-          "  CurrentHexFileVersion: 100\n", "  HexFileVersionsList: 100\n",
-          "FatherID 170100  MethodID 170101  CONFIG", "FatherID 170100  MethodID 170102  SCAN",
-          "FatherID 170100  MethodID 170103  SEND", "FatherID 170100  MethodID 170104  COPY BUFFER",
-          "FatherID 170100  MethodID 170105  BUFFER RST", "FatherID 170200  MethodID 170201  CONFIG",
-          "FatherID 170200  MethodID 170202  SCAN", "FatherID 170200  MethodID 170203  SEND TCP",
+          "  CurrentHexFileVersion: 100\n", "  HexFileVersionsList: 100\n", "FatherID 170100  MethodID 170101  CONFIG",
+          "FatherID 170100  MethodID 170102  SCAN", "FatherID 170100  MethodID 170103  SEND",
+          "FatherID 170100  MethodID 170104  COPY BUFFER", "FatherID 170100  MethodID 170105  BUFFER RST",
+          "FatherID 170200  MethodID 170201  CONFIG", "FatherID 170200  MethodID 170202  SCAN",
+          "FatherID 170200  MethodID 170203  SEND TCP",
           "Each operation is linked to a Configuration, which determines which COM port is used for Send and Scan "
           "operations\n"})
         EXPECT_NE(demo.out.find(expected), std::string::npos) << expected;

@@ -41,10 +41,10 @@ TEST(PublicClasses, AreTheElevenClassesWithDistinctIdentifiers) {
     }
     EXPECT_EQ(std::size(PublicClasses), 11u);
     EXPECT_EQ(identifiers.size(), 11u);
-    EXPECT_EQ(names, (std::set<std::wstring>{L"clsGate", L"clsProtocolFather", L"clsProtocolConfig",
-                                             L"clsProtocolSend", L"clsProtocolscan", L"clsProtocolResetBuffer",
-                                             L"clsProtocolCopyToBuffer", L"clsEthProtocolFather",
-                                             L"clsEthProtocolConfig", L"clsEthProtocolSend", L"clsEthProtocolScan"}));
+    EXPECT_EQ(names, (std::set<std::wstring>{L"clsGate", L"clsProtocolFather", L"clsProtocolConfig", L"clsProtocolSend",
+                                             L"clsProtocolscan", L"clsProtocolResetBuffer", L"clsProtocolCopyToBuffer",
+                                             L"clsEthProtocolFather", L"clsEthProtocolConfig", L"clsEthProtocolSend",
+                                             L"clsEthProtocolScan"}));
 }
 
 TEST(PublicClasses, AreFoundByIdentifierAndByProgID) {

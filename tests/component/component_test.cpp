@@ -139,7 +139,11 @@ TEST_F(ComponentTest, ComponentContextTakesItsAppFolderFromTheEnvironment) {
 TEST_F(ComponentTest, GateWalksToEveryOperationOfBothFamilies) {
     const std::map<int32_t, std::vector<std::pair<int32_t, std::wstring>>> expected{
         {170100,
-         {{170101, L"CONFIG"}, {170102, L"SCAN"}, {170103, L"SEND"}, {170104, L"COPY BUFFER"}, {170105, L"BUFFER RST"}}},
+         {{170101, L"CONFIG"},
+          {170102, L"SCAN"},
+          {170103, L"SEND"},
+          {170104, L"COPY BUFFER"},
+          {170105, L"BUFFER RST"}}},
         {170200, {{170201, L"CONFIG"}, {170202, L"SCAN"}, {170203, L"SEND TCP"}}},
     };
     auto gate = create<itfFBGate>(CLSID_clsGate);
@@ -238,10 +242,10 @@ TEST_F(ComponentTest, EveryPublicClassIsMadeByItsCLSIDBehindItsInterface) {
     EXPECT_EQ(tcpip->itfFBFather_FatherID(), 170200);
 
     const std::vector<std::tuple<GUID, itfFBFather*, int32_t>> methods{
-        {CLSID_clsProtocolConfig, serial.get(), 170101},   {CLSID_clsProtocolscan, serial.get(), 170102},
-        {CLSID_clsProtocolSend, serial.get(), 170103},     {CLSID_clsProtocolCopyToBuffer, serial.get(), 170104},
+        {CLSID_clsProtocolConfig, serial.get(), 170101},      {CLSID_clsProtocolscan, serial.get(), 170102},
+        {CLSID_clsProtocolSend, serial.get(), 170103},        {CLSID_clsProtocolCopyToBuffer, serial.get(), 170104},
         {CLSID_clsProtocolResetBuffer, serial.get(), 170105}, {CLSID_clsEthProtocolConfig, tcpip.get(), 170201},
-        {CLSID_clsEthProtocolScan, tcpip.get(), 170202},   {CLSID_clsEthProtocolSend, tcpip.get(), 170203},
+        {CLSID_clsEthProtocolScan, tcpip.get(), 170202},      {CLSID_clsEthProtocolSend, tcpip.get(), 170203},
     };
     for (const auto& [clsid, father, methodID] : methods) {
         auto method = create<itfFBMethod>(clsid);
@@ -402,9 +406,8 @@ class RegistrationTest : public ComponentTest {
 protected:
     void SetUp() override {
         ComponentTest::SetUp();
-        folder = fs::temp_directory_path() /
-                 ("qxfb_component_registry_" + std::to_string(getpid()) + "_" +
-                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        folder = fs::temp_directory_path() / ("qxfb_component_registry_" + std::to_string(getpid()) + "_" +
+                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::remove_all(folder);
         fs::create_directories(folder);
         file = folder / "registry.ini";

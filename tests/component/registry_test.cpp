@@ -108,8 +108,10 @@ TEST(RegistryFilePath, ExplicitPathWinsThenXdgConfigHomeThenHome) {
     EXPECT_EQ(registryFilePath(), "/tmp/home/.config/QxFBCom2/registry.ini");
 
     auto restore = [](const char* name, const char* saved, const std::string& value) {
-        if (saved) setenv(name, value.c_str(), 1);
-        else unsetenv(name);
+        if (saved)
+            setenv(name, value.c_str(), 1);
+        else
+            unsetenv(name);
     };
     restore("QXFB_REGISTRY", savedRegistry, registry);
     restore("XDG_CONFIG_HOME", savedXdg, xdg);

@@ -1,6 +1,8 @@
 // The umbrella header: it compiles on its own, brings the library's classes,
 // and names every header of the source tree outside the view layer.
-#include <qxfbcom2/qxfbcom2.h>
+// clang-format off
+#include <qxfbcom2/qxfbcom2.h>  // first, so that it has to stand on its own
+// clang-format on
 
 #include <gtest/gtest.h>
 
