@@ -1,7 +1,5 @@
 #include "serial/protocol_scan.h"
 
-#include <memory>
-
 #include "sets/scan_set.h"
 
 namespace qx {
@@ -46,10 +44,10 @@ void clsProtocolscan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, 
     Bytes image = itfFBMethod_BinaryOperands();
     if (image.empty()) return;
     // A broken image raises the reader's error before anything is stored.
-    auto srv = std::make_unique<clsProtocolScanSrv>();
-    srv->BinaryData(image);
-    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    setBinaryOperands(srv->BinaryData());
+    clsProtocolScanSrv srv;
+    srv.BinaryData(image);
+    srv.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv.BinaryData());
 }
 
 }  // namespace qx

@@ -1,7 +1,5 @@
 #include "serial/protocol_send.h"
 
-#include <memory>
-
 #include "sets/send_set.h"
 
 namespace qx {
@@ -39,10 +37,10 @@ void clsProtocolSend::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, 
     if (image.empty()) return;
     // A broken image raises the reader's error before anything is stored, so
     // the operation keeps the image it had.
-    auto srv = std::make_unique<clsProtocolSendSrv>();
-    srv->BinaryData(image);
-    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    setBinaryOperands(srv->BinaryData());
+    clsProtocolSendSrv srv;
+    srv.BinaryData(image);
+    srv.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv.BinaryData());
 }
 
 }  // namespace qx

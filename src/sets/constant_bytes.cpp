@@ -50,17 +50,17 @@ Bytes signedBytes(int32_t value) {
 
 bool ConstantToBytes(const clsOperand& pOperand, Bytes& pBytes) {
     switch (pOperand.OperandType()) {
-    case 34:
-    case 37:
-        pBytes = signedBytes(roundToLong(pOperand.OperandConstantValue()));
-        return true;
-    case 35:
-    case 38:
-        pBytes = CurrencyTo4Bytes(pOperand.OperandConstantValue());
-        return true;
-    default:
-        pBytes.clear();
-        return false;
+        case 34:
+        case 37:
+            pBytes = signedBytes(roundToLong(pOperand.OperandConstantValue()));
+            return true;
+        case 35:
+        case 38:
+            pBytes = CurrencyTo4Bytes(pOperand.OperandConstantValue());
+            return true;
+        default:
+            pBytes.clear();
+            return false;
     }
 }
 
@@ -72,7 +72,8 @@ Bytes CurrencyTo4Bytes(int64_t pValue) {
 Bytes prvPositiveCurrencyTo4Bytes(int64_t pValue) {
     Bytes out(4, 0);
     if (pValue > kLargestUnsigned32 * kScale) {
-        report(L"ErrHandler", err::Overflow, L"Overflow", L"QxHmDnl1", L"mdlHMIDownload", L"prvPositiveCurrencyTo4Bytes");
+        report(L"ErrHandler", err::Overflow, L"Overflow", L"QxHmDnl1", L"mdlHMIDownload",
+               L"prvPositiveCurrencyTo4Bytes");
         return out;
     }
     // A fraction has no place in the four bytes and is dropped.

@@ -73,21 +73,21 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
         }
         writer.u8(entry + 2, type);
         switch (type) {
-        case segment::ScanText:
-            alignEven(writer, data);
-            writer.low16(entry + kRecordOffset, static_cast<int64_t>(data));
-            data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
-            break;
-        case segment::ScanNumericFixed:
-        case segment::ScanNumericFree:
-        case segment::ScanChecksum:
-        case segment::ScanStreamFixed:
-        case segment::ScanStreamFree:
-            copyRecord(writer, entry + kRecordOffset,
-                       segment.Var->GetVarBinData(static_cast<int32_t>(entry + kRecordOffset)), kRecordSize);
-            break;
-        default:
-            break;
+            case segment::ScanText:
+                alignEven(writer, data);
+                writer.low16(entry + kRecordOffset, static_cast<int64_t>(data));
+                data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
+                break;
+            case segment::ScanNumericFixed:
+            case segment::ScanNumericFree:
+            case segment::ScanChecksum:
+            case segment::ScanStreamFixed:
+            case segment::ScanStreamFree:
+                copyRecord(writer, entry + kRecordOffset,
+                           segment.Var->GetVarBinData(static_cast<int32_t>(entry + kRecordOffset)), kRecordSize);
+                break;
+            default:
+                break;
         }
     }
     position = data;
@@ -104,24 +104,24 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
         int64_t typeIndex = entry + 2;
         VarPtr field;
         switch (reader.u8(typeIndex)) {
-        case segment::ScanText:
-            canvas.readFixedText(reader, reader.u16(entry + kRecordOffset));
-            break;
-        case segment::ScanNumericFixed:
-        case segment::ScanNumericFree:
-        case segment::ScanStreamFixed:
-        case segment::ScanStreamFree:
-            field = std::make_shared<clsProtocolScanNumericVar>();
-            field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
-            break;
-        case segment::ScanChecksum:
-            field = std::make_shared<clsProtocolCSVar>();
-            prepareChecksum(*field, method_type::Scan, method_type::Scan, version, true);
-            field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
-            break;
-        default:
-            // A type this reader does not know creates nothing, and the position stays.
-            break;
+            case segment::ScanText:
+                canvas.readFixedText(reader, reader.u16(entry + kRecordOffset));
+                break;
+            case segment::ScanNumericFixed:
+            case segment::ScanNumericFree:
+            case segment::ScanStreamFixed:
+            case segment::ScanStreamFree:
+                field = std::make_shared<clsProtocolScanNumericVar>();
+                field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
+                break;
+            case segment::ScanChecksum:
+                field = std::make_shared<clsProtocolCSVar>();
+                prepareChecksum(*field, method_type::Scan, method_type::Scan, version, true);
+                field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
+                break;
+            default:
+                // A type this reader does not know creates nothing, and the position stays.
+                break;
         }
         if (field) canvas.placeField(message, field);
     }

@@ -8,7 +8,8 @@ namespace qx {
 clsProtocolScanSrv::clsProtocolScanSrv() : clsProtocolScanSrv(1) {}
 
 clsProtocolScanSrv::clsProtocolScanSrv(int32_t initialMessageLengthValue)
-    : messages_(method_type::Scan), messageLengthValue_(initialMessageLengthValue),
+    : messages_(method_type::Scan),
+      messageLengthValue_(initialMessageLengthValue),
       scanChecksum_(std::make_shared<clsProtocolCSVar>()) {}
 
 Bytes clsProtocolScanSrv::BinaryData() { return writeScanImage(*this); }

@@ -8,8 +8,8 @@
 #include "message/protocol_list_text_var.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_time_var.h"
-#include "sets/constant_bytes.h"
 #include "platform/runtime_error.h"
+#include "sets/constant_bytes.h"
 #include "sets/image_blocks.h"
 #include "sets/send_set.h"
 
@@ -99,28 +99,28 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
         }
         writer.u8(entry, type);
         switch (type) {
-        case segment::SendText:
-            alignEven(writer, data);
-            writer.low16(entry + 2, static_cast<int64_t>(data));
-            data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
-            break;
-        case segment::SendBinary:
-        case segment::SendList:
-            // These records hold absolute offsets of their texts, so they are
-            // told where they will lie.
-            alignEven(writer, data);
-            writer.low16(entry + 2, static_cast<int64_t>(data));
-            data = appendBlock(writer, data, segment.Var->GetVarBinData(static_cast<int32_t>(data)));
-            break;
-        case segment::SendDate:
-        case segment::SendTime:
-        case segment::SendNumeric:
-        case segment::Checksum:
-            copyRecord(writer, entry + 1, segment.Var->GetVarBinData(static_cast<int32_t>(entry + 1)),
-                       kInlineRecordSize);
-            break;
-        default:
-            break;
+            case segment::SendText:
+                alignEven(writer, data);
+                writer.low16(entry + 2, static_cast<int64_t>(data));
+                data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
+                break;
+            case segment::SendBinary:
+            case segment::SendList:
+                // These records hold absolute offsets of their texts, so they are
+                // told where they will lie.
+                alignEven(writer, data);
+                writer.low16(entry + 2, static_cast<int64_t>(data));
+                data = appendBlock(writer, data, segment.Var->GetVarBinData(static_cast<int32_t>(data)));
+                break;
+            case segment::SendDate:
+            case segment::SendTime:
+            case segment::SendNumeric:
+            case segment::Checksum:
+                copyRecord(writer, entry + 1, segment.Var->GetVarBinData(static_cast<int32_t>(entry + 1)),
+                           kInlineRecordSize);
+                break;
+            default:
+                break;
         }
     }
     position = data;
@@ -142,27 +142,28 @@ void loadMemoryLink(clsOperand& operand, int32_t operandType, int32_t operandAdd
 // it gets a new place in the host's constant table at each load.
 void readMessageNumberBlock(const ByteReader& reader, clsOperand& operand, int32_t operandType) {
     switch (operandType) {
-    case 34:
-    case 37:
-    case 35:
-    case 38: {
-        operand.OperandAddress(reader.u16(kMessageNumberBlock + 4));
-        if (operandType == 34 || operandType == 37) {
-            operand.OperandConstantValue(static_cast<int64_t>(reader.i32(kMessageNumberBlock)) * 10000);
-        } else {
-            Bytes value(4);
-            for (size_t i = 0; i < value.size(); ++i) value[i] = reader.u8(static_cast<int64_t>(kMessageNumberBlock + i));
-            operand.OperandConstantValue(FourBytesToCurrency(value));
+        case 34:
+        case 37:
+        case 35:
+        case 38: {
+            operand.OperandAddress(reader.u16(kMessageNumberBlock + 4));
+            if (operandType == 34 || operandType == 37) {
+                operand.OperandConstantValue(static_cast<int64_t>(reader.i32(kMessageNumberBlock)) * 10000);
+            } else {
+                Bytes value(4);
+                for (size_t i = 0; i < value.size(); ++i)
+                    value[i] = reader.u8(static_cast<int64_t>(kMessageNumberBlock + i));
+                operand.OperandConstantValue(FourBytesToCurrency(value));
+            }
+            int32_t address = 0;
+            operand.AllocateConstantAddress(address);
+            operand.OperandAddress(address);
+            operand.OperandMode(kConstantMode);
+            break;
         }
-        int32_t address = 0;
-        operand.AllocateConstantAddress(address);
-        operand.OperandAddress(address);
-        operand.OperandMode(kConstantMode);
-        break;
-    }
-    default:
-        loadMemoryLink(operand, operandType, reader.u16(kMessageNumberBlock), true);
-        break;
+        default:
+            loadMemoryLink(operand, operandType, reader.u16(kMessageNumberBlock), true);
+            break;
     }
 }
 
@@ -173,37 +174,37 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
         int64_t entry = offset + static_cast<int64_t>(kMessageHeaderSize + kSegmentEntrySize * static_cast<size_t>(i));
         VarPtr field;
         switch (reader.u8(entry)) {
-        case segment::SendText:
-            canvas.readFixedText(reader, reader.u16(entry + 2));
-            break;
-        case segment::SendBinary:
-            field = std::make_shared<clsProtocolBinaryVar>();
-            field->SetVarBinData(image, reader.u16(entry + 2));
-            break;
-        case segment::SendList:
-            field = std::make_shared<clsProtocolistTextVar>();
-            field->SetVarBinData(image, reader.u16(entry + 2));
-            break;
-        case segment::SendNumeric:
-            field = std::make_shared<clsProtocolNumericVar>();
-            field->SetVarBinData(image, static_cast<int32_t>(entry));
-            break;
-        case segment::SendDate:
-            field = std::make_shared<clsProtocolDateVar>();
-            field->SetVarBinData(image, static_cast<int32_t>(entry));
-            break;
-        case segment::SendTime:
-            field = std::make_shared<clsProtocolTimeVar>();
-            field->SetVarBinData(image, static_cast<int32_t>(entry));
-            break;
-        case segment::Checksum:
-            field = std::make_shared<clsProtocolCSVar>();
-            prepareChecksum(*field, method_type::Send, method_type::Send, version, true);
-            field->SetVarBinData(image, static_cast<int32_t>(entry));
-            break;
-        default:
-            // A type this reader does not know creates nothing, and the position stays.
-            break;
+            case segment::SendText:
+                canvas.readFixedText(reader, reader.u16(entry + 2));
+                break;
+            case segment::SendBinary:
+                field = std::make_shared<clsProtocolBinaryVar>();
+                field->SetVarBinData(image, reader.u16(entry + 2));
+                break;
+            case segment::SendList:
+                field = std::make_shared<clsProtocolistTextVar>();
+                field->SetVarBinData(image, reader.u16(entry + 2));
+                break;
+            case segment::SendNumeric:
+                field = std::make_shared<clsProtocolNumericVar>();
+                field->SetVarBinData(image, static_cast<int32_t>(entry));
+                break;
+            case segment::SendDate:
+                field = std::make_shared<clsProtocolDateVar>();
+                field->SetVarBinData(image, static_cast<int32_t>(entry));
+                break;
+            case segment::SendTime:
+                field = std::make_shared<clsProtocolTimeVar>();
+                field->SetVarBinData(image, static_cast<int32_t>(entry));
+                break;
+            case segment::Checksum:
+                field = std::make_shared<clsProtocolCSVar>();
+                prepareChecksum(*field, method_type::Send, method_type::Send, version, true);
+                field->SetVarBinData(image, static_cast<int32_t>(entry));
+                break;
+            default:
+                // A type this reader does not know creates nothing, and the position stays.
+                break;
         }
         if (field) canvas.placeField(message, field);
     }

@@ -72,8 +72,7 @@ void clsProtocolSendSrv::BinaryData(const Bytes& value) { readSendImage(*this, v
 
 void clsProtocolSendSrv::ShowHelp() { hostObjects_.ShowHelp(); }
 
-void clsProtocolSendSrv::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
-                                         int32_t pNewOpAddress) {
+void clsProtocolSendSrv::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress) {
     messages_.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
     for (const auto& operand : {opMessageNumber_, opCopyWhenOn_, opCopyDestination_})
         replaceOperandAddress(*operand, pOpNetID, pOpType, pOpAddress, pNewOpAddress);

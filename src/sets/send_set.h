@@ -54,7 +54,9 @@ public:
     // Refused at 255 messages with host message 154.
     bool AppendMessage() { return messages_.AppendMessage(); }
     // Asks host message 155 first; the result is a Boolean in a variant.
-    Variant InsertMessageBefore(int32_t pMessageNumber) { return Variant(messages_.InsertMessageBefore(pMessageNumber)); }
+    Variant InsertMessageBefore(int32_t pMessageNumber) {
+        return Variant(messages_.InsertMessageBefore(pMessageNumber));
+    }
     // Asks host message 156 first; the new message goes behind the one given.
     bool InsertMessage(int32_t pMessageNumber) { return messages_.InsertMessage(pMessageNumber); }
     // Asks host message 157 first.

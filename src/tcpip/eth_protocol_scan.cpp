@@ -1,7 +1,5 @@
 #include "tcpip/eth_protocol_scan.h"
 
-#include <memory>
-
 #include "sets/scan_set.h"
 
 namespace qx {
@@ -48,10 +46,10 @@ void clsEthProtocolScan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpTyp
     Bytes image = itfFBMethod_BinaryOperands();
     if (image.empty()) return;
     // A broken image raises the reader's error before anything is stored.
-    auto srv = std::make_unique<clsEthProtocolScanSrv>();
-    srv->BinaryData(image);
-    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    setBinaryOperands(srv->BinaryData());
+    clsEthProtocolScanSrv srv;
+    srv.BinaryData(image);
+    srv.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv.BinaryData());
 }
 
 }  // namespace qx

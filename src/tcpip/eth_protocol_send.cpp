@@ -1,7 +1,5 @@
 #include "tcpip/eth_protocol_send.h"
 
-#include <memory>
-
 #include "sets/send_set.h"
 
 namespace qx {
@@ -40,10 +38,10 @@ void clsEthProtocolSend::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpTyp
     Bytes image = itfFBMethod_BinaryOperands();
     if (image.empty()) return;
     // A broken image raises the reader's error before anything is stored.
-    auto srv = std::make_unique<clsEthProtocolSendSrv>();
-    srv->BinaryData(image);
-    srv->ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    setBinaryOperands(srv->BinaryData());
+    clsEthProtocolSendSrv srv;
+    srv.BinaryData(image);
+    srv.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    setBinaryOperands(srv.BinaryData());
 }
 
 }  // namespace qx

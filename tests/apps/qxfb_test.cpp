@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "component/built_paths.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -48,9 +50,8 @@ struct CliRun {
 class QxfbTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        const char* cli = std::getenv("QXFB_CLI");
-        ASSERT_NE(cli, nullptr) << "QXFB_CLI names the program under test";
-        program = cli;
+        program = qx::paths::builtCli();
+        ASSERT_FALSE(program.empty()) << "QXFB_CLI names the program under test";
         folder = fs::temp_directory_path() / ("qxfb_cli_test_" + std::to_string(getpid()) + "_" +
                                               ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::remove_all(folder);
@@ -96,7 +97,7 @@ TEST_F(QxfbTest, DemoListsBothFamiliesWithEveryOperationAndTheirVersions) {
           "Each operation is linked to a Configuration, which determines which COM port is used for Send and Scan "
           "operations\n"})
         EXPECT_NE(demo.out.find(expected), std::string::npos) << expected;
-    const std::string fbs = readFile(fs::path(std::getenv("QXFB_SOURCE_DIR")) / "runtime/FB_Lib/RT/170100V100.FBs");
+    const std::string fbs = readFile(fs::path(qx::paths::sourceTree()) / "runtime/FB_Lib/RT/170100V100.FBs");
     EXPECT_NE(demo.out.find("Runtime files of version 100: FBs " + std::to_string(fbs.size()) + " bytes"),
               std::string::npos);
 }

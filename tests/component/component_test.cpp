@@ -14,6 +14,7 @@
 #include <tuple>
 #include <vector>
 
+#include "component/built_paths.h"
 #include "platform/com_abi.h"
 #include "platform/fb_instances_double.h"
 #include "platform/host_context.h"
@@ -25,12 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
-std::string appFolder() { return environment("QXFB_SOURCE_DIR") + "/runtime/bin"; }
+std::string appFolder() { return paths::sourceTree() + "/runtime/bin"; }
 
 std::string readFile(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -50,7 +46,7 @@ public:
     Component() {
         // The component reads its application folder at the first call into it.
         setenv("QXFB_APP_FOLDER", appFolder().c_str(), 1);
-        handle = dlopen(environment("QXFB_COMPONENT").c_str(), RTLD_NOW | RTLD_LOCAL);
+        handle = dlopen(paths::builtComponent().c_str(), RTLD_NOW | RTLD_LOCAL);
         if (!handle) return;
         GetClassObject = reinterpret_cast<DllGetClassObjectFn>(dlsym(handle, "DllGetClassObject"));
         CanUnloadNow = reinterpret_cast<DllCanUnloadNowFn>(dlsym(handle, "DllCanUnloadNow"));
@@ -178,7 +174,7 @@ TEST_F(ComponentTest, GateWalksToEveryOperationOfBothFamilies) {
 TEST_F(ComponentTest, FamiliesReadTheirVersionsAndRuntimeFilesFromTheAppFolder) {
     auto gate = create<itfFBGate>(CLSID_clsGate);
     ASSERT_NE(gate, nullptr);
-    const fs::path runtime = fs::path(environment("QXFB_SOURCE_DIR")) / "runtime" / "FB_Lib" / "RT";
+    const fs::path runtime = fs::path(paths::sourceTree()) / "runtime" / "FB_Lib" / "RT";
     for (int32_t fatherID : {170100, 170200}) {
         FatherPtr father = gate->itfFBGate_GetFatherObject(fatherID);
         ASSERT_NE(father, nullptr);
@@ -424,7 +420,7 @@ protected:
 TEST_F(RegistrationTest, RegisterWritesEveryClassWithProgIDAndLibraryPath) {
     ASSERT_EQ(c->RegisterServer(), S_OK);
     const std::string text = readFile(file);
-    const std::string library = fs::canonical(environment("QXFB_COMPONENT")).string();
+    const std::string library = fs::canonical(paths::builtComponent()).string();
     EXPECT_NE(text.find("[CLSID\\{12D70566-D97F-4E2E-A8C9-65E0DBDC60E6}]\n"
                         "Class=clsGate\n"
                         "ProgID=QxFBCom2.clsGate\n"

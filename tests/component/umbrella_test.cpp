@@ -13,6 +13,8 @@
 #include <sstream>
 #include <string>
 
+#include "component/built_paths.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -30,7 +32,7 @@ TEST(UmbrellaHeader, IncludesEveryHeaderUnderSrc) {
     std::ostringstream content;
     content << in.rdbuf();
     const std::string umbrella = content.str();
-    const fs::path src = fs::path(std::getenv("QXFB_SOURCE_DIR")) / "src";
+    const fs::path src = fs::path(qx::paths::sourceTree()) / "src";
     int headers = 0;
     for (const auto& entry : fs::recursive_directory_iterator(src)) {
         if (entry.path().extension() != ".h") continue;

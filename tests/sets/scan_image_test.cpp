@@ -50,51 +50,51 @@ std::shared_ptr<clsProtocolCSVar> checksumField(int32_t start) {
     return field;
 }
 
-const Bytes kWorkedExample{
-    1, 0, 0, 0,                                                   // 0: "ETX", masks, version 0
-    0, 0, 0, 0, 0, 0, 0, 0,                                       // 4: STX and ETX characters
-    0, 0, 1, 0, 0, 0,                                             // 12: lengths, message length 1, silence 0
-    1, 0,                                                         // 18: always 1
-    1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0,                     // 20: end-of-message checksum
-    1, 0,                                                         // 34: N = 1
-    38, 0,                                                        // 36: message 1 at 38
-    1, 1, 0, 0,                                                   // 38: one segment, fixed text, length 0
-    0, 0, 0, 0, 66, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  // 42: position 0, type 0, text at 66
-    0, 0, 0, 0,                                                   //     rest of the entry
-    0, 0, 3, 0, 65, 66, 13,                                       // 66: A, B, control 13
-    0,                                                            // 73: the length is even
+const Bytes kTwoLettersAndControl13{
+    1,  0, 0, 0,                                                     // 0: "ETX", masks, version 0
+    0,  0, 0, 0, 0,  0,  0,  0,                                      // 4: STX and ETX characters
+    0,  0, 1, 0, 0,  0,                                              // 12: lengths, message length 1, silence 0
+    1,  0,                                                           // 18: always 1
+    1,  0, 1, 0, 0,  0,  0,  0, 1, 1, 0, 0, 0, 0,                    // 20: end-of-message checksum
+    1,  0,                                                           // 34: N = 1
+    38, 0,                                                           // 36: message 1 at 38
+    1,  1, 0, 0,                                                     // 38: one segment, fixed text, length 0
+    0,  0, 0, 0, 66, 0,  0,  0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  // 42: position 0, type 0, text at 66
+    0,  0, 0, 0,                                                     //     rest of the entry
+    0,  0, 3, 0, 65, 66, 13,                                         // 66: A, B, control 13
+    0,                                                               // 73: the length is even
 };
 
-void setWorkedExample(clsProtocolScanSrv& set) {
+void setTwoLettersAndControl13(clsProtocolScanSrv& set) {
     putText(*set.GetMessage(1), 0, L"AB");
     set.GetMessage(1)->AddControlChar(2, 13);
 }
 
-TEST(ScanImage, WorkedExampleOfTwoLettersAndAControlCharacterIs74Bytes) {
+TEST(ScanImage, TwoLettersAndAControlCharacterMakeA74ByteImage) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
-    EXPECT_EQ(set.BinaryData(), kWorkedExample);
+    setTwoLettersAndControl13(set);
+    EXPECT_EQ(set.BinaryData(), kTwoLettersAndControl13);
 }
 
-TEST(ScanImage, WorkedExampleLoadsAndWritesBackTheSameBytes) {
+TEST(ScanImage, TwoLettersAndAControlCharacterLoadAndWriteBackTheSameBytes) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    set.BinaryData(kWorkedExample);
+    set.BinaryData(kTwoLettersAndControl13);
     ASSERT_EQ(set.NumberOfMessages(), 1);
     auto message = set.GetMessage(1);
     EXPECT_EQ(message->MessageString(), L"AB" + std::wstring(498, L' '));
     EXPECT_EQ(message->ControlChars()[2], 13);
     EXPECT_EQ(message->MessageLength(), 0);
     EXPECT_EQ(message->MethodType(), 1);
-    EXPECT_EQ(set.BinaryData(), kWorkedExample);
+    EXPECT_EQ(set.BinaryData(), kTwoLettersAndControl13);
 }
 
 TEST(EthScanImage, SameLayoutAsTheSerialImageWithItsOwnMessageLength) {
     ScopedHostContext host;
     clsEthProtocolScanSrv set;
-    setWorkedExample(set);
-    Bytes expected = kWorkedExample;
+    setTwoLettersAndControl13(set);
+    Bytes expected = kTwoLettersAndControl13;
     expected[14] = 0;  // MessageLengthValue starts at 0
     EXPECT_EQ(set.BinaryData(), expected);
 }
@@ -123,7 +123,8 @@ TEST(ScanImage, HasNoSpareByteWhenTheLastMessageEndsEven) {
         scanHeader(1),
         {38, 0},
         {1, 1, 0, 0},
-        {0, 0, 0, 0, 66, 0}, zeros(18),
+        {0, 0, 0, 0, 66, 0},
+        zeros(18),
         {0, 0, 2, 0, 65, 66},  // 66: ends at 72, and so does the image
     });
     EXPECT_EQ(set.BinaryData(), expected);
@@ -132,7 +133,7 @@ TEST(ScanImage, HasNoSpareByteWhenTheLastMessageEndsEven) {
 TEST(ScanImage, MessageLengthValueKeepsItsLow16Bits) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.MessageLengthValue(70000);
     set.SilenceTimeValue(0x10203);
     Bytes image = set.BinaryData();
@@ -173,7 +174,7 @@ TEST(ScanImage, ChecksumFieldIsStoredAsType3AndComesBackAsAChecksumAnswering6) {
 TEST(ScanImage, MessageLengthIsStoredWithTheFrameAndLoadedWithout) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.ScanSTXLength(2);
     set.ScanETXLength(1);
     set.GetMessage(1)->MessageLength(10);
@@ -187,7 +188,7 @@ TEST(ScanImage, MessageLengthIsStoredWithTheFrameAndLoadedWithout) {
 
 TEST(ScanImage, StoredLengthBelowTheFrameLoadsAs0) {
     ScopedHostContext host;
-    test::ImageForger forged(kWorkedExample);
+    test::ImageForger forged(kTwoLettersAndControl13);
     forged.u8(12, 2).u8(13, 1).u8(40, 2);
     clsProtocolScanSrv set;
     set.BinaryData(forged.image());
@@ -197,7 +198,7 @@ TEST(ScanImage, StoredLengthBelowTheFrameLoadsAs0) {
 TEST(ScanImage, MessageLengthWithTheFrameAbove255IsAnOverflow) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.ScanSTXLength(4);
     set.ScanETXLength(2);
     set.GetMessage(1)->MessageLength(249);
@@ -240,13 +241,16 @@ TEST(ScanImage, SegmentsKeepTheirPositionsAndTextBlocksFollowTheTable) {
     const Bytes expected = concat({
         scanHeader(1),
         {38, 0},
-        {3, 1, 0, 0},                     // 38: three segments, fixed text
-        {0, 0, 0, 0, 114, 0}, zeros(18),  // 42: position 0, text at 114
-        {2, 0, 1, 0}, kNumericRecord,     // 66: position 2, numeric
-        {7, 0, 0, 0, 120, 0}, zeros(18),  // 90: position 7, text at 120
-        {0, 0, 2, 0, 65, 66},             // 114: AB
-        {0, 0, 1, 0, 67},                 // 120: C
-        {0},                              // 125: the length is even
+        {3, 1, 0, 0},  // 38: three segments, fixed text
+        {0, 0, 0, 0, 114, 0},
+        zeros(18),  // 42: position 0, text at 114
+        {2, 0, 1, 0},
+        kNumericRecord,  // 66: position 2, numeric
+        {7, 0, 0, 0, 120, 0},
+        zeros(18),             // 90: position 7, text at 120
+        {0, 0, 2, 0, 65, 66},  // 114: AB
+        {0, 0, 1, 0, 67},      // 120: C
+        {0},                   // 125: the length is even
     });
     EXPECT_EQ(set.BinaryData(), expected);
 }
@@ -254,7 +258,7 @@ TEST(ScanImage, SegmentsKeepTheirPositionsAndTextBlocksFollowTheTable) {
 TEST(ScanImage, FrameAndEndOfMessageAreStoredAsTheyAre) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.ScanSTXLength(1);
     set.SetScanSTXValue(0, 'S', true);
     set.SetScanETXValue(3, 0x04, false);
@@ -277,7 +281,7 @@ TEST(ScanImage, ExtendedOperandsWriteVersion1AndTheEndChecksumsSTXFlag) {
     ScopedHostContext host;
     host->ExtendedOperands = true;
     clsProtocolScanSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     std::dynamic_pointer_cast<clsProtocolCSVar>(set.ScanChecksum())->STXInCS(true);
     Bytes image = set.BinaryData();
     EXPECT_EQ(image[3], 1);

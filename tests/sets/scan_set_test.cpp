@@ -26,7 +26,7 @@ std::wstring textOf(clsProtocolScanSrv& set, int32_t number) {
     return text.substr(0, text.find_last_not_of(L' ') + 1);
 }
 
-TEST(ScanSet, NewSetHasOneEmptyScanMessageAndItsDocumentedTerminators) {
+TEST(ScanSet, NewSetHasOneEmptyScanMessageAndItsInitialTerminators) {
     ScopedHostContext host;
     clsProtocolScanSrv set;
     EXPECT_EQ(set.NumberOfMessages(), 1);

@@ -52,38 +52,38 @@ std::shared_ptr<clsProtocolNumericVar> linkedNumeric(int32_t start, int32_t addr
     return field;
 }
 
-void setWorkedExample(clsProtocolSendSrv& set) {
+void setTwoLettersAndControl13(clsProtocolSendSrv& set) {
     putText(*set.GetMessage(1), 0, L"AB");
     set.GetMessage(1)->AddControlChar(2, 13);
 }
 
-const Bytes kWorkedExample{
-    37, 0, 0, 0, 0, 0, 1, 0,                                      // 0: constant 0 of type 37, constant address 1
-    0, 0, 0, 0, 0, 0, 0, 0,                                       // 8: copy destination, copy off
-    0, 0, 0, 0, 0, 0, 0, 0,                                       // 16: copy done, copy off
-    0, 0, 0, 0,                                                   // 24: version, end of message, masks
-    0, 0, 0, 0, 0, 0, 0, 0,                                       // 28: STX and ETX characters
-    0, 0, 1, 0,                                                   // 36: lengths, always 1
-    1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0,                     // 40: end-of-message checksum
-    0, 0, 1, 0,                                                   // 54: copy count, N = 1
-    60, 0,                                                        // 58: message 1 at 60
-    1, 0, 0, 0,                                                   // 60: one segment
-    0, 0, 82, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,        // 64: fixed text at 82
-    0, 0, 3, 0, 65, 66, 13,                                       // 82: A, B, control 13
-    0,                                                            // 89: the spare byte
+const Bytes kTwoLettersAndControl13{
+    37, 0, 0,  0, 0,  0,  1,  0,                                // 0: constant 0 of type 37, constant address 1
+    0,  0, 0,  0, 0,  0,  0,  0,                                // 8: copy destination, copy off
+    0,  0, 0,  0, 0,  0,  0,  0,                                // 16: copy done, copy off
+    0,  0, 0,  0,                                               // 24: version, end of message, masks
+    0,  0, 0,  0, 0,  0,  0,  0,                                // 28: STX and ETX characters
+    0,  0, 1,  0,                                               // 36: lengths, always 1
+    1,  0, 1,  0, 0,  0,  0,  0, 1, 1, 0, 0, 0, 0,              // 40: end-of-message checksum
+    0,  0, 1,  0,                                               // 54: copy count, N = 1
+    60, 0,                                                      // 58: message 1 at 60
+    1,  0, 0,  0,                                               // 60: one segment
+    0,  0, 82, 0, 0,  0,  0,  0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,  // 64: fixed text at 82
+    0,  0, 3,  0, 65, 66, 13,                                   // 82: A, B, control 13
+    0,                                                          // 89: the spare byte
 };
 
-TEST(SendImage, WorkedExampleOfTwoLettersAndAControlCharacterIs90Bytes) {
+TEST(SendImage, TwoLettersAndAControlCharacterMakeA90ByteImage) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
-    EXPECT_EQ(set.BinaryData(), kWorkedExample);
+    setTwoLettersAndControl13(set);
+    EXPECT_EQ(set.BinaryData(), kTwoLettersAndControl13);
 }
 
-TEST(SendImage, WorkedExampleLoadsAsTheMessageItCameFrom) {
+TEST(SendImage, TwoLettersAndAControlCharacterLoadAsTheMessageTheyCameFrom) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    set.BinaryData(kWorkedExample);
+    set.BinaryData(kTwoLettersAndControl13);
     ASSERT_EQ(set.NumberOfMessages(), 1);
     auto message = set.GetMessage(1);
     EXPECT_EQ(message->MessageString(), L"AB" + std::wstring(498, L' '));
@@ -98,7 +98,7 @@ TEST(SendImage, WorkedExampleLoadsAsTheMessageItCameFrom) {
     EXPECT_EQ(set.ImageVersion(), 0);
     // The load took constant address 1 for the message number, and the next
     // write takes a new one: everything else comes out the same.
-    Bytes rewritten = kWorkedExample;
+    Bytes rewritten = kTwoLettersAndControl13;
     rewritten[6] = 2;
     EXPECT_EQ(set.BinaryData(), rewritten);
 }
@@ -170,8 +170,8 @@ TEST(EthSendImage, SingleMessageForcesTheConstantZeroButKeepsHasValue) {
 TEST(EthSendImage, SameLayoutAsTheSerialImage) {
     ScopedHostContext host;
     clsEthProtocolSendSrv set;
-    setWorkedExample(set);
-    EXPECT_EQ(set.BinaryData(), kWorkedExample);
+    setTwoLettersAndControl13(set);
+    EXPECT_EQ(set.BinaryData(), kTwoLettersAndControl13);
 }
 
 TEST(SendImage, TwoMessagesWithAMemoryMessageNumberHoldItsAddressAndZeros) {
@@ -185,15 +185,17 @@ TEST(SendImage, TwoMessagesWithAMemoryMessageNumberHoldItsAddressAndZeros) {
 
     const Bytes expected = concat({
         sendHeader({3, 0, 0x05, 0x01, 0, 0, 0, 0}, 2),
-        {62, 0, 90, 0},                 // 58: messages at 62 and 90
-        {1, 0, 0, 0},                   // 62: one segment
-        {0, 0, 84, 0}, zeros(14),       // 66: fixed text at 84
-        {0, 0, 1, 0, 65},               // 84: A
-        {0},                            // 89: makes the next message start even
-        {1, 0, 0, 0},                   // 90: one segment
-        {0, 0, 112, 0}, zeros(14),      // 94: fixed text at 112
-        {0, 0, 1, 0, 66},               // 112: B
-        {0},                            // 117: the spare byte
+        {62, 0, 90, 0},  // 58: messages at 62 and 90
+        {1, 0, 0, 0},    // 62: one segment
+        {0, 0, 84, 0},
+        zeros(14),         // 66: fixed text at 84
+        {0, 0, 1, 0, 65},  // 84: A
+        {0},               // 89: makes the next message start even
+        {1, 0, 0, 0},      // 90: one segment
+        {0, 0, 112, 0},
+        zeros(14),         // 94: fixed text at 112
+        {0, 0, 1, 0, 66},  // 112: B
+        {0},               // 117: the spare byte
     });
     Bytes image = set.BinaryData();
     EXPECT_EQ(image, expected);
@@ -231,16 +233,19 @@ TEST(SendImage, OddFixedTextIsPaddedSoThatTheNextTextBlockStartsEven) {
 
     const Bytes expected = concat({
         sendHeader(kSingleMessageNumber, 1),
-        {60, 0},                                    // 58
-        {3, 0, 0, 0},                               // 60: three segments
-        {0, 0, 118, 0}, zeros(14),                  // 64: fixed text at 118
-        {5}, numericRecord(3, 9),                   // 82: numeric field, record in the entry
-        {0, 0, 126, 0}, zeros(14),                  // 100: fixed text at 126
-        {0, 0, 3, 0, 65, 66, 67},                   // 118: ABC
-        {0},                                        // 125: padding
-        {0, 0, 2, 0, 68, 69},                       // 126: DE
-        {0},                                        // 132: the spare byte
-        {0},                                        // 133: the image length is even
+        {60, 0},       // 58
+        {3, 0, 0, 0},  // 60: three segments
+        {0, 0, 118, 0},
+        zeros(14),  // 64: fixed text at 118
+        {5},
+        numericRecord(3, 9),  // 82: numeric field, record in the entry
+        {0, 0, 126, 0},
+        zeros(14),                 // 100: fixed text at 126
+        {0, 0, 3, 0, 65, 66, 67},  // 118: ABC
+        {0},                       // 125: padding
+        {0, 0, 2, 0, 68, 69},      // 126: DE
+        {0},                       // 132: the spare byte
+        {0},                       // 133: the image length is even
     });
     EXPECT_EQ(set.BinaryData(), expected);
 }
@@ -259,16 +264,18 @@ TEST(SendImage, OddFixedTextIsPaddedSoThatABinaryTextRecordStartsEven) {
 
     const Bytes expected = concat({
         sendHeader(kSingleMessageNumber, 1),
-        {60, 0},                                    // 58
-        {2, 0, 0, 0},                               // 60: two segments
-        {0, 0, 100, 0}, zeros(14),                  // 64: fixed text at 100
-        {1, 0, 108, 0}, zeros(14),                  // 82: binary text record at 108
-        {0, 0, 3, 0, 65, 66, 67},                   // 100: ABC
-        {0},                                        // 107: padding
-        {2, 0, 1, 0, 5, 0, 0, 0, 0, 0,              // 108: record, bit operand 1/5
-         126, 0, 2, 0, 129, 0, 3, 0,                //      texts at 126 (2) and 129 (3)
-         'N', 'O', 0, 'Y', 'E', 'S', 0},            // 126
-        {0},                                        // 133: the spare byte
+        {60, 0},       // 58
+        {2, 0, 0, 0},  // 60: two segments
+        {0, 0, 100, 0},
+        zeros(14),  // 64: fixed text at 100
+        {1, 0, 108, 0},
+        zeros(14),                                // 82: binary text record at 108
+        {0, 0, 3, 0, 65, 66, 67},                 // 100: ABC
+        {0},                                      // 107: padding
+        {2,   0,   1, 0,   5,   0,   0, 0, 0, 0,  // 108: record, bit operand 1/5
+         126, 0,   2, 0,   129, 0,   3, 0,        //      texts at 126 (2) and 129 (3)
+         'N', 'O', 0, 'Y', 'E', 'S', 0},          // 126
+        {0},                                      // 133: the spare byte
     });
     EXPECT_EQ(set.BinaryData(), expected);
 }
@@ -280,11 +287,12 @@ TEST(SendImage, MessageOfOneNumericFieldAndNoTextIs22Bytes) {
 
     const Bytes expected = concat({
         sendHeader(kSingleMessageNumber, 1),
-        {60, 0},                    // 58
-        {1, 0, 0, 0},               // 60: one segment
-        {5}, numericRecord(3, 9),   // 64: numeric field; the message ends at 82
-        {0},                        // 82: the spare byte
-        {0},                        // 83: the image length is even
+        {60, 0},       // 58
+        {1, 0, 0, 0},  // 60: one segment
+        {5},
+        numericRecord(3, 9),  // 64: numeric field; the message ends at 82
+        {0},                  // 82: the spare byte
+        {0},                  // 83: the image length is even
     });
     Bytes image = set.BinaryData();
     EXPECT_EQ(image, expected);
@@ -294,7 +302,7 @@ TEST(SendImage, MessageOfOneNumericFieldAndNoTextIs22Bytes) {
 TEST(SendImage, WithoutEndCharactersTheEndOfMessageIsStoredAs0AndLoadsAs1) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.EndOfSendMessageType(3);
     Bytes image = set.BinaryData();
     EXPECT_EQ(image[25], 0);
@@ -308,7 +316,7 @@ TEST(SendImage, WithoutEndCharactersTheEndOfMessageIsStoredAs0AndLoadsAs1) {
 TEST(SendImage, WithEndCharactersTheEndOfMessageIsStoredAndLoaded) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.SendETXLength(1);
     set.SetSendETXValue(0, 3, false);
     set.EndOfSendMessageType(3);
@@ -323,7 +331,7 @@ TEST(SendImage, WithEndCharactersTheEndOfMessageIsStoredAndLoaded) {
 TEST(SendImage, CopyOffLeavesBytes8To23ZeroAndTheOperandsAsCreated) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     test::linkOperand(*set.OpCopyDestination(), 5, 10);
     test::linkOperand(*set.OpCopyWhenOn(), 1, 20);
     Bytes image = set.BinaryData();
@@ -344,7 +352,7 @@ TEST(SendImage, CopyOffLeavesBytes8To23ZeroAndTheOperandsAsCreated) {
 TEST(SendImage, CopyOnStoresBothOperandsAndTheCount) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     test::linkOperand(*set.OpCopyDestination(), 5, 0x0210);
     test::linkOperand(*set.OpCopyWhenOn(), 1, 20);
     set.CopyBytesCount(4);
@@ -368,7 +376,7 @@ TEST(SendImage, CopyOnStoresBothOperandsAndTheCount) {
 TEST(SendImage, CopyCountAbove255IsAnOverflow) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.CopyBytesCount(256);
     EXPECT_EQ(test::runtimeErrorOf([&] { set.BinaryData(); }), err::Overflow);
 }
@@ -376,7 +384,7 @@ TEST(SendImage, CopyCountAbove255IsAnOverflow) {
 TEST(SendImage, FrameCharactersLengthsAndTypedMasks) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.SendSTXLength(2);
     set.SetSendSTXValue(0, 0x02, false);
     set.SetSendSTXValue(1, 'A', true);
@@ -384,8 +392,7 @@ TEST(SendImage, FrameCharactersLengthsAndTypedMasks) {
     set.SetSendETXValue(0, 0x03, false);
     set.EndOfSendMessageType(2);
     Bytes image = set.BinaryData();
-    EXPECT_EQ(Bytes(image.begin() + 25, image.begin() + 38),
-              (Bytes{2, 0b10, 0, 0x02, 'A', 0, 0, 0x03, 0, 0, 0, 2, 1}));
+    EXPECT_EQ(Bytes(image.begin() + 25, image.begin() + 38), (Bytes{2, 0b10, 0, 0x02, 'A', 0, 0, 0x03, 0, 0, 0, 2, 1}));
 
     clsProtocolSendSrv loaded;
     loaded.BinaryData(image);
@@ -400,14 +407,14 @@ TEST(SendImage, AClearTypedBitLeavesTheEntrysFlagAsItWas) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
     set.SetSendSTXValue(0, 0x40, true);
-    set.BinaryData(kWorkedExample);
+    set.BinaryData(kTwoLettersAndControl13);
     EXPECT_EQ(set.SendSTXChars()[0], (FrameChar{0, true}));
 }
 
 TEST(SendImage, FrameLengthAbove255IsAnOverflow) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.SendSTXLength(256);
     EXPECT_EQ(test::runtimeErrorOf([&] { set.BinaryData(); }), err::Overflow);
 }
@@ -477,17 +484,17 @@ TEST(SendImage, AnEmptyMessageInsideTheRangeFailsTheWriter) {
 TEST(SendImage, TrailingEmptyMessagesAreNotWritten) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     set.AppendMessage();
     set.AppendMessage();
-    EXPECT_EQ(set.BinaryData(), kWorkedExample);
+    EXPECT_EQ(set.BinaryData(), kTwoLettersAndControl13);
 }
 
 TEST(SendImage, ExtendedOperandsWriteVersion1AndTheSTXFlagOfTheChecksum) {
     ScopedHostContext host;
     host->ExtendedOperands = true;
     clsProtocolSendSrv set;
-    setWorkedExample(set);
+    setTwoLettersAndControl13(set);
     std::dynamic_pointer_cast<clsProtocolCSVar>(set.SendChecksum())->STXInCS(true);
     Bytes image = set.BinaryData();
     EXPECT_EQ(image[24], 1);
@@ -588,7 +595,7 @@ TEST(SendImage, NegativeLongConstantIsStoredSignedAndComesBackUnsigned) {
 
 TEST(SendImage, MessageNumberTypeByte0LeavesTheOperandAsItIs) {
     ScopedHostContext host;
-    Bytes image = kWorkedExample;
+    Bytes image = kTwoLettersAndControl13;
     image[0] = 0;
     clsProtocolSendSrv set;
     test::linkOperand(*set.OpMessageNumber(), 3, 44);
@@ -604,7 +611,7 @@ TEST(SendImage, LoadReplacesEveryMessageAndKeepsTheClipboard) {
     set.AppendMessage();
     putText(*set.GetMessage(3), 0, L"GONE");
     set.CopyMessage(3);
-    set.BinaryData(kWorkedExample);
+    set.BinaryData(kTwoLettersAndControl13);
     EXPECT_EQ(set.NumberOfMessages(), 1);
     ASSERT_NE(set.ClipboardMessage(), nullptr);
     EXPECT_EQ(set.ClipboardMessage()->MessageString().substr(0, 4), L"GONE");

@@ -44,7 +44,7 @@ TEST(SendSet, NewSetHasOneEmptyMessageAndNothingToDownload) {
     EXPECT_EQ(set.ClipboardMessage(), nullptr);
 }
 
-TEST(SendSet, NewSetStartsWithItsDocumentedFrameAndSettings) {
+TEST(SendSet, NewSetStartsWithItsInitialFrameAndSettings) {
     ScopedHostContext host;
     clsProtocolSendSrv set;
     EXPECT_EQ(set.EndOfSendMessageType(), 1);
@@ -92,8 +92,7 @@ TEST(SendSet, AllowedTypesWithExtendedOperandsPutTheExtendedMessageNumberSecond)
     host->ExtendedOperands = true;
     clsProtocolSendSrv set;
     EXPECT_EQ(set.OpMessageNumber()->AllowedTypes(), allowed({{1, 3}, {1, 65}, {2, 34}, {2, 37}}));
-    EXPECT_EQ(set.OpCopyDestination()->AllowedTypes(),
-              allowed({{1, 3}, {1, 5}, {1, 16}, {1, 65}, {1, 66}, {1, 67}}));
+    EXPECT_EQ(set.OpCopyDestination()->AllowedTypes(), allowed({{1, 3}, {1, 5}, {1, 16}, {1, 65}, {1, 66}, {1, 67}}));
     EXPECT_EQ(set.OpCopyWhenOn()->AllowedTypes(), allowed({{1, 1}}));
 }
 
@@ -102,8 +101,7 @@ TEST(EthSendSet, AllowedTypesWithExtendedOperandsPutTheExtendedMessageNumberLast
     host->ExtendedOperands = true;
     clsEthProtocolSendSrv set;
     EXPECT_EQ(set.OpMessageNumber()->AllowedTypes(), allowed({{1, 3}, {2, 34}, {2, 37}, {1, 65}}));
-    EXPECT_EQ(set.OpCopyDestination()->AllowedTypes(),
-              allowed({{1, 3}, {1, 5}, {1, 16}, {1, 65}, {1, 66}, {1, 67}}));
+    EXPECT_EQ(set.OpCopyDestination()->AllowedTypes(), allowed({{1, 3}, {1, 5}, {1, 16}, {1, 65}, {1, 66}, {1, 67}}));
     EXPECT_EQ(set.OpCopyWhenOn()->AllowedTypes(), allowed({{1, 1}, {1, 64}}));
 }
 

@@ -1,0 +1,317 @@
+// Writes the seed corpora of the image fuzz targets: valid images made by the
+// library's own writers, from hand-built sets (the documented worked
+// examples, every field kind, frames, checksums, copy after ETX, empty sets)
+// and from random valid sets. Each file is one input as the targets take it:
+// the settings byte (bit 0: extended operands), then the image.
+//
+// Usage: qxfb_fuzz_seeds CORPUS_ROOT   (writes CORPUS_ROOT/fuzz_<name>/seed_*)
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "message/protocol_binary_var.h"
+#include "message/protocol_cs_var.h"
+#include "message/protocol_date_var.h"
+#include "message/protocol_list_text_var.h"
+#include "message/protocol_numeric_var.h"
+#include "message/protocol_scan_numeric_var.h"
+#include "message/protocol_time_var.h"
+#include "platform/host_context.h"
+#include "serial/protocol_config.h"
+#include "sets/scan_set.h"
+#include "sets/send_set.h"
+#include "support/random_sets.h"
+
+namespace {
+
+using namespace qx;
+namespace fs = std::filesystem;
+
+fs::path corpusRoot;
+int written = 0;
+
+void writeSeed(const std::string& target, const std::string& name, bool extended, const Bytes& image) {
+    fs::path folder = corpusRoot / target;
+    fs::create_directories(folder);
+    std::ofstream out(folder / ("seed_" + name), std::ios::binary | std::ios::trunc);
+    const char settings = extended ? 1 : 0;
+    out.write(&settings, 1);
+    out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    ++written;
+}
+
+// Builds the set in a fresh context of the given settings and writes its image.
+template <class Set>
+void seed(const std::string& target, const std::string& name, bool extended, const std::function<void(Set&)>& build) {
+    ScopedHostContext context;
+    context->ExtendedOperands = extended;
+    Set set;
+    build(set);
+    writeSeed(target, name + (extended ? "_ext" : ""), extended, set.BinaryData());
+}
+
+void putText(clsProtocolMessage& message, int32_t position, const std::wstring& text) {
+    std::wstring all = message.MessageString();
+    all.replace(static_cast<size_t>(position), text.size(), text);
+    message.MessageString(all);
+}
+
+void link(clsOperand& operand, int32_t type, int32_t address) {
+    operand.OperandType(type);
+    operand.OperandAddress(address);
+    operand.IsNew(false);
+}
+
+template <class Field>
+std::shared_ptr<Field> place(clsProtocolMessage& message, std::shared_ptr<Field> field, int32_t& position) {
+    field->StartPosition(position);
+    position += field->Length();
+    message.AddVar(field);
+    return field;
+}
+
+// A, B and the control character 13: the worked example of both images.
+void workedExample(clsProtocolMessage& message) {
+    putText(message, 0, L"AB");
+    message.AddControlChar(2, 13);
+}
+
+void richChecksum(clsProtocolCSVar& checksum) {
+    checksum.CSLength(2);
+    checksum.FormatView(1);
+    checksum.CalculationType(3);
+    checksum.ModulusType(2);
+    checksum.OffsetFromForward(1);
+    checksum.OffsetTillBackwards(2);
+    checksum.STXInCS(true);
+    checksum.SpecialAddition(true);
+    checksum.SA_FromValue(10);
+    checksum.SA_ToValue(200);
+    checksum.SA_AddedValue(7);
+}
+
+void everySendFieldKind(clsProtocolSendSrv& set) {
+    set.SendSTXLength(2);
+    set.SetSendSTXValue(0, 2, false);
+    set.SetSendSTXValue(1, '#', true);
+    set.SendETXLength(1);
+    set.SetSendETXValue(0, 3, false);
+    set.EndOfSendMessageType(3);
+    richChecksum(dynamic_cast<clsProtocolCSVar&>(*set.SendChecksum()));
+    set.CopyBytesCount(12);
+    link(*set.OpCopyDestination(), 5, 300);
+    link(*set.OpCopyWhenOn(), 1, 301);
+    link(*set.OpMessageNumber(), 3, 77);
+    set.AppendMessage();
+    set.AppendMessage();
+
+    auto& first = *set.GetMessage(1);
+    int32_t q = 0;
+    putText(first, q, L"T=");
+    q += 2;
+    auto decimal = std::make_shared<clsProtocolNumericVar>();
+    link(*decimal->LikedOperand(), 3, 10);
+    decimal->BeforePoint(4);
+    decimal->AfterPoint(2);
+    decimal->PrefixSignFormat(2);
+    decimal->LeadingZeros(1);
+    place(first, decimal, q);
+    first.AddControlChar(q++, 9);
+    auto hex = std::make_shared<clsProtocolNumericVar>();
+    link(*hex->LikedOperand(), 5, 11);
+    hex->VarFormat(1);
+    hex->BeforePoint(4);
+    hex->VectorLength(2);
+    place(first, hex, q);
+    auto direct = std::make_shared<clsProtocolNumericVar>();
+    link(*direct->LikedOperand(), 16, 12);
+    direct->StreamForm(1);
+    direct->CopyBytesFormat(2);
+    direct->StreamVectorLength(3);
+    place(first, direct, q);
+    auto indirect = std::make_shared<clsProtocolNumericVar>();
+    link(*indirect->LikedOperand(), 3, 13);
+    indirect->StreamForm(1);
+    indirect->CopyBytesFormat(5);
+    indirect->StreamLengthAddress(400);
+    place(first, indirect, q);
+    putText(first, q, L" \xe9t\x20ac ");
+    q += 5;
+    first.AddControlChar(q++, 13);
+    first.AddControlChar(q++, 10);
+
+    auto& second = *set.GetMessage(2);
+    q = 0;
+    second.AddControlChar(q++, 2);
+    auto binary = std::make_shared<clsProtocolBinaryVar>();
+    link(*binary->LikedOperand(), 1, 40);
+    binary->TextFor0(L"OFF");
+    binary->TextFor1(L"ON");
+    place(second, binary, q);
+    auto list = std::make_shared<clsProtocolistTextVar>();
+    link(*list->LikedOperand(), 3, 41);
+    list->Texts({L"RED", L"GREEN", L"BLUE"});
+    place(second, list, q);
+    auto aligned = std::make_shared<clsProtocolistTextVar>();
+    link(*aligned->LikedOperand(), 5, 42);
+    aligned->AlignmentStringSize(4);
+    aligned->Texts({L"A", L"LONGER ONE"});
+    place(second, aligned, q);
+    putText(second, q, L"@");
+    ++q;
+    auto date = std::make_shared<clsProtocolDateVar>();
+    date->DateFormatType(3);
+    place(second, date, q);
+    auto time = std::make_shared<clsProtocolTimeVar>();
+    time->TimeFormatType(1);
+    place(second, time, q);
+    auto checksum = std::make_shared<clsProtocolCSVar>();
+    richChecksum(*checksum);
+    place(second, checksum, q);
+    second.AddControlChar(q++, 3);
+
+    // A message of one numeric field and no text: S 1, 22 bytes.
+    auto& third = *set.GetMessage(3);
+    q = 0;
+    auto lone = std::make_shared<clsProtocolNumericVar>();
+    link(*lone->LikedOperand(), 3, 14);
+    place(third, lone, q);
+}
+
+void everyScanFieldKind(clsProtocolScanSrv& set) {
+    set.ScanSTXLength(1);
+    set.SetScanSTXValue(0, 2, false);
+    set.ScanETXLength(2);
+    set.SetScanETXValue(0, 13, false);
+    set.SetScanETXValue(1, 'x', true);
+    set.EndOfScanMessageType(2);
+    set.MessageLengthValue(70000);
+    set.SilenceTimeValue(250);
+    richChecksum(dynamic_cast<clsProtocolCSVar&>(*set.ScanChecksum()));
+    set.AppendMessage();
+    set.AppendMessage();
+
+    auto& first = *set.GetMessage(1);
+    first.MessageLength(10);
+    int32_t q = 0;
+    putText(first, q, L"V=");
+    q += 2;
+    for (int32_t format : {0, 1, 2}) {
+        auto field = std::make_shared<clsProtocolScanNumericVar>();
+        link(*field->LikedOperand(), 3, 20 + format);
+        field->VarFormat(format);
+        field->BeforePoint(3);
+        field->PrefixSignFormat(format == 0 ? 2 : 0);
+        if (format != 1) link(*field->DecimalPointOperand(), 5, 30 + format);
+        place(first, field, q);
+        first.AddControlChar(q++, 9);
+    }
+    auto& second = *set.GetMessage(2);
+    q = 0;
+    for (int32_t format : {3, 4}) {
+        auto field = std::make_shared<clsProtocolScanNumericVar>();
+        link(*field->LikedOperand(), 16, 40 + format);
+        field->StreamForm(1);
+        field->VarFormat(format);
+        field->StreamVectorLength(2);
+        field->CopyBytesFormat(format == 3 ? 1 : 5);
+        field->AddNullToEndOfStream(format == 4);
+        place(second, field, q);
+    }
+    auto checksum = std::make_shared<clsProtocolCSVar>();
+    richChecksum(*checksum);
+    place(second, checksum, q);
+    putText(second, q, L"OK");
+    // A message of only a numeric field: flags 0.
+    auto& third = *set.GetMessage(3);
+    q = 0;
+    auto lone = std::make_shared<clsProtocolScanNumericVar>();
+    link(*lone->LikedOperand(), 3, 50);
+    place(third, lone, q);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s CORPUS_ROOT\n", argv[0]);
+        return 2;
+    }
+    corpusRoot = argv[1];
+    const std::string send = "fuzz_send_image";
+    const std::string scan = "fuzz_scan_image";
+
+    for (bool extended : {false, true}) {
+        seed<clsProtocolSendSrv>(send, "worked_example", extended,
+                                 [](clsProtocolSendSrv& set) { workedExample(*set.GetMessage(1)); });
+        seed<clsProtocolSendSrv>(send, "no_message", extended, [](clsProtocolSendSrv&) {});
+        seed<clsProtocolSendSrv>(send, "every_field_kind", extended, everySendFieldKind);
+        seed<clsEthProtocolSendSrv>(send, "eth_every_field_kind", extended, everySendFieldKind);
+        seed<clsProtocolScanSrv>(scan, "worked_example", extended,
+                                 [](clsProtocolScanSrv& set) { workedExample(*set.GetMessage(1)); });
+        seed<clsProtocolScanSrv>(scan, "no_message", extended, [](clsProtocolScanSrv&) {});
+        seed<clsProtocolScanSrv>(scan, "every_field_kind", extended, everyScanFieldKind);
+    }
+    // An image of version 0 read with the extended operands on: the STX flags
+    // of its checksums come from the rule for old images.
+    {
+        ScopedHostContext context;
+        clsProtocolSendSrv set;
+        everySendFieldKind(set);
+        writeSeed(send, "every_field_kind_version0_read_ext", true, set.BinaryData());
+    }
+    {
+        ScopedHostContext context;
+        clsProtocolScanSrv set;
+        everyScanFieldKind(set);
+        writeSeed(scan, "every_field_kind_version0_read_ext", true, set.BinaryData());
+    }
+
+    // Random valid sets, small ones and a few as large as the image allows.
+    const test::RandomSetShape small{6, 6, 30, 1, 65535};
+    const test::RandomSetShape many{255, 2, 12, 0, 65535};
+    const test::RandomSetShape full{255, 50, 255, 0, 65535};
+    for (uint32_t n = 1; n <= 24; ++n) {
+        bool extended = n % 2 == 1;
+        char name[32];
+        std::snprintf(name, sizeof name, "random_%02u", n);
+        seed<clsProtocolSendSrv>(send, name, extended, [n, &small](clsProtocolSendSrv& set) {
+            std::mt19937 random(n);
+            test::fillRandomSendSet(set, random, small);
+        });
+        seed<clsProtocolScanSrv>(scan, name, extended, [n, &small](clsProtocolScanSrv& set) {
+            std::mt19937 random(n);
+            test::fillRandomScanSet(set, random, small);
+        });
+    }
+    for (uint32_t n = 1; n <= 2; ++n) {
+        const test::RandomSetShape& shape = n == 1 ? many : full;
+        std::string name = n == 1 ? "random_255_messages" : "random_near_65535";
+        seed<clsProtocolSendSrv>(send, name, false, [&shape](clsProtocolSendSrv& set) {
+            std::mt19937 random(7);
+            test::fillRandomSendSet(set, random, shape);
+        });
+        seed<clsProtocolScanSrv>(scan, name, false, [&shape](clsProtocolScanSrv& set) {
+            std::mt19937 random(7);
+            test::fillRandomScanSet(set, random, shape);
+        });
+    }
+
+    // Config: the three ports, a port outside them, and a one-byte image.
+    const std::string config = "fuzz_config_image";
+    for (uint8_t port : {1, 2, 3, 0, 255}) {
+        ScopedHostContext context;
+        clsProtocolConfigSrv srv;
+        srv.ComPort(port);
+        writeSeed(config, "port_" + std::to_string(port), port == 2, srv.BinaryData());
+    }
+    writeSeed(config, "one_byte", false, Bytes{2});
+
+    std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());
+    return 0;
+}
