@@ -298,8 +298,9 @@ void storeLayout(clsProtocolMessage& message, const Layout& layout) {
 // How many messages to download: mostly a few, now and then none.
 int32_t messageCount(Dice& dice, const RandomSetShape& shape) {
     int32_t most = std::clamp(shape.MaxMessages, 0, kMaxMessages);
-    if (most == 0 || dice.chance(3)) return 0;
-    return dice.between(1, most);
+    int32_t least = std::clamp(shape.MinMessages, 0, most);
+    if (least == 0 && (most == 0 || dice.chance(3))) return 0;
+    return dice.between(std::max(least, 1), most);
 }
 
 // Lays out messages until the count or the image's size is reached.

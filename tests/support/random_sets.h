@@ -21,7 +21,9 @@ class clsProtocolScanSrv;
 namespace qx::test {
 
 struct RandomSetShape {
-    // Messages to download, 0 to 255; the set may hold a few empty ones behind them.
+    // Messages to download, 0 to 255; the set may hold a few empty ones
+    // behind them. Fewer than MinMessages only when the image is full.
+    int32_t MinMessages = 0;
     int32_t MaxMessages = 10;
     // Fields in one message, 0 to 50.
     int32_t MaxFieldsPerMessage = 10;
