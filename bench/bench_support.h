@@ -1,0 +1,77 @@
+// What the benchmarks share: sets of 255 messages whose images come as close
+// to the 65535 bytes of 16-bit offsets as the layout allows, a full message
+// (500 positions, 50 fields, control characters), and the reference every
+// benchmark is measured against: a memcpy of the same number of bytes, timed
+// in the same run, reported as the counter "ratio_to_memcpy".
+#pragma once
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "message/protocol_message.h"
+#include "sets/scan_set.h"
+#include "sets/send_set.h"
+
+namespace qx::bench {
+
+inline constexpr size_t LargestImage = 65535;
+
+// The CPU time of the calling thread. The machine is shared, so both sides
+// of a ratio are taken in CPU time: waiting for a core counts in neither.
+struct ThreadCpuClock {
+    using duration = std::chrono::nanoseconds;
+    using rep = duration::rep;
+    using period = duration::period;
+    using time_point = std::chrono::time_point<ThreadCpuClock>;
+    static constexpr bool is_steady = true;
+    static time_point now() noexcept;
+};
+
+// CPU nanoseconds one memcpy of size bytes takes on this machine now: the
+// best of a few rounds of many copies.
+double memcpyNanoseconds(size_t size);
+
+// Times the loop of a benchmark in thread CPU time, leaving out what the
+// benchmark excludes itself (restoring a message between batches), and sets
+// the counters: image_bytes, memcpy_ns, op_ns and ratio_to_memcpy.
+class CopyRatio {
+public:
+    CopyRatio(benchmark::State& state, size_t imageBytes);
+    void start() { start_ = Clock::now(); }
+    // Brackets work of the loop that is not the operation measured.
+    void pause() { pausedAt_ = Clock::now(); }
+    void resume() { excluded_ += Clock::now() - pausedAt_; }
+    void finish();
+
+private:
+    using Clock = ThreadCpuClock;
+    benchmark::State& state_;
+    size_t imageBytes_;
+    double copyNs_;
+    Clock::time_point start_;
+    Clock::time_point pausedAt_;
+    Clock::duration excluded_{};
+};
+
+// 255 messages of text runs with control characters and three fields each
+// (decimal numeric, date, stream numeric; in a Scan decimal, checksum,
+// stream), spread over all 500 positions; the text runs are as long as the
+// image allows below 65535 bytes.
+std::unique_ptr<clsProtocolSendSrv> denseSendSet();
+std::unique_ptr<clsProtocolScanSrv> denseScanSet();
+
+// A Send message using all 500 positions: a run of 25 text positions, then
+// 50 times a numeric field of 4 positions and 5 of text, then 25 of text.
+// Every fifth text position holds a control character.
+MessagePtr fullMessage();
+// Positions at 0 that an InsertChar or DeleteByPosition can take on the
+// full message before a field would leave it or come to lie at 0.
+inline constexpr int32_t FullMessageSlack = 25;
+
+// The size of the Send image of a set holding only that message.
+size_t sendImageSizeOf(const clsProtocolMessage& message);
+
+}  // namespace qx::bench
