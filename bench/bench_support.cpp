@@ -119,9 +119,9 @@ std::unique_ptr<Set> largestDenseSet(Fields fields) {
 }  // namespace
 
 ThreadCpuClock::time_point ThreadCpuClock::now() noexcept {
-    timespec spec{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &spec);
-    return time_point(std::chrono::seconds(spec.tv_sec) + std::chrono::nanoseconds(spec.tv_nsec));
+    timespec slot{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &slot);
+    return time_point(std::chrono::seconds(slot.tv_sec) + std::chrono::nanoseconds(slot.tv_nsec));
 }
 
 double memcpyNanoseconds(size_t size) {

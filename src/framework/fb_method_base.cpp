@@ -35,22 +35,22 @@ void FBMethodBase::itfFBMethod_CreateDummyOperands() {
     visbleInOperands_ = newCollection<OperandPtr>();
     visbleOutOperands_ = newCollection<OperandPtr>();
     int32_t key = 0;
-    for (const auto& spec : info_.OutOperandSpecs) {
+    for (const auto& slot : info_.OutOperandSpecs) {
         auto operand = newOperand();
         operand->IsNew(true);
         operand->OperandMode(1);
-        operand->OperandType(spec.TypeAtCreation);
-        operand->OperandDescription(GetText(spec.TextNumber));
+        operand->OperandType(slot.TypeAtCreation);
+        operand->OperandDescription(GetText(slot.TextNumber));
         outOperands_->Add(operand, std::to_wstring(++key));
-        if (spec.Visible) visbleOutOperands_->Add(operand);
+        if (slot.Visible) visbleOutOperands_->Add(operand);
     }
 }
 
-void FBMethodBase::applyOperandSpec(clsOperand& operand, const OperandSpec& spec) {
-    for (int32_t type : spec.AllowedTypes) operand.AddAllowedType(1, type, true);
+void FBMethodBase::applyOperandSpec(clsOperand& operand, const OperandSpec& slot) {
+    for (int32_t type : slot.AllowedTypes) operand.AddAllowedType(1, type, true);
     if (IsExtendedOperandsEnabled())
-        for (int32_t type : spec.ExtendedTypes) operand.AddAllowedType(1, type, true);
-    std::wstring text = GetText(spec.TextNumber);
+        for (int32_t type : slot.ExtendedTypes) operand.AddAllowedType(1, type, true);
+    std::wstring text = GetText(slot.TextNumber);
     operand.OperandCaption(text);
     operand.OperandTitle(text);
 }
@@ -59,12 +59,12 @@ void FBMethodBase::itfFBMethod_BuildOperands() {
     visbleInOperands_ = newCollection<OperandPtr>();
     visbleOutOperands_ = newCollection<OperandPtr>();
     int32_t index = 0;
-    for (const auto& spec : info_.OutOperandSpecs) {
+    for (const auto& slot : info_.OutOperandSpecs) {
         // A host that gives fewer operands than the table meets the collection's error here.
         OperandPtr operand = outOperands_ ? outOperands_->Item(++index) : nullptr;
         if (!operand) raiseError(err::InvalidProcedureCall);
-        applyOperandSpec(*operand, spec);
-        if (spec.Visible) visbleOutOperands_->Add(operand);
+        applyOperandSpec(*operand, slot);
+        if (slot.Visible) visbleOutOperands_->Add(operand);
     }
 }
 

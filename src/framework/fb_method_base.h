@@ -62,7 +62,7 @@ public:
     void itfFBMethod_IsConducting(bool value) override { isConducting_ = value; }
     // Fills the visible collections from OutOperands and sets the allowed types.
     void itfFBMethod_BuildOperands() override;
-    // Makes the operation new, with fresh operands of the spec table.
+    // Makes the operation new, with fresh operands of the slot table.
     void itfFBMethod_CreateDummyOperands() override;
     Bytes itfFBMethod_AdditionalData() override { return {}; }
     void itfFBMethod_AdditionalData(const Bytes&) override {}
@@ -91,8 +91,8 @@ public:
 protected:
     // "ReplaceFindOnlyOperand": the operations with a message set rewrite their image.
     virtual void replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress);
-    // Sets the allowed types, caption and title of one out operand by its spec.
-    static void applyOperandSpec(clsOperand& operand, const OperandSpec& spec);
+    // Sets the allowed types, caption and title of one out operand by its slot.
+    static void applyOperandSpec(clsOperand& operand, const OperandSpec& slot);
     void newOperandsForFindOnly() { operandsForFindOnly_ = newCollection<OperandPtr>(); }
     void setIsNew(bool value) { isNew_ = value; }
     void setBinaryOperands(Bytes value) { binaryOperands_ = std::move(value); }
