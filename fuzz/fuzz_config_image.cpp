@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::optional<qx::Bytes> written = qx::fuzz::roundTrip<qx::clsProtocolConfigSrv>(data, size);
     if (!written) {
         // Only an empty image may be refused.
-        if (size > 1) qx::fuzz::finding("a Config image with a port byte was refused", qx::Bytes(data + 1, data + size));
+        if (size > 1)
+            qx::fuzz::finding("a Config image with a port byte was refused", qx::Bytes(data + 1, data + size));
         return 0;
     }
     if (*written != qx::Bytes{data[1], 0}) qx::fuzz::finding("Config image not written as its port and 0", *written);

@@ -12,15 +12,16 @@
 //
 // While a finding is open, a fuzzing run can go on past it to look for
 // others: QXFB_FUZZ_SET_ASIDE=oversize in the environment stops the check of
-// a model whose image the writer made longer than 16-bit offsets can reach.
-// Without it, as in the corpus replay, that image is a finding.
+// a model whose image the writer made longer than 16-bit offsets reach (such
+// an image is sound only when every offset it stores still fits). Without
+// it, as in the corpus replay, such an image takes the round trip as any.
 #pragma once
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <cstring>
+#include <functional>
 #include <optional>
 
 #include "platform/bytes.h"
@@ -53,10 +54,10 @@ using ImageMask = std::function<bool(const Bytes& image, size_t offset)>;
 }
 
 inline void reportDifference(const Bytes& first, const Bytes& second, size_t at) {
-    std::fprintf(stderr, "FINDING: round trip differs: first write %zu bytes, second %zu bytes, first difference at %zu",
+    std::fprintf(stderr,
+                 "FINDING: round trip differs: first write %zu bytes, second %zu bytes, first difference at %zu",
                  first.size(), second.size(), at);
-    if (at < first.size() && at < second.size())
-        std::fprintf(stderr, " (%02X against %02X)", first[at], second[at]);
+    if (at < first.size() && at < second.size()) std::fprintf(stderr, " (%02X against %02X)", first[at], second[at]);
     std::fprintf(stderr, "\n");
 }
 
@@ -92,12 +93,12 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         }
     }
 
-    // An image the offsets cannot address is corrupt whatever it holds; the
-    // writer must refuse it with an overflow rather than cut its offsets.
-    if (first.size() > LargestImage) {
-        if (setAside("oversize")) return first;
-        finding("writer made an image longer than its 16-bit offsets reach", first);
-    }
+    // Past 65535 bytes an offset that does not fit its word must make the
+    // writer refuse with an overflow; one it cut to 16 bits shows below.
+    const bool oversize = first.size() > LargestImage;
+    if (oversize && setAside("oversize")) return first;
+    const char* step = oversize ? "reading the writer's own image, longer than 16-bit offsets reach"
+                                : "reading the writer's own image";
 
     // The writer's own image must load and write back unchanged, in a context
     // as fresh as the first one.
@@ -109,7 +110,7 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         try {
             set.BinaryData(first);
         } catch (const RuntimeError& error) {
-            unexpectedError("reading the writer's own image", error, first);
+            unexpectedError(step, error, first);
         }
         try {
             second = set.BinaryData();
@@ -118,15 +119,17 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         }
     }
 
+    const char* what =
+        oversize ? "image longer than 16-bit offsets reach does not round-trip" : "image does not round-trip";
     const size_t common = first.size() < second.size() ? first.size() : second.size();
     for (size_t at = 0; at < common; ++at) {
         if (first[at] == second[at] || (ignore && ignore(first, at))) continue;
         reportDifference(first, second, at);
-        finding("image does not round-trip", first);
+        finding(what, first);
     }
     if (first.size() != second.size()) {
         reportDifference(first, second, common);
-        finding("image does not round-trip", first);
+        finding(what, first);
     }
     return first;
 }

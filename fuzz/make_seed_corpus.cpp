@@ -273,11 +273,12 @@ int main(int argc, char** argv) {
     }
 
     // Random valid sets, small ones and a few as large as the image allows.
-    const test::RandomSetShape small{.MaxMessages = 6, .MaxFieldsPerMessage = 6, .MaxTextRun = 30, .MaxTrailingEmpty = 1};
-    const test::RandomSetShape many{.MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 2, .MaxTextRun = 12,
-                                    .MaxTrailingEmpty = 0};
-    const test::RandomSetShape full{.MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 50, .MaxTextRun = 8,
-                                    .MaxTrailingEmpty = 0};
+    const test::RandomSetShape small{
+        .MaxMessages = 6, .MaxFieldsPerMessage = 6, .MaxTextRun = 30, .MaxTrailingEmpty = 1};
+    const test::RandomSetShape many{
+        .MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 2, .MaxTextRun = 12, .MaxTrailingEmpty = 0};
+    const test::RandomSetShape full{
+        .MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 50, .MaxTextRun = 8, .MaxTrailingEmpty = 0};
     for (uint32_t n = 1; n <= 24; ++n) {
         bool extended = n % 2 == 1;
         char name[32];

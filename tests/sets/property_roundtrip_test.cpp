@@ -37,10 +37,10 @@ constexpr uint32_t kSetsOfEachKind = 200;
 constexpr uint32_t kLargeSetsOfEachShape = 6;
 constexpr size_t kLargestImage = 65535;
 
-const RandomSetShape kManyMessages{.MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 2, .MaxTextRun = 12,
-                                   .MaxTrailingEmpty = 0};
-const RandomSetShape kFullMessages{.MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 50, .MaxTextRun = 8,
-                                   .MaxTrailingEmpty = 0};
+const RandomSetShape kManyMessages{
+    .MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 2, .MaxTextRun = 12, .MaxTrailingEmpty = 0};
+const RandomSetShape kFullMessages{
+    .MinMessages = 255, .MaxMessages = 255, .MaxFieldsPerMessage = 50, .MaxTextRun = 8, .MaxTrailingEmpty = 0};
 
 // Seed N: odd seeds run with the extended operands on, every fifth set is
 // the TCP/IP twin.
@@ -201,8 +201,8 @@ void expectSameField(itfProtocolVar& loaded, itfProtocolVar& expected, bool exte
 void expectSameMessage(const clsProtocolMessage& loaded, const clsProtocolMessage& expected, bool extended) {
     // The generator writes control characters of codes below 32 only, and
     // blanks under them and under fields, so both come back as they were.
-    EXPECT_TRUE(loaded.MessageString() == expected.MessageString());
-    EXPECT_TRUE(loaded.ControlChars() == expected.ControlChars());
+    EXPECT_EQ(loaded.MessageString(), expected.MessageString());
+    EXPECT_EQ(loaded.ControlChars(), expected.ControlChars());
     ASSERT_EQ(loaded.NumberOfVars(), expected.NumberOfVars());
     for (int32_t i = 1; i <= expected.NumberOfVars(); ++i) {
         SCOPED_TRACE("field " + std::to_string(i));
@@ -449,10 +449,13 @@ TEST(SendSetProperty, TheSeedsReachEveryKindOfContent) {
             }
         }
     }
-    for (const char* key : {"messages 0", "messages 1", "messages 2", "STX length 0", "STX length 4", "ETX length 0",
-                            "ETX length 4", "end of message 1", "end of message 2", "end of message 3", "copy on",
-                            "copy off", "number constant", "number memory", "control character", "numeric decimal",
-                            "numeric hex", "stream indirect", "stream direct", "list aligned", "list"})
+    for (const char* key : {"messages 0",       "messages 1",       "messages 2",
+                            "STX length 0",     "STX length 4",     "ETX length 0",
+                            "ETX length 4",     "end of message 1", "end of message 2",
+                            "end of message 3", "copy on",          "copy off",
+                            "number constant",  "number memory",    "control character",
+                            "numeric decimal",  "numeric hex",      "stream indirect",
+                            "stream direct",    "list aligned",     "list"})
         EXPECT_GT(seen[key], 0) << key;
     for (const char* name : {typeid(clsProtocolBinaryVar).name(), typeid(clsProtocolDateVar).name(),
                              typeid(clsProtocolTimeVar).name(), typeid(clsProtocolCSVar).name()})
@@ -482,18 +485,33 @@ TEST(ScanSetProperty, TheSeedsReachEveryKindOfContent) {
                 VarPtr field = message->GetVar(v);
                 if (auto numeric = std::dynamic_pointer_cast<clsProtocolScanNumericVar>(field)) {
                     ++seen["VarFormat " + std::to_string(numeric->VarFormat())];
-                    if (numeric->StreamForm() == 0 && !numeric->DecimalPointOperand()->IsNew())
-                        ++seen["decimal point"];
+                    if (numeric->StreamForm() == 0 && !numeric->DecimalPointOperand()->IsNew()) ++seen["decimal point"];
                 } else if (std::dynamic_pointer_cast<clsProtocolCSVar>(field)) {
                     ++seen["checksum"];
                 }
             }
         }
     }
-    for (const char* key : {"messages 0", "messages 1", "messages 2", "STX length 0", "STX length 4", "ETX length 0",
-                            "ETX length 4", "end of message 1", "end of message 2", "end of message 3",
-                            "message length above 16 bits", "message length", "control character", "VarFormat 0",
-                            "VarFormat 1", "VarFormat 2", "VarFormat 3", "VarFormat 4", "decimal point", "checksum"})
+    for (const char* key : {"messages 0",
+                            "messages 1",
+                            "messages 2",
+                            "STX length 0",
+                            "STX length 4",
+                            "ETX length 0",
+                            "ETX length 4",
+                            "end of message 1",
+                            "end of message 2",
+                            "end of message 3",
+                            "message length above 16 bits",
+                            "message length",
+                            "control character",
+                            "VarFormat 0",
+                            "VarFormat 1",
+                            "VarFormat 2",
+                            "VarFormat 3",
+                            "VarFormat 4",
+                            "decimal point",
+                            "checksum"})
         EXPECT_GT(seen[key], 0) << key;
 }
 

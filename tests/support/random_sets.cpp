@@ -253,8 +253,8 @@ Layout layoutMessage(Dice& dice, const RandomSetShape& shape, const ImageCosts& 
     // that two runs never meet and make one longer than a byte can count.
     for (;;) {
         int32_t room = kPositions - layout.position;
-        int32_t run = dice.chance(5) ? dice.between(0, std::min(kMaxRun, room))
-                                     : dice.between(0, std::min(maxRun, room));
+        int32_t run =
+            dice.chance(5) ? dice.between(0, std::min(kMaxRun, room)) : dice.between(0, std::min(maxRun, room));
         // A message without fields is one run of text.
         if (wanted == 0) run = std::max(run, 1);
         addTextRun(layout, dice, run, costs);
@@ -305,8 +305,8 @@ int32_t messageCount(Dice& dice, const RandomSetShape& shape) {
 
 // Lays out messages until the count or the image's size is reached.
 template <class MakeField>
-std::vector<Layout> layoutMessages(Dice& dice, const RandomSetShape& shape, const ImageCosts& costs,
-                                   size_t headerBytes, MakeField makeField) {
+std::vector<Layout> layoutMessages(Dice& dice, const RandomSetShape& shape, const ImageCosts& costs, size_t headerBytes,
+                                   MakeField makeField) {
     const int32_t count = messageCount(dice, shape);
     // The header, the spare or rounding byte behind the last message.
     size_t imageBytes = headerBytes + 1;
@@ -336,8 +336,7 @@ void storeMessages(Set& set, const std::vector<Layout>& layouts, Dice& dice, con
 // image holds them all.
 template <class SetValue>
 void randomFrame(Dice& dice, SetValue setValue) {
-    for (int32_t i = 0; i < kMaxFrame; ++i)
-        setValue(i, static_cast<uint8_t>(dice.between(0, 255)), dice.chance(50));
+    for (int32_t i = 0; i < kMaxFrame; ++i) setValue(i, static_cast<uint8_t>(dice.between(0, 255)), dice.chance(50));
 }
 
 }  // namespace
