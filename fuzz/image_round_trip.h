@@ -9,18 +9,11 @@
 // A finding is reported on standard error and ends the process with abort(),
 // so that libFuzzer and the corpus replay both stop on it. Anything thrown
 // that is not a RuntimeError is left to escape: that is a finding too.
-//
-// While a finding is open, a fuzzing run can go on past it to look for
-// others: QXFB_FUZZ_SET_ASIDE=oversize in the environment stops the check of
-// a model whose image the writer made longer than 16-bit offsets reach (such
-// an image is sound only when every offset it stores still fits). Without
-// it, as in the corpus replay, such an image takes the round trip as any.
 #pragma once
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <optional>
 
@@ -29,14 +22,6 @@
 #include "platform/runtime_error.h"
 
 namespace qx::fuzz {
-
-// Offsets in the Send and Scan images are unsigned 16-bit.
-inline constexpr size_t LargestImage = 65535;
-
-inline bool setAside(const char* finding) {
-    const char* names = std::getenv("QXFB_FUZZ_SET_ASIDE");
-    return names != nullptr && std::strstr(names, finding) != nullptr;
-}
 
 // Bytes the comparison of two written images skips: a write may legitimately
 // differ there (a constant's place in the host's table, say).
@@ -93,13 +78,6 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         }
     }
 
-    // Past 65535 bytes an offset that does not fit its word must make the
-    // writer refuse with an overflow; one it cut to 16 bits shows below.
-    const bool oversize = first.size() > LargestImage;
-    if (oversize && setAside("oversize")) return first;
-    const char* step = oversize ? "reading the writer's own image, longer than 16-bit offsets reach"
-                                : "reading the writer's own image";
-
     // The writer's own image must load and write back unchanged, in a context
     // as fresh as the first one.
     Bytes second;
@@ -110,7 +88,7 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         try {
             set.BinaryData(first);
         } catch (const RuntimeError& error) {
-            unexpectedError(step, error, first);
+            unexpectedError("reading the writer's own image", error, first);
         }
         try {
             second = set.BinaryData();
@@ -119,8 +97,7 @@ std::optional<Bytes> roundTrip(const uint8_t* data, size_t size, const ImageMask
         }
     }
 
-    const char* what =
-        oversize ? "image longer than 16-bit offsets reach does not round-trip" : "image does not round-trip";
+    const char* what = "image does not round-trip";
     const size_t common = first.size() < second.size() ? first.size() : second.size();
     for (size_t at = 0; at < common; ++at) {
         if (first[at] == second[at] || (ignore && ignore(first, at))) continue;

@@ -66,6 +66,8 @@ void replaceOperandAddress(clsOperand& operand, int32_t pOpNetID, int32_t pOpTyp
 void loadOperandLink(clsOperand& operand, int32_t operandType, int32_t operandAddress, bool registerIt);
 
 // Texts in records: one ANSI byte a character, closed by a byte 0.
+// A text of a record holds at most 255 characters: its length lies in one byte.
+inline constexpr size_t MaxRecordTextLength = 255;
 Bytes ansiBytes(const std::wstring& text);
 std::wstring ansiText(const Bytes& bytes);
 

@@ -38,9 +38,10 @@ Bytes clsProtocolBinaryVar::GetVarBinData(int32_t pVarTblIndex) {
     out.u8(2, likedOperand_->OperandType());
     out.low16(4, likedOperand_->OperandAddress());
     // The controller finds each text by its absolute offset in the image.
-    out.low16(10, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(at0));
+    // An offset beyond 16 bits does not fit: no image rather than a corrupt one.
+    out.u16(10, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(at0));
     out.u8(12, static_cast<int64_t>(text0.size()));
-    out.low16(14, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(at1));
+    out.u16(14, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(at1));
     out.u8(16, static_cast<int64_t>(text1.size()));
     out.copy(at0, text0);
     out.copy(at1, text1);
@@ -54,8 +55,8 @@ void clsProtocolBinaryVar::SetVarBinData(Bytes& pBinaryData, int32_t pVarTblInde
     const uint16_t operandAddress = in.u16(at + 4);
     // The second text follows the first one's byte 0; its own offset and both lengths are not read.
     const int64_t offset0 = in.u16(at + 10);
-    const Bytes text0 = in.untilZero(offset0);
-    const Bytes text1 = in.untilZero(offset0 + static_cast<int64_t>(text0.size()) + 1);
+    const Bytes text0 = in.untilZero(offset0, MaxRecordTextLength);
+    const Bytes text1 = in.untilZero(offset0 + static_cast<int64_t>(text0.size()) + 1, MaxRecordTextLength);
 
     loadOperandLink(*likedOperand_, operandType, operandAddress, true);
     textFor0_ = ansiText(text0);

@@ -47,8 +47,9 @@ Bytes clsProtocolistTextVar::GetVarBinData(int32_t pVarTblIndex) {
     size_t textAt = RecordHeaderSize + EntrySize * count;
     for (size_t i = 0; i < count; ++i) {
         const size_t entry = RecordHeaderSize + EntrySize * i;
-        // The controller finds each text by its absolute offset in the image.
-        out.low16(entry, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(textAt));
+        // The controller finds each text by its absolute offset in the image;
+        // one beyond 16 bits does not fit, and no record comes out.
+        out.u16(entry, static_cast<int64_t>(pVarTblIndex) + static_cast<int64_t>(textAt));
         out.u8(entry + 2, static_cast<int64_t>(texts[i].size()));
         out.copy(textAt, texts[i]);
         textAt += texts[i].size() + 1;
@@ -70,7 +71,7 @@ void clsProtocolistTextVar::SetVarBinData(Bytes& pBinaryData, int32_t pVarTblInd
     for (int64_t i = 0; i < count; ++i) {
         // The length byte of the entry is not read: the text ends at its byte 0.
         const uint16_t offset = in.u16(at + RecordHeaderSize + EntrySize * i);
-        texts.push_back(ansiText(in.untilZero(offset)));
+        texts.push_back(ansiText(in.untilZero(offset, MaxRecordTextLength)));
     }
 
     loadOperandLink(*likedOperand_, operandType, operandAddress, true);

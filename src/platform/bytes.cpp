@@ -29,11 +29,12 @@ uint32_t ByteReader::u32(int64_t offset) const {
 
 int32_t ByteReader::i32(int64_t offset) const { return static_cast<int32_t>(u32(offset)); }
 
-Bytes ByteReader::untilZero(int64_t offset) const {
+Bytes ByteReader::untilZero(int64_t offset, size_t maxLength) const {
     Bytes out;
     for (int64_t at = offset;; ++at) {
         uint8_t b = u8(at);
         if (b == 0) return out;
+        if (out.size() == maxLength) raiseError(err::SubscriptOutOfRange);
         out.push_back(b);
     }
 }

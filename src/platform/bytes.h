@@ -4,6 +4,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace qx {
@@ -22,8 +23,9 @@ public:
     uint16_t u16(int64_t offset) const;
     int32_t i32(int64_t offset) const;
     uint32_t u32(int64_t offset) const;
-    // Bytes from offset up to, not including, the first byte 0.
-    Bytes untilZero(int64_t offset) const;
+    // Bytes from offset up to, not including, the first byte 0, which must
+    // come within maxLength bytes.
+    Bytes untilZero(int64_t offset, size_t maxLength = std::numeric_limits<size_t>::max()) const;
 
 private:
     void check(int64_t offset, size_t count) const;

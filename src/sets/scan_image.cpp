@@ -75,7 +75,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
         switch (type) {
             case segment::ScanText:
                 alignEven(writer, data);
-                writer.low16(entry + kRecordOffset, static_cast<int64_t>(data));
+                writer.u16(entry + kRecordOffset, static_cast<int64_t>(data));
                 data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
                 break;
             case segment::ScanNumericFixed:
@@ -160,7 +160,7 @@ Bytes writeScanImage(clsProtocolScanSrv& set) {
     size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
-        writer.low16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
+        writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
         writeMessage(writer, position, *set.GetMessage(number), frameLength, version);
     }
     if (image.size() % 2 != 0) writer.grow(1);

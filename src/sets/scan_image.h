@@ -11,8 +11,8 @@ namespace qx {
 
 class clsProtocolScanSrv;
 
-// Writes the image of the set. A value that does not fit its byte raises
-// RuntimeError(6) and no image comes out.
+// Writes the image of the set. A value that does not fit its byte, or an
+// offset past 65,535, raises RuntimeError(6) and no image comes out.
 Bytes writeScanImage(clsProtocolScanSrv& set);
 
 // Loads the image into the set. Reads go through ByteReader: anything short

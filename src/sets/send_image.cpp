@@ -101,7 +101,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
         switch (type) {
             case segment::SendText:
                 alignEven(writer, data);
-                writer.low16(entry + 2, static_cast<int64_t>(data));
+                writer.u16(entry + 2, static_cast<int64_t>(data));
                 data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
                 break;
             case segment::SendBinary:
@@ -109,7 +109,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
                 // These records hold absolute offsets of their texts, so they are
                 // told where they will lie.
                 alignEven(writer, data);
-                writer.low16(entry + 2, static_cast<int64_t>(data));
+                writer.u16(entry + 2, static_cast<int64_t>(data));
                 data = appendBlock(writer, data, segment.Var->GetVarBinData(static_cast<int32_t>(data)));
                 break;
             case segment::SendDate:
@@ -167,7 +167,26 @@ void readMessageNumberBlock(const ByteReader& reader, clsOperand& operand, int32
     }
 }
 
-void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProtocolMessage& message, int32_t version) {
+// Characters of the texts a binary or list field loaded. An image that the
+// writer made stores each text once, so all of them together never exceed
+// the image; records that a lying image shares between many fields would.
+size_t loadedTextSize(itfProtocolVar& field) {
+    if (auto* binary = dynamic_cast<clsProtocolBinaryVar*>(&field))
+        return binary->TextFor0().size() + binary->TextFor1().size();
+    size_t size = 0;
+    if (auto* list = dynamic_cast<clsProtocolistTextVar*>(&field))
+        for (const auto& text : list->Texts()) size += text.size();
+    return size;
+}
+
+void spendTextBudget(size_t& budget, itfProtocolVar& field) {
+    size_t size = loadedTextSize(field);
+    if (size > budget) raiseError(err::SubscriptOutOfRange);
+    budget -= size;
+}
+
+void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProtocolMessage& message, int32_t version,
+                 size_t& textBudget) {
     int32_t count = reader.u8(offset);
     MessageCanvas canvas;
     for (int32_t i = 0; i < count; ++i) {
@@ -180,10 +199,12 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
             case segment::SendBinary:
                 field = std::make_shared<clsProtocolBinaryVar>();
                 field->SetVarBinData(image, reader.u16(entry + 2));
+                spendTextBudget(textBudget, *field);
                 break;
             case segment::SendList:
                 field = std::make_shared<clsProtocolistTextVar>();
                 field->SetVarBinData(image, reader.u16(entry + 2));
+                spendTextBudget(textBudget, *field);
                 break;
             case segment::SendNumeric:
                 field = std::make_shared<clsProtocolNumericVar>();
@@ -249,7 +270,7 @@ Bytes writeSendImage(clsProtocolSendSrv& set, bool clearHasValue) {
     size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
-        writer.low16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
+        writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
         writeMessage(writer, position, *set.GetMessage(number), version);
     }
     if (image.size() % 2 != 0) writer.grow(1);
@@ -297,9 +318,10 @@ void readSendImage(clsProtocolSendSrv& set, const Bytes& source) {
 
     int32_t count = reader.u8(kMessageCount);
     set.ResetMessages(std::max(count, 1));
+    size_t textBudget = image.size();
     for (int32_t number = 1; number <= count; ++number) {
         int64_t offset = reader.u16(static_cast<int64_t>(kHeaderSize) + 2 * (number - 1));
-        readMessage(image, reader, offset, *set.GetMessage(number), version);
+        readMessage(image, reader, offset, *set.GetMessage(number), version, textBudget);
     }
 }
 

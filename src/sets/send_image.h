@@ -13,11 +13,15 @@ class clsProtocolSendSrv;
 // Writes the image of the set. With one message to download the message
 // number operand becomes the constant 0 first; clearHasValue says whether
 // that also clears its HasValue (the serial family does, the TCP/IP one
-// does not). A value that does not fit its byte raises RuntimeError(6).
+// does not). A value that does not fit its byte raises RuntimeError(6), and
+// so does an offset past 65,535: the format cannot say it, and an image that
+// would reload differently is never written.
 Bytes writeSendImage(clsProtocolSendSrv& set, bool clearHasValue);
 
 // Loads the image into the set. Reads go through ByteReader: anything short
 // or lying raises RuntimeError(9); an unknown segment type creates nothing.
+// Texts end within 255 bytes, and all texts loaded together never exceed the
+// image, so a record that many fields share cannot make a load run away.
 void readSendImage(clsProtocolSendSrv& set, const Bytes& image);
 
 }  // namespace qx

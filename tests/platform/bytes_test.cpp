@@ -44,6 +44,14 @@ TEST(ByteReader, UntilZeroStopsAtTheFirstZeroAndFailsWithoutOne) {
     EXPECT_EQ(errorNumber([&] { in.untilZero(3); }), 9);
 }
 
+TEST(ByteReader, UntilZeroLooksNoFurtherThanItsLimit) {
+    Bytes data{'A', 'B', 'C', 0};
+    ByteReader in(data);
+    EXPECT_EQ(in.untilZero(0, 3), (Bytes{'A', 'B', 'C'}));
+    EXPECT_EQ(errorNumber([&] { in.untilZero(0, 2); }), 9);
+    EXPECT_EQ(in.untilZero(3, 0), Bytes{});
+}
+
 TEST(ByteWriter, WritesLittleEndianAndGrowsWithZeros) {
     Bytes data(2, 0);
     ByteWriter out(data);
