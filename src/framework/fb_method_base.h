@@ -29,8 +29,8 @@ struct FBMethodInfo {
     int32_t MethodNameText;
     int32_t VisbleInCout;
     int32_t VisbleOutCout;
-    bool HasBinaryImage;    // false: BinaryOperands reads empty and ignores a Let
-    bool AnswersBusBar;     // answers "FB Method Not Allowed On BUSBAR"
+    bool HasBinaryImage;  // false: BinaryOperands reads empty and ignores a Let
+    bool AnswersBusBar;   // answers "FB Method Not Allowed On BUSBAR"
     std::vector<OperandSpec> OutOperandSpecs;
 };
 

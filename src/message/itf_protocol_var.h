@@ -61,8 +61,8 @@ public:
     virtual bool HitTest(int32_t pPosition) = 0;
     virtual void IsSelected(bool value) = 0;
     virtual bool IsSelected() = 0;
-    virtual void GetVarProps(int32_t& pStartPosition, int32_t& pLength, bool& pIsSelected,
-                             std::wstring& pDisplayString, std::wstring& pToolTipText) = 0;
+    virtual void GetVarProps(int32_t& pStartPosition, int32_t& pLength, bool& pIsSelected, std::wstring& pDisplayString,
+                             std::wstring& pToolTipText) = 0;
     virtual void GetVarPropsEX(int32_t& pStartPosition, int32_t& pLength, bool& pIsSelected,
                                std::wstring& pDisplayString, std::wstring& pToolTipText, uint32_t& pVarBackColor,
                                uint32_t& pVarForeColor) = 0;

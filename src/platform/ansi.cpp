@@ -97,11 +97,19 @@ std::wstring fromUtf8(const std::string& text) {
         auto b = static_cast<uint8_t>(text[i]);
         uint32_t c = b;
         size_t extra = 0;
-        if (b >= 0xF0) { c = b & 0x07; extra = 3; }
-        else if (b >= 0xE0) { c = b & 0x0F; extra = 2; }
-        else if (b >= 0xC0) { c = b & 0x1F; extra = 1; }
+        if (b >= 0xF0) {
+            c = b & 0x07;
+            extra = 3;
+        } else if (b >= 0xE0) {
+            c = b & 0x0F;
+            extra = 2;
+        } else if (b >= 0xC0) {
+            c = b & 0x1F;
+            extra = 1;
+        }
         ++i;
-        for (size_t k = 0; k < extra && i < text.size(); ++k, ++i) c = (c << 6) | (static_cast<uint8_t>(text[i]) & 0x3F);
+        for (size_t k = 0; k < extra && i < text.size(); ++k, ++i)
+            c = (c << 6) | (static_cast<uint8_t>(text[i]) & 0x3F);
         out.push_back(static_cast<wchar_t>(c));
     }
     return out;

@@ -25,8 +25,10 @@ public:
              std::optional<int32_t> after = std::nullopt) {
         if (!key.empty() && find(key)) raiseError(457);  // key already associated
         size_t at = items_.size();
-        if (before) at = checkedIndex(*before);
-        else if (after) at = checkedIndex(*after) + 1;
+        if (before)
+            at = checkedIndex(*before);
+        else if (after)
+            at = checkedIndex(*after) + 1;
         items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(at), Entry{key, std::move(item)});
     }
     void Remove(int32_t index) { items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(checkedIndex(index))); }
@@ -47,8 +49,12 @@ public:
     public:
         explicit Iterator(const Collection* c, size_t i) : c_(c), i_(i) {}
         const T& operator*() const { return c_->items_[i_].item; }
-        Iterator& operator++() { ++i_; return *this; }
+        Iterator& operator++() {
+            ++i_;
+            return *this;
+        }
         bool operator!=(const Iterator& o) const { return i_ != o.i_; }
+
     private:
         const Collection* c_;
         size_t i_;

@@ -57,7 +57,9 @@ void OperandTable::Release(int32_t type, int32_t address) {
     if (--it->second.Count <= 0) links_.erase(it);
 }
 
-void OperandTable::RegisterConstant(int32_t address, int32_t type, int64_t value) { constants_[address] = {type, value}; }
+void OperandTable::RegisterConstant(int32_t address, int32_t type, int64_t value) {
+    constants_[address] = {type, value};
+}
 
 std::optional<int64_t> OperandTable::ConstantValue(int32_t address) const {
     auto it = constants_.find(address);

@@ -67,7 +67,8 @@ std::string trim(const std::string& s) {
 bool sameText(const std::string& a, const std::string& b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) return false;
+        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
     return true;
 }
 
@@ -118,9 +119,9 @@ Font clsAppFont::GetFont(int32_t) const { return host().AppFont; }
 
 std::wstring clsOperandTypeNames::GetName(int32_t operandType) const {
     static const std::map<int32_t, std::wstring> names{
-        {1, L"MB"},   {2, L"SB"},   {3, L"MI"},   {4, L"SI"},   {5, L"ML"},   {6, L"SL"},   {7, L"MF"},
-        {9, L"I"},    {10, L"O"},   {11, L"T"},   {15, L"K"},   {16, L"DW"},  {34, L"KI"},  {35, L"KL"},
-        {36, L"SDW"}, {37, L"#I"},  {38, L"#L"},  {64, L"XB"},  {65, L"XI"},  {66, L"XL"},  {67, L"XDW"},
+        {1, L"MB"},   {2, L"SB"},  {3, L"MI"},  {4, L"SI"},  {5, L"ML"},  {6, L"SL"},  {7, L"MF"},
+        {9, L"I"},    {10, L"O"},  {11, L"T"},  {15, L"K"},  {16, L"DW"}, {34, L"KI"}, {35, L"KL"},
+        {36, L"SDW"}, {37, L"#I"}, {38, L"#L"}, {64, L"XB"}, {65, L"XI"}, {66, L"XL"}, {67, L"XDW"},
     };
     auto it = names.find(operandType);
     return it == names.end() ? L"T" + std::to_wstring(operandType) : it->second;
@@ -128,10 +129,14 @@ std::wstring clsOperandTypeNames::GetName(int32_t operandType) const {
 
 std::wstring clsOperandFormats::GetFormatName(int32_t format) const {
     switch (format) {
-    case 1: return L"Binary";
-    case 2: return L"Hex";
-    case 3: return L"Decimal";
-    default: return L"Format " + std::to_wstring(format);
+        case 1:
+            return L"Binary";
+        case 2:
+            return L"Hex";
+        case 3:
+            return L"Decimal";
+        default:
+            return L"Format " + std::to_wstring(format);
     }
 }
 
@@ -173,7 +178,8 @@ uint32_t GetPrivateProfileStringA(const std::string& section, const std::string&
             if (eq == std::string::npos || !sameText(current, section)) continue;
             if (sameText(trim(t.substr(0, eq)), key)) {
                 value = trim(t.substr(eq + 1));
-                if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
+                if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+                    value.back() == value.front())
                     value = value.substr(1, value.size() - 2);
                 found = true;
             }

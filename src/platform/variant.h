@@ -23,8 +23,14 @@ public:
     Variant(Bytes v) : value_(std::move(v)) {}
 
     bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
-    template <class T> bool Is() const { return std::holds_alternative<T>(value_); }
-    template <class T> const T& Get() const { return std::get<T>(value_); }
+    template <class T>
+    bool Is() const {
+        return std::holds_alternative<T>(value_);
+    }
+    template <class T>
+    const T& Get() const {
+        return std::get<T>(value_);
+    }
 
     // Conversions as the host does them: empty is 0, a text must read as a
     // number or it is a type mismatch (RuntimeError 13), a non-integral or

@@ -67,14 +67,14 @@ Bytes sharedListImage(uint8_t messages) {
         image[58 + 2 * i] = 568 & 0xFF;
         image[59 + 2 * i] = 568 >> 8;
     }
-    image[568] = 1;                        // one segment
-    image[572] = 2;                        // a list of texts
-    image[574] = 590 & 0xFF;               // its record at 590
+    image[568] = 1;           // one segment
+    image[572] = 2;           // a list of texts
+    image[574] = 590 & 0xFF;  // its record at 590
     image[575] = 590 >> 8;
-    image[590] = 3;                        // record kind
-    image[592] = 3;                        // MI
-    image[600] = 1;                        // one text
-    image[602] = 606 & 0xFF;               // at 606
+    image[590] = 3;           // record kind
+    image[592] = 3;           // MI
+    image[600] = 1;           // one text
+    image[602] = 606 & 0xFF;  // at 606
     image[603] = 606 >> 8;
     image[604] = 10;
     for (size_t i = 0; i < 10; ++i) image[606 + i] = static_cast<uint8_t>('A' + i);
