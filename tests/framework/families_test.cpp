@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "framework/gate.h"
 #include "framework/temp_runtime_folder.h"
 #include "platform/host_context.h"
@@ -14,6 +12,7 @@
 #include "serial/protocol_reset_buffer.h"
 #include "serial/protocol_scan.h"
 #include "serial/protocol_send.h"
+#include "support/test_helpers.h"
 #include "tcpip/eth_protocol_config.h"
 #include "tcpip/eth_protocol_scan.h"
 #include "tcpip/eth_protocol_send.h"
@@ -21,16 +20,8 @@
 namespace qx {
 namespace {
 
+using test::runtimeErrorOf;
 using test::TempRuntimeFolder;
-
-int32_t errorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 std::shared_ptr<clsProtocolFather> serialFamily() {
     clsGate gate;
@@ -126,7 +117,7 @@ TEST(ProtocolFather, MissingCurrentHexFileVersionFailsWithTypeMismatchAfterOneRe
     folder.writeIni(170100, "HexFilesVersionsList=100\r\n");
     clsGate gate;
     clsProtocolFather father;
-    EXPECT_EQ(errorNumberOf([&] { father.itfFBFather_InitProperties(gate); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([&] { father.itfFBFather_InitProperties(gate); }), err::TypeMismatch);
     ASSERT_EQ(context->Reports.size(), 1u);
     EXPECT_EQ(context->Reports[0].Name, L"KeyNotFount");
     EXPECT_EQ(context->Reports[0].Text,
@@ -144,7 +135,7 @@ TEST(EthProtocolFather, MissingVersionsListFailsWithTypeMismatchAfterOneReport) 
     folder.writeIni(170200, "CurrentHexFileVersion=100\r\n");
     clsGate gate;
     clsEthProtocolFather father;
-    EXPECT_EQ(errorNumberOf([&] { father.itfFBFather_InitProperties(gate); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([&] { father.itfFBFather_InitProperties(gate); }), err::TypeMismatch);
     ASSERT_EQ(context->Reports.size(), 1u);
     EXPECT_EQ(context->Reports[0].Text,
               L"Function block ini file key not found: \r\nFatherID: 170200\r\nKey: HexFilesVersionsList");

@@ -2,27 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "framework/families.h"
 #include "framework/temp_runtime_folder.h"
 #include "platform/host_context.h"
 #include "platform/object_count.h"
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
+using test::runtimeErrorOf;
 using test::TempRuntimeFolder;
-
-int32_t errorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 TEST(Gate, GateIDIs170000) {
     ScopedHostContext context;
@@ -101,7 +92,7 @@ TEST(Gate, MissingCurrentHexFileVersionLeavesNoCollectionAfterTheReport) {
     folder.writeIni(170200, "HexFilesVersionsList=100\r\n");
     clsGate gate;
     FatherCollectionPtr fathers;
-    EXPECT_EQ(errorNumberOf([&] { fathers = gate.itfFBGate_GetFathersCollection(); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([&] { fathers = gate.itfFBGate_GetFathersCollection(); }), err::TypeMismatch);
     EXPECT_EQ(fathers, nullptr);
     ASSERT_EQ(context->Reports.size(), 1u);
     EXPECT_EQ(context->Reports[0].Name, L"KeyNotFount");
@@ -114,7 +105,7 @@ TEST(Gate, MissingIniFileMakesGetFatherObjectFailAfterTheReport) {
     TempRuntimeFolder folder;
     clsGate gate;
     FatherPtr father;
-    EXPECT_EQ(errorNumberOf([&] { father = gate.itfFBGate_GetFatherObject(170100); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([&] { father = gate.itfFBGate_GetFatherObject(170100); }), err::TypeMismatch);
     EXPECT_EQ(father, nullptr);
     ASSERT_EQ(context->Reports.size(), 1u);
     EXPECT_EQ(context->Reports[0].Procedure, L"ReadFromIni");

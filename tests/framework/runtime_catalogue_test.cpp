@@ -2,16 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 #include "framework/temp_runtime_folder.h"
 #include "platform/host_context.h"
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
+using test::runtimeErrorOf;
 using test::TempRuntimeFolder;
 
 const std::wstring kCrLf = L"\r\n";
@@ -44,15 +45,6 @@ void expectMissingFilesRecord(const FBHexFileDetails& details) {
     EXPECT_EQ(details.FBsSize, 0);
     EXPECT_EQ(details.MinBiosVersion, 0);
     EXPECT_EQ(details.RealTimeMemorySize, 0);
-}
-
-int32_t errorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return 0;
 }
 
 TEST(RuntimeCatalogue, RuntimeFolderIsTheApplicationFolderWithTheFixedTail) {
@@ -164,7 +156,7 @@ TEST(RuntimeCatalogue, MissingCurrentHexFileVersionReportsThenFailsWithTypeMisma
     ScopedHostContext context;
     TempRuntimeFolder folder;
     folder.writeIni(170100, "HexFilesVersionsList=100\r\n");
-    EXPECT_EQ(errorNumberOf([] { ReadCurrentHexFileVersion(170100); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([] { ReadCurrentHexFileVersion(170100); }), err::TypeMismatch);
     ASSERT_EQ(context->Reports.size(), 1u);
     expectKeyNotFount(context->Reports[0], 170100, L"CurrentHexFileVersion");
 }
@@ -187,7 +179,7 @@ TEST(RuntimeCatalogue, MissingVersionsListReportsThenFailsWithTypeMismatch) {
     ScopedHostContext context;
     TempRuntimeFolder folder;
     folder.writeIni(170200, "CurrentHexFileVersion=100\r\n");
-    EXPECT_EQ(errorNumberOf([] { ReadHexFileVersionsList(170200); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([] { ReadHexFileVersionsList(170200); }), err::TypeMismatch);
     ASSERT_EQ(context->Reports.size(), 1u);
     expectKeyNotFount(context->Reports[0], 170200, L"HexFilesVersionsList");
 }
@@ -196,7 +188,7 @@ TEST(RuntimeCatalogue, VersionsListWithAnEmptyElementFailsWithTypeMismatch) {
     ScopedHostContext context;
     TempRuntimeFolder folder;
     folder.writeIni(170200, "HexFilesVersionsList=100;;101\r\n");
-    EXPECT_EQ(errorNumberOf([] { ReadHexFileVersionsList(170200); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([] { ReadHexFileVersionsList(170200); }), err::TypeMismatch);
     EXPECT_TRUE(context->Reports.empty());
 }
 
@@ -253,7 +245,7 @@ TEST(RuntimeCatalogue, EmptyCodeFileRaisesSubscriptOutOfRangeWithoutReport) {
     ScopedHostContext context;
     TempRuntimeFolder folder;
     folder.writeFamily(170100, {}, {1});
-    EXPECT_EQ(errorNumberOf([] { srvGetHexFileDetails(170100, 100); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), err::SubscriptOutOfRange);
     EXPECT_TRUE(context->Reports.empty());
 }
 
@@ -261,7 +253,7 @@ TEST(RuntimeCatalogue, EmptyJumpFileRaisesSubscriptOutOfRangeWithoutReport) {
     ScopedHostContext context;
     TempRuntimeFolder folder;
     folder.writeFamily(170100, {1}, {});
-    EXPECT_EQ(errorNumberOf([] { srvGetHexFileDetails(170100, 100); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), err::SubscriptOutOfRange);
     EXPECT_TRUE(context->Reports.empty());
 }
 
@@ -271,7 +263,7 @@ TEST(RuntimeCatalogue, CodeFileThatIsAFolderRaisesPathFileAccessErrorWithoutRepo
     folder.writeFamily(170100);
     folder.remove("170100V100.FBs");
     std::filesystem::create_directory(folder.rt() / "170100V100.FBs");
-    EXPECT_EQ(errorNumberOf([] { srvGetHexFileDetails(170100, 100); }), 75);
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), 75);
     EXPECT_TRUE(context->Reports.empty());
 }
 
@@ -280,7 +272,7 @@ TEST(RuntimeCatalogue, MissingVersionKeyAfterTheFilesReportsThenFailsWithTypeMis
     TempRuntimeFolder folder;
     folder.writeFamily(170100);
     folder.writeIni(170100, "Version100_RealTimeMemorySize=512\r\n");
-    EXPECT_EQ(errorNumberOf([] { srvGetHexFileDetails(170100, 100); }), err::TypeMismatch);
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), err::TypeMismatch);
     ASSERT_EQ(context->Reports.size(), 1u);
     expectKeyNotFount(context->Reports[0], 170100, L"Version100_MinBiosVersion");
 }

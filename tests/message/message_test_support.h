@@ -1,6 +1,6 @@
-// Small helpers of the message model tests: linking an operand as the picker
-// would, and placing a field's record where an image places it, so that a
-// reader gets the index it gets from the image code.
+// Small helpers of the message model tests, beside the shared ones in
+// support/test_helpers.h: placing a field's record where an image places it,
+// so that a reader gets the index it gets from the image code.
 #pragma once
 #include <gtest/gtest.h>
 
@@ -11,15 +11,9 @@
 #include "platform/bytes.h"
 #include "platform/operand.h"
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx::test {
-
-inline void link(clsOperand& operand, int32_t type, int32_t address, int32_t netId = 0) {
-    operand.OperandType(type);
-    operand.OperandAddress(address);
-    operand.OperandNetID(netId);
-    operand.IsNew(false);
-}
 
 // A Send segment table entry: the type byte at entryAt, the 17-byte record behind it.
 inline Bytes sendTableImage(uint8_t type, const Bytes& record, size_t entryAt) {
@@ -45,16 +39,6 @@ inline Bytes dataAreaImage(const Bytes& record, size_t at) {
     Bytes image(at + record.size() + 2, 0xEE);
     for (size_t i = 0; i < record.size(); ++i) image[at + i] = record[i];
     return image;
-}
-
-template <class F>
-int32_t errorNumberOf(F&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.Number();
-    }
-    return 0;
 }
 
 inline std::vector<int32_t> allowedTypes(const clsOperand& operand) {

@@ -8,8 +8,8 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
-using test::link;
+using test::linkOperand;
+using test::runtimeErrorOf;
 
 class BinaryVarTest : public ::testing::Test {
 protected:
@@ -60,7 +60,7 @@ TEST_F(BinaryVarTest, TwoEmptyTextsGiveLengthZeroAndA20ByteRecord) {
     clsProtocolBinaryVar field;
     field.TextFor0(L"");
     field.TextFor1(L"");
-    link(*field.LikedOperand(), 9, 0x0A0B);
+    linkOperand(*field.LikedOperand(), 9, 0x0A0B);
     EXPECT_EQ(field.Length(), 0);
     // clang-format off
     const Bytes expected{2, 0, 9, 0, 0x0B, 0x0A, 0, 0, 0, 0,  // kind, operand
@@ -74,7 +74,7 @@ TEST_F(BinaryVarTest, RecordOfTwoAndThreeCharactersIs25BytesWithAbsoluteOffsets)
     clsProtocolBinaryVar field;
     field.TextFor0(L"NO");
     field.TextFor1(L"YES");
-    link(*field.LikedOperand(), 1, 0x0123);
+    linkOperand(*field.LikedOperand(), 1, 0x0123);
     EXPECT_EQ(field.Length(), 3);
     // clang-format off
     const Bytes expected{2, 0, 1, 0, 0x23, 0x01, 0, 0, 0, 0,  // kind, operand
@@ -111,7 +111,7 @@ TEST_F(BinaryVarTest, TextsAreWrittenAsAnsiBytes) {
 TEST_F(BinaryVarTest, TextOver255CharactersOverflows) {
     clsProtocolBinaryVar field;
     field.TextFor1(std::wstring(256, L'x'));
-    EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
     field.TextFor1(std::wstring(255, L'x'));
     EXPECT_EQ(field.GetVarBinData(0).size(), 18u + 1 + 256);
 }
@@ -139,7 +139,7 @@ TEST_F(BinaryVarTest, FieldRoundTripsThroughTheDataArea) {
     field.TextFor0(L"Pump off");
     field.TextFor1(L"Pump \u00e9");
     field.DefaultDisplay(1);
-    link(*field.LikedOperand(), 10, 0x0203);
+    linkOperand(*field.LikedOperand(), 10, 0x0203);
     const size_t at = 82;  // data blocks begin at even offsets
     Bytes image = test::dataAreaImage(field.GetVarBinData(at), at);
     clsProtocolBinaryVar loaded;
@@ -170,7 +170,7 @@ TEST_F(BinaryVarTest, AnOffsetOutsideTheImageRaisesSubscriptError) {
     Bytes image = test::dataAreaImage(field.GetVarBinData(10), 10);
     image[10 + 10] = 0xF0;  // the first text now lies far behind the end
     clsProtocolBinaryVar loaded;
-    EXPECT_EQ(errorNumberOf([&] { loaded.SetVarBinData(image, 10); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { loaded.SetVarBinData(image, 10); }), err::SubscriptOutOfRange);
     EXPECT_EQ(loaded.TextFor0(), L"");
     EXPECT_TRUE(loaded.LikedOperand()->IsNew());
 }
@@ -178,9 +178,9 @@ TEST_F(BinaryVarTest, AnOffsetOutsideTheImageRaisesSubscriptError) {
 TEST_F(BinaryVarTest, AnUnterminatedTextRaisesSubscriptError) {
     Bytes image{2, 0, 1, 0, 1, 0, 0, 0, 0, 0, 18, 0, 2, 0, 21, 0, 3, 0, 'A', 'B', 0, 'C', 'D'};
     clsProtocolBinaryVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
     Bytes cut{2, 0, 1, 0, 1};
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(cut, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(cut, 0); }), err::SubscriptOutOfRange);
 }
 
 TEST_F(BinaryVarTest, ReplicaCopiesEveryPropertyAndClonesTheOperand) {
@@ -191,7 +191,7 @@ TEST_F(BinaryVarTest, ReplicaCopiesEveryPropertyAndClonesTheOperand) {
     field.TextFor0(L"a");
     field.TextFor1(L"bcd");
     field.DefaultDisplay(1);
-    link(*field.LikedOperand(), 11, 3);
+    linkOperand(*field.LikedOperand(), 11, 3);
     auto replica = std::dynamic_pointer_cast<clsProtocolBinaryVar>(field.GetReplica());
     ASSERT_TRUE(replica);
     EXPECT_EQ(replica->StartPosition(), 4);
@@ -212,7 +212,7 @@ TEST_F(BinaryVarTest, FindOnlyAndReplaceWorkOnTheLinkedOperand) {
     field.AddOperandsToFindOnlyCollection(none);
     EXPECT_EQ(none.Count(), 0);
 
-    link(*field.LikedOperand(), 1, 8, 3);
+    linkOperand(*field.LikedOperand(), 1, 8, 3);
     OperandCollection found;
     found.Add(newOperand(), L"1");
     found.Add(newOperand(), L"2");

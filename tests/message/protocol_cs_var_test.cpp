@@ -8,7 +8,7 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
+using test::runtimeErrorOf;
 
 class CSVarTest : public ::testing::Test {
 protected:
@@ -125,7 +125,7 @@ TEST_F(CSVarTest, ValuesAboveAByteOverflowWhileTheRecordIsBuilt) {
         clsProtocolCSVar cs;
         cs.SpecialAddition(true);
         set(cs);
-        return errorNumberOf([&] { cs.GetVarBinData(0); });
+        return runtimeErrorOf([&] { cs.GetVarBinData(0); });
     };
     EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.CSLength(256); }), err::Overflow);
     EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.OffsetFromForward(256); }), err::Overflow);
@@ -135,7 +135,7 @@ TEST_F(CSVarTest, ValuesAboveAByteOverflowWhileTheRecordIsBuilt) {
     EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.SA_FromValue(256); }), err::Overflow);
     EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.SA_ToValue(256); }), err::Overflow);
     EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.SA_AddedValue(256); }), err::Overflow);
-    EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.SA_AddedValue(255); }), 0);
+    EXPECT_EQ(overflowsWith([](clsProtocolCSVar& cs) { cs.SA_AddedValue(255); }), test::kNoRuntimeError);
 }
 
 TEST_F(CSVarTest, LoadReadsTwoBytesBehindTheIndex) {
@@ -340,7 +340,7 @@ TEST_F(CSVarTest, ShortRecordRaisesSubscriptError) {
     Bytes image(10 + 15, 0);  // the content reaches index + 15
     clsProtocolCSVar cs;
     cs.CSLength(3);
-    EXPECT_EQ(errorNumberOf([&] { cs.SetVarBinData(image, 10); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { cs.SetVarBinData(image, 10); }), err::SubscriptOutOfRange);
     EXPECT_EQ(cs.CSLength(), 3);
     Bytes enough(10 + 16, 0);
     enough[10 + 4] = 2;

@@ -9,7 +9,7 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
+using test::runtimeErrorOf;
 
 class DateVarTest : public ::testing::Test {
 protected:
@@ -53,7 +53,7 @@ TEST_F(DateVarTest, RecordIs17BytesWithTheFormatInByte1) {
 TEST_F(DateVarTest, FormatAboveAByteOverflows) {
     clsProtocolDateVar field;
     field.DateFormatType(256);
-    EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
 }
 
 TEST_F(DateVarTest, LoadReadsTheFormatTwoBytesBehindTheTypeByte) {
@@ -77,7 +77,7 @@ TEST_F(DateVarTest, FieldRoundTripsThroughTheSegmentTable) {
 TEST_F(DateVarTest, ShortRecordRaisesSubscriptError) {
     Bytes image{3, 0};
     clsProtocolDateVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.DateFormatType(), 6);
 }
 

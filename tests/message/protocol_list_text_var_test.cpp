@@ -8,8 +8,8 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
-using test::link;
+using test::linkOperand;
+using test::runtimeErrorOf;
 
 class ListTextVarTest : public ::testing::Test {
 protected:
@@ -78,7 +78,7 @@ TEST_F(ListTextVarTest, TextsGoInAndOutAsCopies) {
 TEST_F(ListTextVarTest, RecordOfThreeTextsIs39BytesWithAbsoluteOffsets) {
     clsProtocolistTextVar field;
     field.Texts({L"RED", L"GREEN!!", L"NO"});
-    link(*field.LikedOperand(), 5, 0x0456);
+    linkOperand(*field.LikedOperand(), 5, 0x0456);
     const int32_t at = 200;
     // clang-format off
     const Bytes expected{
@@ -106,15 +106,15 @@ TEST_F(ListTextVarTest, RecordStoresTheAlignment) {
 TEST_F(ListTextVarTest, ValuesAboveAByteOverflowWhileTheRecordIsBuilt) {
     clsProtocolistTextVar many;
     many.Texts(std::vector<std::wstring>(256, L"x"));
-    EXPECT_EQ(errorNumberOf([&] { many.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { many.GetVarBinData(0); }), err::Overflow);
 
     clsProtocolistTextVar longText;
     longText.Texts({std::wstring(256, L'x')});
-    EXPECT_EQ(errorNumberOf([&] { longText.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { longText.GetVarBinData(0); }), err::Overflow);
 
     clsProtocolistTextVar alignment;
     alignment.AlignmentStringSize(256);
-    EXPECT_EQ(errorNumberOf([&] { alignment.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { alignment.GetVarBinData(0); }), err::Overflow);
 
     clsProtocolistTextVar most;
     most.Texts(std::vector<std::wstring>(255, L"x"));
@@ -142,7 +142,7 @@ TEST_F(ListTextVarTest, ListRoundTripsInFullAndInOrder) {
     clsProtocolistTextVar field;
     field.Texts({L"zero", L"", L"two \u00e9", L"three"});
     field.DefaultDisplay(2);
-    link(*field.LikedOperand(), 5, 321);
+    linkOperand(*field.LikedOperand(), 5, 321);
     const size_t at = 120;
     Bytes image = test::dataAreaImage(field.GetVarBinData(at), at);
     clsProtocolistTextVar loaded;
@@ -170,16 +170,16 @@ TEST_F(ListTextVarTest, ARecordWithNoTextsIsAnInvalidRange) {
     Bytes image{3, 0, 3, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     clsProtocolistTextVar field;
     field.Texts({L"kept"});
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.Texts(), std::vector<std::wstring>{L"kept"});
 }
 
 TEST_F(ListTextVarTest, EntriesOrTextsOutsideTheImageRaiseSubscriptError) {
     Bytes entriesCut{3, 0, 3, 0, 1, 0, 0, 0, 0, 0, 4, 0, 16, 0, 1, 0};
     clsProtocolistTextVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(entriesCut, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(entriesCut, 0); }), err::SubscriptOutOfRange);
     Bytes offsetOut{3, 0, 3, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0x00, 0x10, 1, 0, 'A', 0};
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(offsetOut, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(offsetOut, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.Texts(), std::vector<std::wstring>{L""});
 }
 
@@ -191,7 +191,7 @@ TEST_F(ListTextVarTest, ReplicaCopiesEveryTextIntoANewListAndClonesTheOperand) {
     field.AlignmentStringSize(4);
     field.Texts({L"x", L"yy"});
     field.DefaultDisplay(1);
-    link(*field.LikedOperand(), 5, 6);
+    linkOperand(*field.LikedOperand(), 5, 6);
     auto replica = std::dynamic_pointer_cast<clsProtocolistTextVar>(field.GetReplica());
     ASSERT_TRUE(replica);
     EXPECT_EQ(replica->StartPosition(), 9);
@@ -212,7 +212,7 @@ TEST_F(ListTextVarTest, FindOnlyAndReplaceWorkOnTheLinkedOperand) {
     OperandCollection none;
     field.AddOperandsToFindOnlyCollection(none);
     EXPECT_EQ(none.Count(), 0);
-    link(*field.LikedOperand(), 3, 70);
+    linkOperand(*field.LikedOperand(), 3, 70);
     OperandCollection found;
     field.AddOperandsToFindOnlyCollection(found);
     ASSERT_EQ(found.Count(), 1);

@@ -13,8 +13,8 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
-using test::link;
+using test::linkOperand;
+using test::runtimeErrorOf;
 
 class MessageTest : public ::testing::Test {
 protected:
@@ -254,10 +254,10 @@ TEST_F(MessageTest, DeletingAt499ClearsOnlyThatEntry) {
 
 TEST_F(MessageTest, PositionsOutsideTheRowRaiseSubscriptError) {
     clsProtocolMessage message;
-    EXPECT_EQ(errorNumberOf([&] { message.DeleteByPosition(500); }), err::SubscriptOutOfRange);
-    EXPECT_EQ(errorNumberOf([&] { message.InsertChar(501, L"x"); }), err::SubscriptOutOfRange);
-    EXPECT_EQ(errorNumberOf([&] { message.AddControlChar(-1, 2); }), err::SubscriptOutOfRange);
-    EXPECT_EQ(errorNumberOf([&] { message.ControlCharHitTest(500); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.DeleteByPosition(500); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.InsertChar(501, L"x"); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.AddControlChar(-1, 2); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.ControlCharHitTest(500); }), err::SubscriptOutOfRange);
     EXPECT_EQ(message.MessageString(), std::wstring(500, L' '));
 }
 
@@ -353,8 +353,8 @@ TEST_F(MessageTest, TwoLettersAndAControlCharacterAt5GiveOneSegmentOfSixValues) 
 
 TEST_F(MessageTest, GetSegmentsOfAnEmptyMessageRaisesSubscriptError) {
     clsProtocolMessage message;
-    EXPECT_EQ(errorNumberOf([&] { message.GetSegments(); }), err::SubscriptOutOfRange);
-    EXPECT_EQ(errorNumberOf([&] { message.IsMessageContainConstText(); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetSegments(); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.IsMessageContainConstText(); }), err::SubscriptOutOfRange);
 }
 
 TEST_F(MessageTest, SegmentsAlternateTextAndFieldsAndShareTheFields) {
@@ -444,13 +444,13 @@ TEST_F(MessageTest, GetVarByStartPositionAnswersTheLastMatchOrNothing) {
 
 TEST_F(MessageTest, GetVarAndLastStartRaiseTheCollectionErrorOnABadIndex) {
     clsProtocolMessage message;
-    EXPECT_EQ(errorNumberOf([&] { message.GetLastVarStartPosition(); }), err::InvalidProcedureCall);
-    EXPECT_EQ(errorNumberOf([&] { message.GetVar(1); }), err::InvalidProcedureCall);
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetLastVarStartPosition(); }), err::InvalidProcedureCall);
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetVar(1); }), err::InvalidProcedureCall);
     message.AddVar(field(3, 1));
     message.AddVar(field(9, 1));
     EXPECT_EQ(message.GetLastVarStartPosition(), 9);
-    EXPECT_EQ(errorNumberOf([&] { message.GetVar(0); }), err::InvalidProcedureCall);
-    EXPECT_EQ(errorNumberOf([&] { message.GetVar(3); }), err::InvalidProcedureCall);
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetVar(0); }), err::InvalidProcedureCall);
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetVar(3); }), err::InvalidProcedureCall);
 }
 
 TEST_F(MessageTest, AddVarAppendsAsItIs) {
@@ -507,7 +507,7 @@ TEST_F(MessageTest, GetVarPropsAtAnswersThatFieldsProperties) {
     EXPECT_TRUE(selected);
     EXPECT_EQ(back, 0xFFC0C0u);
     EXPECT_EQ(fore, 0u);
-    EXPECT_EQ(errorNumberOf([&] { message.GetVarPropsAt(3, start, length, selected, display, tip, back, fore); }),
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetVarPropsAt(3, start, length, selected, display, tip, back, fore); }),
               err::InvalidProcedureCall);
 }
 
@@ -517,11 +517,11 @@ TEST_F(MessageTest, ReplicaSharesNoFieldAndNoOperand) {
     message.AddControlChar(2, 13);
     message.MessageLength(40);
     message.MethodType(1);
-    link(*message.ReceiveBit(), 1, 4);
+    linkOperand(*message.ReceiveBit(), 1, 4);
     auto numeric = std::make_shared<clsProtocolNumericVar>();
     numeric->StartPosition(3);
     numeric->BeforePoint(3);
-    link(*numeric->LikedOperand(), 3, 12);
+    linkOperand(*numeric->LikedOperand(), 3, 12);
     auto time = std::make_shared<clsProtocolTimeVar>();
     time->StartPosition(10);
     message.AddVar(numeric);
@@ -555,11 +555,11 @@ TEST_F(MessageTest, ReplicaSharesNoFieldAndNoOperand) {
 TEST_F(MessageTest, FindOnlyCollectsTheOperandsOfEveryFieldInOrder) {
     clsProtocolMessage message;
     auto numeric = std::make_shared<clsProtocolNumericVar>();
-    link(*numeric->LikedOperand(), 3, 1);
+    linkOperand(*numeric->LikedOperand(), 3, 1);
     auto date = field(5, 8);
     auto binary = std::make_shared<clsProtocolBinaryVar>();
     binary->StartPosition(13);
-    link(*binary->LikedOperand(), 1, 2);
+    linkOperand(*binary->LikedOperand(), 1, 2);
     message.AddVar(numeric);
     message.AddVar(date);
     message.AddVar(binary);
@@ -574,8 +574,8 @@ TEST_F(MessageTest, ReplaceOperandsReachesEveryField) {
     clsProtocolMessage message;
     auto a = std::make_shared<clsProtocolNumericVar>();
     auto b = std::make_shared<clsProtocolNumericVar>();
-    link(*a->LikedOperand(), 3, 7);
-    link(*b->LikedOperand(), 3, 7);
+    linkOperand(*a->LikedOperand(), 3, 7);
+    linkOperand(*b->LikedOperand(), 3, 7);
     message.AddVar(a);
     message.AddVar(b);
     message.ReplaceOperands(0, 3, 7, 8);

@@ -8,8 +8,8 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
-using test::link;
+using test::linkOperand;
+using test::runtimeErrorOf;
 
 class NumericVarTest : public ::testing::Test {
 protected:
@@ -97,7 +97,7 @@ TEST_F(NumericVarTest, HexRecordStoresCode4WithTheAfterPointItHolds) {
     field.VarFormat(1);
     field.BeforePoint(4);
     field.AfterPoint(2);
-    link(*field.LikedOperand(), 3, 0x0102);
+    linkOperand(*field.LikedOperand(), 3, 0x0102);
     const Bytes expected{0, 4, 1, 4, 2, 0, 0, 3, 0, 0x02, 0x01, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -146,7 +146,7 @@ TEST_F(NumericVarTest, AsciiRecordLaysOutEveryByte) {
     field.VectorLength(3);
     field.BeforePoint(5);
     field.AfterPoint(2);
-    link(*field.LikedOperand(), 5, 0x1234);
+    linkOperand(*field.LikedOperand(), 5, 0x1234);
     const Bytes expected{1, 2, 3, 5, 2, 0, 0, 5, 0, 0x34, 0x12, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(1234), expected);
 }
@@ -162,7 +162,7 @@ TEST_F(NumericVarTest, AsciiFormatCodeFollowsThePrefix) {
 
 TEST_F(NumericVarTest, RecordKeepsTheLow16BitsOfTheOperandAddress) {
     clsProtocolNumericVar field;
-    link(*field.LikedOperand(), 16, 0x12345);
+    linkOperand(*field.LikedOperand(), 16, 0x12345);
     const Bytes record = field.GetVarBinData(0);
     EXPECT_EQ(record[7], 16);
     EXPECT_EQ(record[9], 0x45);
@@ -176,7 +176,7 @@ TEST_F(NumericVarTest, StreamRecordWithDirectCount) {
     field.CopyBytesFormat(3);
     field.LeadingZeros(2);
     field.BeforePoint(9);  // kept, but not in the stream record
-    link(*field.LikedOperand(), 6, 300);
+    linkOperand(*field.LikedOperand(), 6, 300);
     const Bytes expected{2, 5, 7, 3, 0, 0, 0, 6, 0, 0x2C, 0x01, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -197,7 +197,7 @@ TEST_F(NumericVarTest, StreamRecordWithIndirectCountStoresItsAddress) {
     field.StreamVectorLength(7);
     field.CopyBytesFormat(1);
     field.StreamLengthAddress(0x0203);
-    link(*field.LikedOperand(), 3, 10);
+    linkOperand(*field.LikedOperand(), 3, 10);
     const Bytes expected{0, 5, 0, 2, 0, 0x03, 0x02, 3, 0, 10, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -206,17 +206,17 @@ TEST_F(NumericVarTest, ValuesAboveAByteOverflowWhileTheRecordIsBuilt) {
     {
         clsProtocolNumericVar field;
         field.VectorLength(256);
-        EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+        EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
     }
     {
         clsProtocolNumericVar field;
         field.BeforePoint(256);
-        EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+        EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
     }
     {
         clsProtocolNumericVar field;
         field.AfterPoint(256);
-        EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+        EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
     }
     {
         clsProtocolNumericVar field;
@@ -303,7 +303,7 @@ TEST_F(NumericVarTest, IndirectCountAtAddressZeroRoundTripsButIsNotListed) {
     clsProtocolNumericVar field;
     field.StreamForm(1);
     field.StreamLengthAddress(0);
-    link(*field.LikedOperand(), 3, 4);
+    linkOperand(*field.LikedOperand(), 3, 4);
     Bytes image = test::sendTableImage(5, field.GetVarBinData(65), 64);
     clsProtocolNumericVar loaded;
     loaded.SetVarBinData(image, 64);
@@ -320,7 +320,7 @@ TEST_F(NumericVarTest, FindOnlyListsTheOperandAndTheIndirectCount) {
     clsProtocolNumericVar field;
     field.StreamForm(1);
     field.StreamLengthAddress(12);
-    link(*field.LikedOperand(), 5, 100);
+    linkOperand(*field.LikedOperand(), 5, 100);
     OperandCollection found;
     found.Add(newOperand(), L"1");
     field.AddOperandsToFindOnlyCollection(found);
@@ -343,7 +343,7 @@ TEST_F(NumericVarTest, ReplaceOperandsMovesAMatchingLinkOnly) {
     clsProtocolNumericVar field;
     field.StreamForm(1);
     field.StreamLengthAddress(10);
-    link(*field.LikedOperand(), 3, 10, 2);
+    linkOperand(*field.LikedOperand(), 3, 10, 2);
     field.ReplaceOperands(1, 3, 10, 50);  // other network
     EXPECT_EQ(field.LikedOperand()->OperandAddress(), 10);
     field.ReplaceOperands(2, 5, 10, 50);  // other type
@@ -370,7 +370,7 @@ TEST_F(NumericVarTest, ReplicaCopiesEverySettingAndClonesTheOperand) {
     field.StreamLengthAddress(9);
     field.CopyBytesFormat(5);
     field.Length(99);
-    link(*field.LikedOperand(), 6, 77, 1);
+    linkOperand(*field.LikedOperand(), 6, 77, 1);
 
     auto replica = std::dynamic_pointer_cast<clsProtocolNumericVar>(field.GetReplica());
     ASSERT_TRUE(replica);
@@ -404,7 +404,7 @@ TEST_F(NumericVarTest, AsciiFieldRoundTripsThroughTheSegmentTable) {
     field.VectorLength(2);
     field.BeforePoint(6);
     field.AfterPoint(3);
-    link(*field.LikedOperand(), 36, 500);
+    linkOperand(*field.LikedOperand(), 36, 500);
     Bytes image = test::sendTableImage(5, field.GetVarBinData(83), 82);
     clsProtocolNumericVar loaded;
     loaded.SetVarBinData(image, 82);
@@ -431,7 +431,7 @@ TEST_F(NumericVarTest, StreamFieldLosesItsAsciiSettingsInARoundTrip) {
     field.StreamForm(1);
     field.StreamVectorLength(5);
     field.CopyBytesFormat(2);
-    link(*field.LikedOperand(), 5, 1);
+    linkOperand(*field.LikedOperand(), 5, 1);
     Bytes image = test::sendTableImage(5, field.GetVarBinData(0), 60);
     clsProtocolNumericVar loaded;
     loaded.SetVarBinData(image, 60);
@@ -449,14 +449,14 @@ TEST_F(NumericVarTest, StreamFieldLosesItsAsciiSettingsInARoundTrip) {
 TEST_F(NumericVarTest, ShortRecordRaisesSubscriptErrorAndLeavesTheFieldAsItWas) {
     Bytes image{5, 1, 3, 1, 5, 0, 0, 0, 3, 0, 7};  // cut after record byte 9
     clsProtocolNumericVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.LeadingZeros(), 0);
     EXPECT_EQ(field.BeforePoint(), 5);
     EXPECT_EQ(field.Length(), 5);
     Bytes empty;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(empty, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(empty, 0); }), err::SubscriptOutOfRange);
     Bytes whole(40, 0);
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(whole, -3); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(whole, -3); }), err::SubscriptOutOfRange);
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
-using test::link;
+using test::linkOperand;
+using test::runtimeErrorOf;
 
 class ScanNumericVarTest : public ::testing::Test {
 protected:
@@ -143,8 +143,8 @@ TEST_F(ScanNumericVarTest, AsciiRecordWithLinkedDecimalPointOperand) {
     field.BeforePoint(4);
     field.AfterPoint(2);    // not stored
     field.LeadingZeros(1);  // not stored
-    link(*field.LikedOperand(), 5, 0x0302);
-    link(*field.DecimalPointOperand(), 3, 0x0504);
+    linkOperand(*field.LikedOperand(), 5, 0x0302);
+    linkOperand(*field.DecimalPointOperand(), 3, 0x0504);
     const Bytes expected{2, 3, 4, 0, 5, 0, 0x02, 0x03, 0, 0, 0, 0, 3, 0, 0x04, 0x05, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(999), expected);
 }
@@ -152,7 +152,7 @@ TEST_F(ScanNumericVarTest, AsciiRecordWithLinkedDecimalPointOperand) {
 TEST_F(ScanNumericVarTest, AsciiRecordLeavesAnUnlinkedDecimalPointOperandOut) {
     clsProtocolScanNumericVar field;
     field.PrefixSignFormat(0);
-    link(*field.LikedOperand(), 3, 1);
+    linkOperand(*field.LikedOperand(), 3, 1);
     const Bytes expected{1, 1, 5, 0, 3, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -162,7 +162,7 @@ TEST_F(ScanNumericVarTest, HexRecordStoresCode4) {
     field.VarFormat(2);
     field.PrefixSignFormat(2);
     field.BeforePoint(6);
-    link(*field.LikedOperand(), 16, 0x10000 + 7);
+    linkOperand(*field.LikedOperand(), 16, 0x10000 + 7);
     const Bytes expected{4, 1, 6, 0, 16, 0, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -174,8 +174,8 @@ TEST_F(ScanNumericVarTest, StreamRecordStoresNullFlagAndNotTheDecimalPointOperan
     field.StreamVectorLength(9);
     field.CopyBytesFormat(2);
     field.AddNullToEndOfStream(true);
-    link(*field.LikedOperand(), 5, 40);
-    link(*field.DecimalPointOperand(), 3, 41);
+    linkOperand(*field.LikedOperand(), 5, 40);
+    linkOperand(*field.DecimalPointOperand(), 3, 41);
     const Bytes expected{5, 9, 4, 0, 5, 0, 40, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(field.GetVarBinData(0), expected);
 }
@@ -183,11 +183,11 @@ TEST_F(ScanNumericVarTest, StreamRecordStoresNullFlagAndNotTheDecimalPointOperan
 TEST_F(ScanNumericVarTest, ValuesAboveAByteOverflowWhileTheRecordIsBuilt) {
     clsProtocolScanNumericVar field;
     field.BeforePoint(300);
-    EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
     clsProtocolScanNumericVar stream;
     stream.StreamForm(1);
     stream.StreamVectorLength(256);
-    EXPECT_EQ(errorNumberOf([&] { stream.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { stream.GetVarBinData(0); }), err::Overflow);
 }
 
 TEST_F(ScanNumericVarTest, LoadTakesVarFormatFromTheTypeByte) {
@@ -261,7 +261,7 @@ TEST_F(ScanNumericVarTest, AfterPointAndLeadingZerosAreAtDefaultsAfterALoad) {
     clsProtocolScanNumericVar field;
     field.AfterPoint(3);
     field.LeadingZeros(2);
-    link(*field.LikedOperand(), 3, 1);
+    linkOperand(*field.LikedOperand(), 3, 1);
     Bytes image = test::scanTableImage(static_cast<uint8_t>(field.GetVarSegmentType()), field.GetVarBinData(0), 42);
     clsProtocolScanNumericVar loaded;
     loaded.SetVarBinData(image, 44);
@@ -291,7 +291,7 @@ TEST_F(ScanNumericVarTest, AddNullSurvivesARoundTripOnlyInTheStreamForm) {
 
 TEST_F(ScanNumericVarTest, LinkedDecimalPointOperandSurvivesOnlyInTheAsciiForm) {
     clsProtocolScanNumericVar ascii;
-    link(*ascii.DecimalPointOperand(), 5, 33);
+    linkOperand(*ascii.DecimalPointOperand(), 5, 33);
     Bytes asciiImage =
         test::scanTableImage(static_cast<uint8_t>(ascii.GetVarSegmentType()), ascii.GetVarBinData(0), 42);
     clsProtocolScanNumericVar loadedAscii;
@@ -303,7 +303,7 @@ TEST_F(ScanNumericVarTest, LinkedDecimalPointOperandSurvivesOnlyInTheAsciiForm) 
     clsProtocolScanNumericVar stream;
     stream.StreamForm(1);
     stream.VarFormat(3);
-    link(*stream.DecimalPointOperand(), 5, 33);
+    linkOperand(*stream.DecimalPointOperand(), 5, 33);
     Bytes streamImage =
         test::scanTableImage(static_cast<uint8_t>(stream.GetVarSegmentType()), stream.GetVarBinData(0), 42);
     clsProtocolScanNumericVar loadedStream;
@@ -318,7 +318,7 @@ TEST_F(ScanNumericVarTest, StreamFieldRoundTripsItsStreamSettings) {
     field.VarFormat(3);
     field.StreamVectorLength(12);
     field.CopyBytesFormat(5);
-    link(*field.LikedOperand(), 16, 0x0FFF);
+    linkOperand(*field.LikedOperand(), 16, 0x0FFF);
     Bytes image = test::scanTableImage(static_cast<uint8_t>(field.GetVarSegmentType()), field.GetVarBinData(0), 66);
     clsProtocolScanNumericVar loaded;
     loaded.SetVarBinData(image, 68);
@@ -352,13 +352,13 @@ TEST_F(ScanNumericVarTest, FindOnlyListsEachLinkedOperand) {
     field.AddOperandsToFindOnlyCollection(none);
     EXPECT_EQ(none.Count(), 0);
 
-    link(*field.DecimalPointOperand(), 3, 2);
+    linkOperand(*field.DecimalPointOperand(), 3, 2);
     OperandCollection one;
     field.AddOperandsToFindOnlyCollection(one);
     ASSERT_EQ(one.Count(), 1);
     EXPECT_EQ(one.Item(L"1").get(), field.DecimalPointOperand().get());
 
-    link(*field.LikedOperand(), 3, 1);
+    linkOperand(*field.LikedOperand(), 3, 1);
     OperandCollection both;
     field.AddOperandsToFindOnlyCollection(both);
     ASSERT_EQ(both.Count(), 2);
@@ -368,12 +368,12 @@ TEST_F(ScanNumericVarTest, FindOnlyListsEachLinkedOperand) {
 
 TEST_F(ScanNumericVarTest, ReplaceOperandsTestsBothOperands) {
     clsProtocolScanNumericVar field;
-    link(*field.LikedOperand(), 3, 10);
-    link(*field.DecimalPointOperand(), 3, 10);
+    linkOperand(*field.LikedOperand(), 3, 10);
+    linkOperand(*field.DecimalPointOperand(), 3, 10);
     field.ReplaceOperands(0, 3, 10, 20);
     EXPECT_EQ(field.LikedOperand()->OperandAddress(), 20);
     EXPECT_EQ(field.DecimalPointOperand()->OperandAddress(), 20);
-    link(*field.DecimalPointOperand(), 5, 20);
+    linkOperand(*field.DecimalPointOperand(), 5, 20);
     field.ReplaceOperands(0, 5, 20, 30);
     EXPECT_EQ(field.LikedOperand()->OperandAddress(), 20);
     EXPECT_EQ(field.DecimalPointOperand()->OperandAddress(), 30);
@@ -394,8 +394,8 @@ TEST_F(ScanNumericVarTest, ReplicaClonesBothOperandsAndCopiesEverythingElse) {
     field.StreamVectorLength(8);
     field.CopyBytesFormat(1);
     field.AddNullToEndOfStream(true);
-    link(*field.LikedOperand(), 5, 1);
-    link(*field.DecimalPointOperand(), 16, 2);
+    linkOperand(*field.LikedOperand(), 5, 1);
+    linkOperand(*field.DecimalPointOperand(), 16, 2);
 
     auto replica = std::dynamic_pointer_cast<clsProtocolScanNumericVar>(field.GetReplica());
     ASSERT_TRUE(replica);
@@ -424,7 +424,7 @@ TEST_F(ScanNumericVarTest, ShortRecordRaisesSubscriptError) {
     Bytes image(2 + 2 + 15, 0);  // entry cut before record byte 15
     image[2] = 1;
     clsProtocolScanNumericVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 2); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 2); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.VarFormat(), 0);
     EXPECT_EQ(field.Length(), 5);
 }

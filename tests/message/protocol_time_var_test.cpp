@@ -8,7 +8,7 @@
 namespace qx {
 namespace {
 
-using test::errorNumberOf;
+using test::runtimeErrorOf;
 
 class TimeVarTest : public ::testing::Test {
 protected:
@@ -47,7 +47,7 @@ TEST_F(TimeVarTest, RecordIs17BytesWithTheFormatInByte1) {
 TEST_F(TimeVarTest, FormatAboveAByteOverflows) {
     clsProtocolTimeVar field;
     field.TimeFormatType(300);
-    EXPECT_EQ(errorNumberOf([&] { field.GetVarBinData(0); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { field.GetVarBinData(0); }), err::Overflow);
 }
 
 TEST_F(TimeVarTest, LoadReadsTheFormatTwoBytesBehindTheTypeByte) {
@@ -71,8 +71,8 @@ TEST_F(TimeVarTest, FieldRoundTripsThroughTheSegmentTable) {
 TEST_F(TimeVarTest, ShortRecordRaisesSubscriptError) {
     Bytes image{4, 0};
     clsProtocolTimeVar field;
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
-    EXPECT_EQ(errorNumberOf([&] { field.SetVarBinData(image, -3); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, -3); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.TimeFormatType(), 0);
 }
 

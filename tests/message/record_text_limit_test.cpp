@@ -6,18 +6,12 @@
 #include "message/protocol_list_text_var.h"
 #include "platform/host_context.h"
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
-int32_t errorOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const RuntimeError& e) {
-        return e.Number();
-    }
-    return -1;
-}
+using test::runtimeErrorOf;
 
 // A list record at 0 with one text of the given length at 16, then its byte 0.
 Bytes listRecordWithText(size_t length) {
@@ -54,7 +48,7 @@ TEST(RecordTextLimit, ListTextWithoutItsEndWithin255BytesIsRefused) {
     ScopedHostContext context;
     clsProtocolistTextVar field;
     Bytes image = listRecordWithText(256);
-    EXPECT_EQ(errorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { field.SetVarBinData(image, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(field.Texts(), std::vector<std::wstring>{L""});
 }
 
@@ -68,7 +62,7 @@ TEST(RecordTextLimit, BinaryTextOf255CharactersLoadsAndOneMoreIsRefused) {
 
     clsProtocolBinaryVar refused;
     Bytes tooLong = binaryRecordWithText(256);
-    EXPECT_EQ(errorOf([&] { refused.SetVarBinData(tooLong, 0); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { refused.SetVarBinData(tooLong, 0); }), err::SubscriptOutOfRange);
     EXPECT_EQ(refused.TextFor0(), L"");
 }
 
@@ -76,12 +70,12 @@ TEST(RecordTextLimit, TextOffsetBeyondSixteenBitsIsAnOverflow) {
     ScopedHostContext context;
     clsProtocolBinaryVar binary;
     binary.TextFor0(L"ab");
-    EXPECT_EQ(errorOf([&] { binary.GetVarBinData(65535 - 18 + 1); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { binary.GetVarBinData(65535 - 18 + 1); }), err::Overflow);
     EXPECT_EQ(binary.GetVarBinData(65535 - 18 - 3).size(), 18u + 3u + 1u);
 
     clsProtocolistTextVar list;
     list.Texts({L"abc"});
-    EXPECT_EQ(errorOf([&] { list.GetVarBinData(65535); }), err::Overflow);
+    EXPECT_EQ(runtimeErrorOf([&] { list.GetVarBinData(65535); }), err::Overflow);
 }
 
 }  // namespace

@@ -3,18 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
-int errorNumber(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::runtimeErrorOf;
 
 TEST(ByteReader, ReadsLittleEndianValues) {
     Bytes data{0x01, 0x02, 0x03, 0x04, 0xFF};
@@ -28,12 +22,12 @@ TEST(ByteReader, ReadsLittleEndianValues) {
 TEST(ByteReader, ReadOutsideTheBlockIsSubscriptOutOfRange) {
     Bytes data{1, 2, 3};
     ByteReader in(data);
-    EXPECT_EQ(errorNumber([&] { in.u8(3); }), 9);
-    EXPECT_EQ(errorNumber([&] { in.u8(-1); }), 9);
-    EXPECT_EQ(errorNumber([&] { in.u16(2); }), 9);
-    EXPECT_EQ(errorNumber([&] { in.u32(0); }), 9);
-    EXPECT_EQ(errorNumber([&] { in.u32(INT64_MAX); }), 9);
-    EXPECT_EQ(errorNumber([] { ByteReader(Bytes{}).u8(0); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.u8(3); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.u8(-1); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.u16(2); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.u32(0); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.u32(INT64_MAX); }), 9);
+    EXPECT_EQ(runtimeErrorOf([] { ByteReader(Bytes{}).u8(0); }), 9);
 }
 
 TEST(ByteReader, UntilZeroStopsAtTheFirstZeroAndFailsWithoutOne) {
@@ -41,14 +35,14 @@ TEST(ByteReader, UntilZeroStopsAtTheFirstZeroAndFailsWithoutOne) {
     ByteReader in(data);
     EXPECT_EQ(in.untilZero(0), (Bytes{'A', 'B'}));
     EXPECT_EQ(in.untilZero(2), Bytes{});
-    EXPECT_EQ(errorNumber([&] { in.untilZero(3); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.untilZero(3); }), 9);
 }
 
 TEST(ByteReader, UntilZeroLooksNoFurtherThanItsLimit) {
     Bytes data{'A', 'B', 'C', 0};
     ByteReader in(data);
     EXPECT_EQ(in.untilZero(0, 3), (Bytes{'A', 'B', 'C'}));
-    EXPECT_EQ(errorNumber([&] { in.untilZero(0, 2); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.untilZero(0, 2); }), 9);
     EXPECT_EQ(in.untilZero(3, 0), Bytes{});
 }
 
@@ -67,17 +61,17 @@ TEST(ByteWriter, WritesLittleEndianAndGrowsWithZeros) {
 TEST(ByteWriter, ValueThatDoesNotFitIsOverflow) {
     Bytes data(4, 0);
     ByteWriter out(data);
-    EXPECT_EQ(errorNumber([&] { out.u8(0, 256); }), 6);
-    EXPECT_EQ(errorNumber([&] { out.u8(0, -1); }), 6);
-    EXPECT_EQ(errorNumber([&] { out.u16(0, 65536); }), 6);
+    EXPECT_EQ(runtimeErrorOf([&] { out.u8(0, 256); }), 6);
+    EXPECT_EQ(runtimeErrorOf([&] { out.u8(0, -1); }), 6);
+    EXPECT_EQ(runtimeErrorOf([&] { out.u16(0, 65536); }), 6);
     EXPECT_EQ(data, Bytes(4, 0));
 }
 
 TEST(ByteWriter, WriteOutsideTheBlockIsSubscriptOutOfRange) {
     Bytes data(2, 0);
     ByteWriter out(data);
-    EXPECT_EQ(errorNumber([&] { out.u8(2, 1); }), 9);
-    EXPECT_EQ(errorNumber([&] { out.copy(1, Bytes{1, 2}); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { out.u8(2, 1); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { out.copy(1, Bytes{1, 2}); }), 9);
 }
 
 }  // namespace

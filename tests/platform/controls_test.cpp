@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cwctype>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,18 +10,12 @@
 #include "platform/form.h"
 #include "platform/runtime_error.h"
 #include "platform/text_box.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
-int32_t errorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RuntimeError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::runtimeErrorOf;
 
 // A form that holds one control of each kind and logs its key preview.
 class PanelForm : public Form {
@@ -200,9 +193,9 @@ TEST(TextBoxModel, SelLengthIsClampedToWhatFollowsTheCaret) {
 
 TEST(TextBoxModel, NegativeSelectionValuesAreInvalidPropertyValues) {
     TextBox box(L"txt");
-    EXPECT_EQ(errorNumberOf([&] { box.SelStart(-1); }), 380);
-    EXPECT_EQ(errorNumberOf([&] { box.SelLength(-1); }), 380);
-    EXPECT_EQ(errorNumberOf([&] { box.MaxLength(-1); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { box.SelStart(-1); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { box.SelLength(-1); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { box.MaxLength(-1); }), 380);
 }
 
 TEST(TextBoxModel, SelTextFromCodeIgnoresMaxLength) {
@@ -333,18 +326,18 @@ TEST(ComboBoxModel, ListIndexOutsideTheListIsAnInvalidPropertyValueAndKeepsTheCh
     ComboBox combo(L"cb");
     combo.AddItem(L"one", 1);
     combo.ListIndex(0);
-    EXPECT_EQ(errorNumberOf([&] { combo.ListIndex(1); }), 380);
-    EXPECT_EQ(errorNumberOf([&] { combo.ListIndex(-2); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { combo.ListIndex(1); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { combo.ListIndex(-2); }), 380);
     EXPECT_EQ(combo.ListIndex(), 0);
 }
 
 TEST(ComboBoxModel, BadItemIndexIsAnInvalidArrayIndex) {
     ComboBox combo(L"cb");
     combo.AddItem(L"one", 1);
-    EXPECT_EQ(errorNumberOf([&] { (void)combo.ItemData(1); }), 381);
-    EXPECT_EQ(errorNumberOf([&] { (void)combo.ItemData(-1); }), 381);
-    EXPECT_EQ(errorNumberOf([&] { (void)combo.List(5); }), 381);
-    EXPECT_EQ(errorNumberOf([&] { combo.ItemData(2, 0); }), 381);
+    EXPECT_EQ(runtimeErrorOf([&] { (void)combo.ItemData(1); }), 381);
+    EXPECT_EQ(runtimeErrorOf([&] { (void)combo.ItemData(-1); }), 381);
+    EXPECT_EQ(runtimeErrorOf([&] { (void)combo.List(5); }), 381);
+    EXPECT_EQ(runtimeErrorOf([&] { combo.ItemData(2, 0); }), 381);
 }
 
 TEST(ComboBoxModel, ClearEmptiesTheListWithoutClick) {
@@ -410,8 +403,8 @@ TEST(CheckBoxModel, SettingValueRaisesClickWhenItChanges) {
 
 TEST(CheckBoxModel, ValueOutsideZeroToTwoIsAnInvalidPropertyValue) {
     CheckBox box(L"ck");
-    EXPECT_EQ(errorNumberOf([&] { box.Value(3); }), 380);
-    EXPECT_EQ(errorNumberOf([&] { box.Value(-1); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { box.Value(3); }), 380);
+    EXPECT_EQ(runtimeErrorOf([&] { box.Value(-1); }), 380);
     EXPECT_EQ(box.Value(), 0);
 }
 
@@ -605,8 +598,8 @@ public:
 
 TEST(ControlModel, ControlWithoutAFontRefusesTheFontProperty) {
     FontlessControl control;
-    EXPECT_EQ(errorNumberOf([&] { (void)control.Font(); }), 438);
-    EXPECT_EQ(errorNumberOf([&] { control.Font(qx::Font{}); }), 438);
+    EXPECT_EQ(runtimeErrorOf([&] { (void)control.Font(); }), 438);
+    EXPECT_EQ(runtimeErrorOf([&] { control.Font(qx::Font{}); }), 438);
 }
 
 }  // namespace

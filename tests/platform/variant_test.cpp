@@ -3,18 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
-int errorNumber(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::runtimeErrorOf;
 
 TEST(Variant, EmptyCountsAsZero) {
     Variant v;
@@ -32,9 +26,9 @@ TEST(Variant, BooleanIsMinusOneAtANumericBoundary) {
 TEST(Variant, TextConvertsToNumberOrIsTypeMismatch) {
     EXPECT_EQ(Variant(L" 100 ").ToI4(), 100);
     EXPECT_EQ(textToI4(L"-7"), -7);
-    EXPECT_EQ(errorNumber([] { textToI4(L""); }), 13);
-    EXPECT_EQ(errorNumber([] { textToI4(L"12a"); }), 13);
-    EXPECT_EQ(errorNumber([] { textToI4(L"99999999999"); }), 6);
+    EXPECT_EQ(runtimeErrorOf([] { textToI4(L""); }), 13);
+    EXPECT_EQ(runtimeErrorOf([] { textToI4(L"12a"); }), 13);
+    EXPECT_EQ(runtimeErrorOf([] { textToI4(L"99999999999"); }), 6);
 }
 
 TEST(Variant, EqualityComparesKindAndValue) {

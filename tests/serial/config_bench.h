@@ -6,11 +6,10 @@
 #include <vector>
 
 #include "framework/host_contract.h"
-#include "platform/fb_instances_double.h"
 #include "platform/form.h"
-#include "platform/host_context.h"
 #include "serial/frm_protocol_config.h"
 #include "serial/protocol_config.h"
+#include "support/operation_bench.h"
 
 namespace qx::testing_config {
 
@@ -37,11 +36,7 @@ public:
 
 // A linked operand as the host hands it back with a stored project.
 inline OperandPtr linkedOperand(int32_t type, int32_t address, const std::wstring& description) {
-    OperandPtr operand = newOperand();
-    operand->IsNew(false);
-    operand->OperandMode(1);
-    operand->OperandType(type);
-    operand->OperandAddress(address);
+    OperandPtr operand = test::linkedOperand(type, address);
     operand->OperandDescription(description);
     return operand;
 }
@@ -55,30 +50,16 @@ inline OperandChoice choice(int32_t type, int32_t address, const std::wstring& d
     return picked;
 }
 
-struct ConfigBench {
-    ScopedHostContext context;
+struct ConfigBench : test::OperationBench<clsProtocolConfig> {
     ScriptedModalDriver& driver = *context->Script();
-    std::shared_ptr<FBInstancesDouble> instances = std::make_shared<FBInstancesDouble>();
-    std::shared_ptr<clsProtocolConfig> config = std::make_shared<clsProtocolConfig>();
+    std::shared_ptr<clsProtocolConfig>& config = operation;
 
-    ConfigBench() {
-        SerialFatherStub father;
-        config->itfFBMethod_InitProperties(father);
-        config->itfFBMethod_Init(instances);
-    }
-
-    // A Config just placed in a net.
-    void makeNew() {
-        config->itfFBMethod_CreateDummyOperands();
-        config->itfFBMethod_BuildOperands();
-    }
+    ConfigBench() : OperationBench(SerialFatherStub{}) {}
 
     // A Config of a stored project, both operands linked; returns its instance number.
     int32_t reopen(const std::wstring& name, const Bytes& image) {
         int32_t number = instances->Seed(name);
-        auto out = std::make_shared<OperandCollection>();
-        out->Add(linkedOperand(1, 10, L"Busy"), L"1");
-        out->Add(linkedOperand(3, 20, L"State"), L"2");
+        auto out = test::storedOperands({linkedOperand(1, 10, L"Busy"), linkedOperand(3, 20, L"State")});
         config->itfFBMethod_InOperands(std::make_shared<OperandCollection>());
         config->itfFBMethod_OutOperands(out);
         config->itfFBMethod_BinaryOperands(image);
@@ -86,8 +67,6 @@ struct ConfigBench {
         config->itfFBMethod_BuildOperands();
         return number;
     }
-
-    OperandPtr operand(int32_t index) { return config->itfFBMethod_OutOperands()->Item(index); }
 
     void onDialog(std::function<void(frmProtocolConfig&)> script) {
         driver.QueueDialog(scriptFor<frmProtocolConfig>(std::move(script)));

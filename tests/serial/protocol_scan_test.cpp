@@ -9,69 +9,27 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "sets/set_test_support.h"
+#include "support/operation_bench.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
 using test::concat;
+using test::linkedOperand;
 using test::runtimeErrorOf;
 using test::zeros;
 
-OperandPtr linkedOperand(int32_t type, int32_t address) {
-    OperandPtr operand = newOperand();
-    operand->OperandMode(1);
-    test::linkOperand(*operand, type, address);
-    return operand;
-}
-
 // A Scan as the host drives it, with a fresh host context and the host's
 // instances double.
-struct ScanBench {
-    ScopedHostContext context;
-    std::shared_ptr<FBInstancesDouble> instances = std::make_shared<FBInstancesDouble>();
-    std::shared_ptr<clsProtocolscan> scan = std::make_shared<clsProtocolscan>();
+struct ScanBench : test::OperationBench<clsProtocolscan> {
+    std::shared_ptr<clsProtocolscan>& scan = operation;
 
-    ScanBench() {
-        test::FatherStub father(170100);
-        scan->itfFBMethod_InitProperties(father);
-        scan->itfFBMethod_Init(instances);
-    }
-
-    void makeNew() {
-        scan->itfFBMethod_CreateDummyOperands();
-        scan->itfFBMethod_BuildOperands();
-    }
-
-    // The Lets of a stored project, without BuildOperands.
-    void letBlocks(const OperandCollectionPtr& out, const Bytes& image) {
-        int32_t config = instances->Seed(L"Line1");
-        scan->itfFBMethod_InOperands(std::make_shared<OperandCollection>());
-        scan->itfFBMethod_OutOperands(out);
-        scan->itfFBMethod_BinaryOperands(image);
-        scan->itfFBMethod_HexFileVersion(100);
-        scan->itfFBMethod_FatherInstanceNum(config);
-    }
+    ScanBench() : OperationBench(170100, L"Line1") {}
 
     // A stored Scan whose three operands are linked to bit 5, MI 5 and MI 5.
     OperandCollectionPtr reopen(const Bytes& image) {
-        auto out = std::make_shared<OperandCollection>();
-        out->Add(linkedOperand(1, 5), L"1");
-        out->Add(linkedOperand(3, 5), L"2");
-        out->Add(linkedOperand(3, 5), L"3");
-        letBlocks(out, image);
-        scan->itfFBMethod_BuildOperands();
-        return out;
-    }
-
-    OperandPtr operand(int32_t index) { return scan->itfFBMethod_OutOperands()->Item(index); }
-
-    void replace(int32_t netID, int32_t type, int32_t address, int32_t newAddress) {
-        VariantArray params{Variant(L"ReplaceFindOnlyOperand"), Variant(netID), Variant(type), Variant(address),
-                            Variant(newAddress)};
-        scan->itfFBMethod_Execute(params);
+        return reopenWith(test::storedOperands({linkedOperand(1, 5), linkedOperand(3, 5), linkedOperand(3, 5)}), image);
     }
 };
 

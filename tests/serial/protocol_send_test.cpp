@@ -8,9 +8,8 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "sets/set_test_support.h"
+#include "support/operation_bench.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -21,39 +20,13 @@ using test::zeros;
 
 // A Send as the host drives it, with a fresh host context and the host's
 // instances double.
-struct SendBench {
-    ScopedHostContext context;
-    std::shared_ptr<FBInstancesDouble> instances = std::make_shared<FBInstancesDouble>();
-    std::shared_ptr<clsProtocolSend> send = std::make_shared<clsProtocolSend>();
+struct SendBench : test::OperationBench<clsProtocolSend> {
+    std::shared_ptr<clsProtocolSend>& send = operation;
 
-    SendBench() {
-        test::FatherStub father(170100);
-        send->itfFBMethod_InitProperties(father);
-        send->itfFBMethod_Init(instances);
-    }
-
-    // A Send just placed in a net.
-    void makeNew() {
-        send->itfFBMethod_CreateDummyOperands();
-        send->itfFBMethod_BuildOperands();
-    }
+    SendBench() : OperationBench(170100, L"Line1") {}
 
     // A Send of a stored project: the Lets of its blocks, then BuildOperands.
-    void reopen(const Bytes& image) {
-        int32_t config = instances->Seed(L"Line1");
-        send->itfFBMethod_InOperands(std::make_shared<OperandCollection>());
-        send->itfFBMethod_OutOperands(std::make_shared<OperandCollection>());
-        send->itfFBMethod_BinaryOperands(image);
-        send->itfFBMethod_HexFileVersion(100);
-        send->itfFBMethod_FatherInstanceNum(config);
-        send->itfFBMethod_BuildOperands();
-    }
-
-    void replace(int32_t netID, int32_t type, int32_t address, int32_t newAddress) {
-        VariantArray params{Variant(L"ReplaceFindOnlyOperand"), Variant(netID), Variant(type), Variant(address),
-                            Variant(newAddress)};
-        send->itfFBMethod_Execute(params);
-    }
+    void reopen(const Bytes& image) { reopenWith(std::make_shared<OperandCollection>(), image); }
 };
 
 // Bytes 1 to 14 of the end-of-message checksum at its defaults: decimal text,

@@ -1,28 +1,14 @@
-// Helpers of the message set tests: writing text into a message as typing
-// would leave it, linking an operand as the picker would, asserting on the
-// number of a RuntimeError, and a host operation that answers a MethodID.
+// Helpers of the message set tests: the shared test helpers, and writing text
+// into a message as typing would leave it.
 #pragma once
-#include <gtest/gtest.h>
-
+#include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 
-#include "framework/fb_method_base.h"
 #include "message/protocol_message.h"
-#include "platform/operand.h"
-#include "platform/runtime_error.h"
+#include "support/test_helpers.h"
 
 namespace qx::test {
-
-// Byte images written out part by part, in the order of their layout.
-inline Bytes concat(std::initializer_list<Bytes> parts) {
-    Bytes out;
-    for (const Bytes& part : parts) out.insert(out.end(), part.begin(), part.end());
-    return out;
-}
-
-inline Bytes zeros(size_t count) { return Bytes(count, 0); }
 
 // Puts the text at the position of the message's 500 characters.
 inline void putText(clsProtocolMessage& message, int32_t position, const std::wstring& text) {
@@ -30,60 +16,5 @@ inline void putText(clsProtocolMessage& message, int32_t position, const std::ws
     all.replace(static_cast<size_t>(position), text.size(), text);
     message.MessageString(all);
 }
-
-inline void linkOperand(clsOperand& operand, int32_t type, int32_t address, int32_t netId = 0) {
-    operand.OperandType(type);
-    operand.OperandAddress(address);
-    operand.OperandNetID(netId);
-    operand.IsNew(false);
-}
-
-// Runs the call and gives the number of the RuntimeError it raised; -1 when
-// it raised none. Any other exception fails the test.
-template <class F>
-int32_t runtimeErrorOf(F&& call) {
-    try {
-        call();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return -1;
-}
-
-// A family that answers only what an operation asks of it at InitProperties.
-class FatherStub : public itfFBFather {
-public:
-    explicit FatherStub(int32_t fatherID) : fatherID_(fatherID) {}
-    MethodCollectionPtr itfFBFather_GetFBmethodsCollection() override { return nullptr; }
-    MethodPtr itfFBFather_GetFBMethodObject(int32_t) override { return nullptr; }
-    std::wstring itfFBFather_FatherName() override { return L"Stub"; }
-    std::wstring itfFBFather_Title() override { return L"STUB"; }
-    std::wstring itfFBFather_Description() override { return L""; }
-    int32_t itfFBFather_FatherID() override { return fatherID_; }
-    int32_t itfFBFather_InstanceType() override { return 0; }
-    std::vector<int32_t> itfFBFather_HexFileVersionsList() override { return {}; }
-    int32_t itfFBFather_CurrentHexFileVersion() override { return 100; }
-    PicturePtr itfFBFather_MenuIcon() override { return nullptr; }
-    Bytes itfFBFather_AdditionalData() override { return {}; }
-    void itfFBFather_AdditionalData(const Bytes&) override {}
-    FBHexFileDetails itfFBFather_GetHexFileDetails(int32_t) override { return {}; }
-    void itfFBFather_InitProperties(itfFBGate&) override {}
-    void itfFBFather_PrintFB(const Variant&) override {}
-    void itfFBFather_Execute(const Variant&) override {}
-
-private:
-    int32_t fatherID_;
-};
-
-// An operation with a method number and nothing else, to hand a set as Edit would.
-class MethodStub : public FBMethodBase {
-public:
-    MethodStub(int32_t fatherID, int32_t methodNumber)
-        : FBMethodBase(FBMethodInfo{methodNumber, L"STUB", L"", 0, 0, 0, true, false, {}}) {
-        FatherStub father(fatherID);
-        itfFBMethod_InitProperties(father);
-    }
-    void itfFBMethod_EditOperands() override {}
-};
 
 }  // namespace qx::test

@@ -9,52 +9,25 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "sets/set_test_support.h"
+#include "support/operation_bench.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
 using test::concat;
+using test::linkedOperand;
 using test::runtimeErrorOf;
 using test::zeros;
-
-OperandPtr linkedOperand(int32_t type, int32_t address) {
-    OperandPtr operand = newOperand();
-    operand->OperandMode(1);
-    test::linkOperand(*operand, type, address);
-    return operand;
-}
 
 constexpr int32_t kTypes[] = {1, 3, 3, 3, 3};
 constexpr int32_t kTexts[] = {616, 32, 33, 595, 615};
 
-struct EthScanBench {
-    ScopedHostContext context;
-    std::shared_ptr<FBInstancesDouble> instances = std::make_shared<FBInstancesDouble>();
-    std::shared_ptr<clsEthProtocolScan> scan = std::make_shared<clsEthProtocolScan>();
+// The stored project of a TCP/IP Scan names hex-file version 101.
+struct EthScanBench : test::OperationBench<clsEthProtocolScan> {
+    std::shared_ptr<clsEthProtocolScan>& scan = operation;
 
-    EthScanBench() {
-        test::FatherStub father(170200);
-        scan->itfFBMethod_InitProperties(father);
-        scan->itfFBMethod_Init(instances);
-    }
-
-    void makeNew() {
-        scan->itfFBMethod_CreateDummyOperands();
-        scan->itfFBMethod_BuildOperands();
-    }
-
-    // The Lets of a stored project, in the host's order, without BuildOperands.
-    void letBlocks(const OperandCollectionPtr& out, const Bytes& image) {
-        int32_t config = instances->Seed(L"Socket1");
-        scan->itfFBMethod_InOperands(std::make_shared<OperandCollection>());
-        scan->itfFBMethod_OutOperands(out);
-        scan->itfFBMethod_BinaryOperands(image);
-        scan->itfFBMethod_HexFileVersion(101);
-        scan->itfFBMethod_FatherInstanceNum(config);
-    }
+    EthScanBench() : OperationBench(170200, L"Socket1", 101) {}
 
     // The first count operands of a stored Scan, linked to MI 5 (the flag to
     // bit 5) and keyed as the host stores them.
@@ -64,18 +37,7 @@ struct EthScanBench {
         return out;
     }
 
-    OperandCollectionPtr reopen(const Bytes& image) {
-        auto out = storedOperands(5);
-        letBlocks(out, image);
-        scan->itfFBMethod_BuildOperands();
-        return out;
-    }
-
-    void replace(int32_t netID, int32_t type, int32_t address, int32_t newAddress) {
-        VariantArray params{Variant(L"ReplaceFindOnlyOperand"), Variant(netID), Variant(type), Variant(address),
-                            Variant(newAddress)};
-        scan->itfFBMethod_Execute(params);
-    }
+    OperandCollectionPtr reopen(const Bytes& image) { return reopenWith(storedOperands(5), image); }
 };
 
 const Bytes kDefaultChecksum{1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};

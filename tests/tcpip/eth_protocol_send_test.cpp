@@ -8,62 +8,25 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "sets/set_test_support.h"
+#include "support/operation_bench.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
 
 using test::concat;
+using test::linkedOperand;
 using test::runtimeErrorOf;
 using test::zeros;
 
-OperandPtr linkedOperand(int32_t type, int32_t address) {
-    OperandPtr operand = newOperand();
-    operand->OperandMode(1);
-    test::linkOperand(*operand, type, address);
-    return operand;
-}
+struct EthSendBench : test::OperationBench<clsEthProtocolSend> {
+    std::shared_ptr<clsEthProtocolSend>& send = operation;
 
-struct EthSendBench {
-    ScopedHostContext context;
-    std::shared_ptr<FBInstancesDouble> instances = std::make_shared<FBInstancesDouble>();
-    std::shared_ptr<clsEthProtocolSend> send = std::make_shared<clsEthProtocolSend>();
-
-    EthSendBench() {
-        test::FatherStub father(170200);
-        send->itfFBMethod_InitProperties(father);
-        send->itfFBMethod_Init(instances);
-    }
-
-    void makeNew() {
-        send->itfFBMethod_CreateDummyOperands();
-        send->itfFBMethod_BuildOperands();
-    }
-
-    void letBlocks(const OperandCollectionPtr& out, const Bytes& image) {
-        int32_t config = instances->Seed(L"Socket1");
-        send->itfFBMethod_InOperands(std::make_shared<OperandCollection>());
-        send->itfFBMethod_OutOperands(out);
-        send->itfFBMethod_BinaryOperands(image);
-        send->itfFBMethod_HexFileVersion(100);
-        send->itfFBMethod_FatherInstanceNum(config);
-    }
+    EthSendBench() : OperationBench(170200, L"Socket1") {}
 
     // A stored TCP/IP Send whose flag is linked to bit 5.
     OperandCollectionPtr reopen(const Bytes& image) {
-        auto out = std::make_shared<OperandCollection>();
-        out->Add(linkedOperand(1, 5), L"1");
-        letBlocks(out, image);
-        send->itfFBMethod_BuildOperands();
-        return out;
-    }
-
-    void replace(int32_t netID, int32_t type, int32_t address, int32_t newAddress) {
-        VariantArray params{Variant(L"ReplaceFindOnlyOperand"), Variant(netID), Variant(type), Variant(address),
-                            Variant(newAddress)};
-        send->itfFBMethod_Execute(params);
+        return reopenWith(test::storedOperands({linkedOperand(1, 5)}), image);
     }
 };
 
