@@ -12,6 +12,7 @@
 #include "sets/scan_set.h"
 #include "sets/set_test_support.h"
 #include "support/image_forger.h"
+#include "support/image_parts.h"
 
 namespace qx {
 namespace {
@@ -20,15 +21,12 @@ using test::concat;
 using test::putText;
 using test::zeros;
 
-// Bytes 1 to 14 of the end-of-message checksum at its defaults.
-const Bytes kDefaultChecksum{1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
-
 // A header of a new serial Scan set (message length 1) with N messages.
 Bytes scanHeader(uint8_t count) {
     return concat({{1, 0, 0, 0},              // 0 end of message "ETX", 1..2 typed masks, 3 version
                    zeros(8),                  // 4..11 start and end characters
                    {0, 0, 1, 0, 0, 0, 1, 0},  // 12..13 lengths, 14 message length, 16 silence, 18 always 1
-                   kDefaultChecksum,          // 20..33
+                   test::kDefaultChecksum,    // 20..33
                    {count, 0}});              // 34 N
 }
 

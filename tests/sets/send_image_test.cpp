@@ -14,6 +14,7 @@
 #include "platform/host_context.h"
 #include "sets/send_set.h"
 #include "sets/set_test_support.h"
+#include "support/image_parts.h"
 
 namespace qx {
 namespace {
@@ -22,22 +23,19 @@ using test::concat;
 using test::putText;
 using test::zeros;
 
-// Bytes 1 to 14 of the end-of-message checksum at its defaults: decimal text,
-// one byte long, SUM-8, modulus 256.
-const Bytes kDefaultChecksum{1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
 // The message number forced to the constant 0; the host's first constant address is 1.
 const Bytes kSingleMessageNumber{37, 0, 0, 0, 0, 0, 1, 0};
 
 // A header with its message-number block given, copy off, no frame,
 // version 0, the default checksum and N messages.
 Bytes sendHeader(const Bytes& messageNumberBlock, uint8_t count) {
-    return concat({messageNumberBlock,  // 0..7
-                   zeros(16),           // 8..23: copy destination and copy done, copy off
-                   {0, 0, 0, 0},        // 24 version, 25 end of message, 26..27 typed masks
-                   zeros(8),            // 28..35 start and end characters
-                   {0, 0, 1, 0},        // 36..37 lengths, 38 always 1, 39
-                   kDefaultChecksum,    // 40..53
-                   {0, 0, count, 0}});  // 54 copy count, 56 N
+    return concat({messageNumberBlock,      // 0..7
+                   zeros(16),               // 8..23: copy destination and copy done, copy off
+                   {0, 0, 0, 0},            // 24 version, 25 end of message, 26..27 typed masks
+                   zeros(8),                // 28..35 start and end characters
+                   {0, 0, 1, 0},            // 36..37 lengths, 38 always 1, 39
+                   test::kDefaultChecksum,  // 40..53
+                   {0, 0, count, 0}});      // 54 copy count, 56 N
 }
 
 Bytes numericRecord(uint8_t operandType, uint8_t address) {

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
+#include "support/image_parts.h"
 #include "support/operation_bench.h"
 #include "support/test_helpers.h"
 
@@ -40,16 +41,6 @@ struct EthScanBench : test::OperationBench<clsEthProtocolScan> {
     OperandCollectionPtr reopen(const Bytes& image) { return reopenWith(storedOperands(5), image); }
 };
 
-const Bytes kDefaultChecksum{1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
-
-// A numeric field's segment entry: position, type 1, and the record of a
-// decimal with sign, one element, five digits, with the linked MI and the
-// decimal-point MI.
-Bytes numericEntry(uint8_t position, uint8_t address, uint8_t decimalPointAddress) {
-    return concat(
-        {{position, 0, 1, 0}, {3, 1, 5, 0, 3, 0, address, 0, 0, 0, 0, 0, 3, 0, decimalPointAddress, 0, 0, 0, 0, 0}});
-}
-
 // Two messages, no frame, version 0, the TCP/IP message length 0 and a
 // silence of 300 ms. Message 1 is a numeric field on MI 5 with its decimal
 // point on MI 6; message 2 the text "OK" and a numeric field on MI 8 with
@@ -60,14 +51,14 @@ const Bytes kTwoMessages = concat({
     {0, 0},                                     // 12: lengths
     {0, 0, 0x2C, 0x01},                         // 14: message length 0, silence 300
     {1, 0},                                     // 18: always 1
-    kDefaultChecksum,                           // 20: end-of-message checksum
+    test::kDefaultChecksum,                     // 20: end-of-message checksum
     {2, 0},                                     // 34: N = 2
     {40, 0, 68, 0},                             // 36: message 1 at 40, message 2 at 68
     {1, 0, 6, 0},                               // 40: one segment, no flags, length 6
-    numericEntry(0, 5, 6),                      // 44: numeric at 0
+    test::scanNumericEntry(0, 5, 6),            // 44: numeric at 0
     {2, 1, 8, 0},                               // 68: two segments, fixed text, length 8
     concat({{0, 0, 0, 0, 120, 0}, zeros(18)}),  // 72: text at 0, block at 120
-    numericEntry(2, 8, 5),                      // 96: numeric at 2
+    test::scanNumericEntry(2, 8, 5),            // 96: numeric at 2
     {0, 0, 2, 0, 'O', 'K'},                     // 120: "OK"
 });
 

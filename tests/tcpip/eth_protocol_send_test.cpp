@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "framework/runtime_catalogue.h"
+#include "support/image_parts.h"
 #include "support/operation_bench.h"
 #include "support/test_helpers.h"
 
@@ -30,12 +31,6 @@ struct EthSendBench : test::OperationBench<clsEthProtocolSend> {
     }
 };
 
-const Bytes kDefaultChecksum{1, 0, 1, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0};
-
-// A numeric field's segment entry: type 5, then the record of a decimal with
-// sign, one element, five digits, linked to an MI.
-Bytes numericEntry(uint8_t address) { return {5, 0, 3, 1, 5, 0, 0, 0, 3, 0, address, 0, 0, 0, 0, 0, 0, 0}; }
-
 // Two messages. The message number is linked to MI 5; the copy after ETX
 // (three bytes) goes to MI 6 and sets bit 5. Message 1 is a numeric field
 // linked to MI 5, message 2 the text "OK" and a numeric field linked to MI 7.
@@ -46,14 +41,14 @@ const Bytes kTwoMessages = concat({
     {0, 0, 0, 0},                         // 24: version, end of message, masks
     zeros(8),                             // 28: start and end characters
     {0, 0, 1, 0},                         // 36: lengths, always 1
-    kDefaultChecksum,                     // 40: end-of-message checksum
+    test::kDefaultChecksum,               // 40: end-of-message checksum
     {3, 0, 2, 0},                         // 54: copy count 3, N = 2
     {62, 0, 84, 0},                       // 58: message 1 at 62, message 2 at 84
     {1, 0, 0, 0},                         // 62: one segment
-    numericEntry(5),                      // 66: numeric, MI 5
+    test::sendNumericEntry(5),            // 66: numeric, MI 5
     {2, 0, 0, 0},                         // 84: two segments
     concat({{0, 0, 124, 0}, zeros(14)}),  // 88: fixed text at 124
-    numericEntry(7),                      // 106: numeric, MI 7
+    test::sendNumericEntry(7),            // 106: numeric, MI 7
     {0, 0, 2, 0, 'O', 'K'},               // 124: "OK"
     {0, 0},                               // 130: the spare byte and the even end
 });
