@@ -24,15 +24,7 @@ const std::wstring kNoResult = L"NO RESULT";
 const std::wstring kNewLine = L"\r\n";
 
 void report(const std::wstring& name, int64_t number, const std::wstring& text, const std::wstring& procedure) {
-    ErrorReport entry;
-    entry.Name = name;
-    entry.Number = number;
-    entry.Text = text;
-    entry.Source = kComponentName;
-    entry.Module = kModuleName;
-    entry.Procedure = procedure;
-    entry.Severity = kReportSeverity;
-    clsErrorReporter().Report(entry);
+    clsErrorReporter().Report({name, number, text, kComponentName, kModuleName, procedure, kReportSeverity});
 }
 
 // The file is there but cannot be read.

@@ -18,15 +18,7 @@ constexpr int64_t kWrongLengthNumber = 0x80040006LL;
 
 void report(const std::wstring& name, int64_t number, const std::wstring& text, const std::wstring& project,
             const std::wstring& module, const std::wstring& procedure) {
-    ErrorReport entry;
-    entry.Name = name;
-    entry.Number = number;
-    entry.Text = text;
-    entry.Source = project;
-    entry.Module = module;
-    entry.Procedure = procedure;
-    entry.Severity = kReportSeverity;
-    clsErrorReporter().Report(entry);
+    clsErrorReporter().Report({name, number, text, project, module, procedure, kReportSeverity});
 }
 
 // The host's conversion of a fixed-point value to a 32-bit integer: to the
