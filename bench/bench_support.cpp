@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "message/protocol_date_var.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
+#include "platform/runtime_error.h"
 
 namespace qx::bench {
 
@@ -106,17 +108,35 @@ std::unique_ptr<Set> denseSet(int32_t run, Fields fields) {
     return set;
 }
 
-// The longest runs whose image stays within 65535 bytes.
+// The longest runs whose image stays within 65535 bytes. A set whose
+// offsets would pass that is refused by the writer with an overflow, which
+// here only means "try shorter runs".
 template <class Set, class Fields>
 std::unique_ptr<Set> largestDenseSet(Fields fields) {
-    for (int32_t run = 120; run > 0; --run) {
+    for (int32_t run = 120; run >= 0; --run) {
         auto set = denseSet<Set>(run, fields);
-        if (set->BinaryData().size() <= LargestImage) return set;
+        try {
+            if (set->BinaryData().size() <= LargestImage) return set;
+        } catch (const RuntimeError& error) {
+            if (error.Number() != err::Overflow) throw;
+        }
     }
-    return denseSet<Set>(0, fields);
+    throw std::logic_error("no dense set fits a 16-bit image");
 }
 
 }  // namespace
+
+benchmark::internal::Benchmark* registerGuarded(const char* name, void (*body)(benchmark::State&)) {
+    return benchmark::RegisterBenchmark(name, [body](benchmark::State& state) {
+        try {
+            body(state);
+        } catch (const std::exception& error) {
+            state.SkipWithError(error.what());
+        } catch (...) {
+            state.SkipWithError("unknown exception");
+        }
+    });
+}
 
 ThreadCpuClock::time_point ThreadCpuClock::now() noexcept {
     timespec slot{};

@@ -19,6 +19,15 @@ namespace qx::bench {
 
 inline constexpr size_t LargestImage = 65535;
 
+// Registers a benchmark whose exceptions end it with SkipWithError, so that
+// the run goes on, the failure is printed under its name, and the program
+// exits with 1 (bench_main.cpp) instead of terminating.
+benchmark::internal::Benchmark* registerGuarded(const char* name, void (*body)(benchmark::State&));
+
+#define QXFB_BENCHMARK(body) \
+    [[maybe_unused]] static ::benchmark::internal::Benchmark* const qxfb_registered_##body = \
+        ::qx::bench::registerGuarded(#body, body)
+
 // The CPU time of the calling thread. The machine is shared, so both sides
 // of a ratio are taken in CPU time: waiting for a core counts in neither.
 struct ThreadCpuClock {

@@ -42,10 +42,10 @@ void BM_SendImageRead(benchmark::State& state) { readImage<clsProtocolSendSrv>(s
 void BM_ScanImageWrite(benchmark::State& state) { writeImage<clsProtocolScanSrv>(state, denseScanSet); }
 void BM_ScanImageRead(benchmark::State& state) { readImage<clsProtocolScanSrv>(state, denseScanSet); }
 
-BENCHMARK(BM_SendImageWrite)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_SendImageRead)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ScanImageWrite)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ScanImageRead)->Unit(benchmark::kMicrosecond);
+QXFB_BENCHMARK(BM_SendImageWrite)->Unit(benchmark::kMicrosecond);
+QXFB_BENCHMARK(BM_SendImageRead)->Unit(benchmark::kMicrosecond);
+QXFB_BENCHMARK(BM_ScanImageWrite)->Unit(benchmark::kMicrosecond);
+QXFB_BENCHMARK(BM_ScanImageRead)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace qx::bench

@@ -64,9 +64,9 @@ void BM_GetSegmentsFullMessage(benchmark::State& state) {
     state.counters["segments"] = static_cast<double>(segments);
 }
 
-BENCHMARK(BM_InsertCharFullMessage);
-BENCHMARK(BM_DeleteByPositionFullMessage);
-BENCHMARK(BM_GetSegmentsFullMessage);
+QXFB_BENCHMARK(BM_InsertCharFullMessage);
+QXFB_BENCHMARK(BM_DeleteByPositionFullMessage);
+QXFB_BENCHMARK(BM_GetSegmentsFullMessage);
 
 }  // namespace
 }  // namespace qx::bench

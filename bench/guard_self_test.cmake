@@ -1,0 +1,17 @@
+# Runs the self-test benchmarks and checks the exit code and what was printed.
+set(ENV{QXFB_BENCH_SELF_TEST} 1)
+execute_process(COMMAND ${BENCH} --benchmark_filter=GuardSelfTest --benchmark_min_time=0.001
+  RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
+message("${out}${err}")
+if(NOT code EQUAL 1)
+  message(FATAL_ERROR "expected exit code 1, got ${code}")
+endif()
+if(NOT out MATCHES "BM_GuardSelfTestThrows[^\n]*thrown on purpose by the self-test")
+  message(FATAL_ERROR "the throwing benchmark was not reported with its message")
+endif()
+if(NOT out MATCHES "BM_GuardSelfTestRunsAfter[ ]+[0-9.]+ ns")
+  message(FATAL_ERROR "the benchmark after the throwing one did not run")
+endif()
+if(NOT err MATCHES "1 benchmark\\(s\\) failed")
+  message(FATAL_ERROR "the failure count was not printed")
+endif()
