@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -13,7 +14,7 @@
 #include "message/protocol_date_var.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 
 namespace qx::bench {
 
@@ -126,17 +127,25 @@ std::unique_ptr<Set> largestDenseSet(Fields fields) {
 
 }  // namespace
 
+namespace {
+std::atomic<int> failures{0};
+}  // namespace
+
 benchmark::internal::Benchmark* registerGuarded(const char* name, void (*body)(benchmark::State&)) {
     return benchmark::RegisterBenchmark(name, [body](benchmark::State& state) {
         try {
             body(state);
         } catch (const std::exception& error) {
+            ++failures;
             state.SkipWithError(error.what());
         } catch (...) {
+            ++failures;
             state.SkipWithError("unknown exception");
         }
     });
 }
+
+int failedBenchmarks() { return failures.load(); }
 
 ThreadCpuClock::time_point ThreadCpuClock::now() noexcept {
     timespec slot{};

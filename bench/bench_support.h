@@ -23,8 +23,10 @@ inline constexpr size_t LargestImage = 65535;
 // the run goes on, the failure is printed under its name, and the program
 // exits with 1 (bench_main.cpp) instead of terminating.
 benchmark::internal::Benchmark* registerGuarded(const char* name, void (*body)(benchmark::State&));
+// How many guarded benchmarks threw in this run.
+int failedBenchmarks();
 
-#define QXFB_BENCHMARK(body) \
+#define QXFB_BENCHMARK(body)                                                                 \
     [[maybe_unused]] static ::benchmark::internal::Benchmark* const qxfb_registered_##body = \
         ::qx::bench::registerGuarded(#body, body)
 

@@ -1,6 +1,6 @@
 # Runs the self-test benchmarks and checks the exit code and what was printed.
 set(ENV{QXFB_BENCH_SELF_TEST} 1)
-execute_process(COMMAND ${BENCH} --benchmark_filter=GuardSelfTest --benchmark_min_time=0.001
+execute_process(COMMAND ${BENCH} --benchmark_filter=GuardSelfTest --benchmark_min_time=0.001 --benchmark_color=false
   RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
 message("${out}${err}")
 if(NOT code EQUAL 1)

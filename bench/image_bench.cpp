@@ -4,7 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx::bench {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bench_support.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx::bench {
 namespace {

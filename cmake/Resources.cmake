@@ -1,5 +1,5 @@
 # Embeds every bitmap of resources/ into the library: the generated source
-# defines a table of (name, bytes) that platform/resources.cpp searches.
+# defines a table of (name, bytes) that platform/host/resources.cpp searches.
 file(GLOB QXFB_RESOURCE_FILES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/*.bmp)
 set(QXFB_RESOURCE_SOURCE ${CMAKE_BINARY_DIR}/generated/qxfb_resources.cpp)
 set(body "// Generated from resources/*.bmp; do not edit.\n#include <cstddef>\n#include <cstdint>\n\nnamespace qx::generated {\n")

@@ -17,9 +17,9 @@
 #include <functional>
 #include <optional>
 
-#include "platform/bytes.h"
-#include "platform/host_context.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/bytes.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
 
 namespace qx::fuzz {
 

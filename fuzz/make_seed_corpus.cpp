@@ -21,7 +21,7 @@
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
 #include "message/protocol_time_var.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 #include "serial/protocol_config.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"

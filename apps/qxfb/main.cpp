@@ -15,14 +15,14 @@
 #include <string>
 #include <vector>
 
+#include "component/com_abi.h"
+#include "component/com_server.h"
+#include "component/registry.h"
 #include "framework/shared_helpers.h"
-#include "platform/ansi.h"
-#include "platform/com_abi.h"
-#include "platform/com_server.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "platform/registry.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/fb_instances_double.h"
+#include "platform/host/host_context.h"
 #include "serial/frm_protocol_config.h"
 
 #ifndef QXFB_DEFAULT_COMPONENT

@@ -3,14 +3,6 @@
 #include <utility>
 
 #include "framework/runtime_catalogue.h"
-#include "serial/protocol_config.h"
-#include "serial/protocol_copy_to_buffer.h"
-#include "serial/protocol_reset_buffer.h"
-#include "serial/protocol_scan.h"
-#include "serial/protocol_send.h"
-#include "tcpip/eth_protocol_config.h"
-#include "tcpip/eth_protocol_scan.h"
-#include "tcpip/eth_protocol_send.h"
 
 namespace qx {
 
@@ -47,40 +39,6 @@ MethodCollectionPtr FBFatherBase::itfFBFather_GetFBmethodsCollection() {
 
 FBHexFileDetails FBFatherBase::itfFBFather_GetHexFileDetails(int32_t HexFileVersion) {
     return srvGetHexFileDetails(fatherID_, HexFileVersion);
-}
-
-clsProtocolFather::clsProtocolFather() : FBFatherBase({1, L"Protocol", L"PROTOCOL", 328, 2, 5}) {}
-
-MethodPtr clsProtocolFather::createMethod(int32_t methodNumber) const {
-    switch (methodNumber) {
-        case 1:
-            return std::make_shared<clsProtocolConfig>();
-        case 2:
-            return std::make_shared<clsProtocolscan>();
-        case 3:
-            return std::make_shared<clsProtocolSend>();
-        case 4:
-            return std::make_shared<clsProtocolCopyToBuffer>();
-        case 5:
-            return std::make_shared<clsProtocolResetBuffer>();
-        default:
-            return nullptr;
-    }
-}
-
-clsEthProtocolFather::clsEthProtocolFather() : FBFatherBase({2, L"Protocol TCP/IP", L"P. TCP/IP", 593, 3, 3}) {}
-
-MethodPtr clsEthProtocolFather::createMethod(int32_t methodNumber) const {
-    switch (methodNumber) {
-        case 1:
-            return std::make_shared<clsEthProtocolConfig>();
-        case 2:
-            return std::make_shared<clsEthProtocolScan>();
-        case 3:
-            return std::make_shared<clsEthProtocolSend>();
-        default:
-            return nullptr;
-    }
 }
 
 }  // namespace qx

@@ -1,14 +1,15 @@
-// The two function-block families: clsProtocolFather (serial COM port) and
-// clsEthProtocolFather (TCP/IP socket). A family hands out its operations by
-// MethodID and the runtime files of its versions; it keeps nothing but what
-// its InitProperties computed.
+// What the two function-block families do alike. A family hands out its
+// operations by MethodID and the runtime files of its versions; it keeps
+// nothing but what its InitProperties computed. The families themselves
+// stand beside their operations: clsProtocolFather in serial/,
+// clsEthProtocolFather in tcpip/.
 #pragma once
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "framework/host_contract.h"
-#include "platform/object_count.h"
+#include "platform/basics/object_count.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 
@@ -58,24 +59,6 @@ private:
     PicturePtr menuIcon_;
     int32_t currentHexFileVersion_ = 0;
     std::vector<int32_t> hexFileVersionsList_;
-};
-
-// The family "Protocol", FatherID 170100: Config, Scan, Send, Copy buffer, Buffer reset.
-class clsProtocolFather : public FBFatherBase {
-public:
-    clsProtocolFather();
-
-protected:
-    MethodPtr createMethod(int32_t methodNumber) const override;
-};
-
-// The family "Protocol TCP/IP", FatherID 170200: Config, Scan, Send.
-class clsEthProtocolFather : public FBFatherBase {
-public:
-    clsEthProtocolFather();
-
-protected:
-    MethodPtr createMethod(int32_t methodNumber) const override;
 };
 
 }  // namespace qx

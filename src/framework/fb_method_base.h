@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "framework/host_contract.h"
-#include "platform/object_count.h"
+#include "platform/basics/object_count.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 

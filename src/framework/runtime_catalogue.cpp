@@ -4,11 +4,11 @@
 #include <fstream>
 #include <system_error>
 
-#include "platform/ansi.h"
-#include "platform/host_services.h"
-#include "platform/resources.h"
-#include "platform/runtime_error.h"
-#include "platform/variant.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/basics/variant.h"
+#include "platform/host/host_services.h"
+#include "platform/host/resources.h"
 
 namespace qx {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/host_contract.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 

@@ -1,7 +1,7 @@
 #include "framework/shared_helpers.h"
 
-#include "platform/host_services.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/host_context.h"
-#include "platform/operand.h"
+#include "platform/host/host_context.h"
+#include "platform/host/operand.h"
 
 namespace qx {
 

@@ -1,9 +1,9 @@
 // The shared helpers that work on dialogs and their controls.
 #include "framework/shared_helpers.h"
-#include "platform/combo_box.h"
-#include "platform/form.h"
-#include "platform/host_services.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/form.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 

@@ -1,7 +1,7 @@
 #include "message/field_state.h"
 
 #include "framework/shared_helpers.h"
-#include "platform/ansi.h"
+#include "platform/basics/ansi.h"
 
 namespace qx {
 

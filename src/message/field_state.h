@@ -8,7 +8,7 @@
 #include <string>
 
 #include "message/itf_protocol_var.h"
-#include "platform/operand.h"
+#include "platform/host/operand.h"
 
 namespace qx {
 

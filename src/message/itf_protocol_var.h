@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "framework/host_contract.h"
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 

@@ -4,9 +4,9 @@
 
 #include "framework/shared_helpers.h"
 #include "message/protocol_cs_var.h"
-#include "platform/ansi.h"
-#include "platform/host_services.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "message/itf_protocol_var.h"
-#include "platform/collection.h"
-#include "platform/operand.h"
+#include "platform/basics/collection.h"
+#include "platform/host/operand.h"
 
 namespace qx {
 

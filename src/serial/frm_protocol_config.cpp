@@ -4,7 +4,7 @@
 
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
-#include "platform/host_services.h"
+#include "platform/host/host_services.h"
 #include "serial/protocol_config.h"
 
 namespace qx {

@@ -4,11 +4,11 @@
 #pragma once
 #include <cstdint>
 
-#include "framework/host_contract.h"
-#include "platform/combo_box.h"
-#include "platform/controls.h"
-#include "platform/form.h"
-#include "platform/text_box.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/controls.h"
+#include "platform/controls/form.h"
+#include "platform/controls/text_box.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 #include "serial/frm_protocol_config.h"
 
 namespace qx {

@@ -1,6 +1,6 @@
 #include "serial/protocol_reset_buffer.h"
 
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "platform/host_services.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 

@@ -4,8 +4,8 @@
 #pragma once
 #include <cstdint>
 
-#include "platform/bytes.h"
-#include "platform/operand.h"
+#include "platform/basics/bytes.h"
+#include "platform/host/operand.h"
 
 namespace qx {
 

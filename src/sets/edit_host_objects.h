@@ -2,7 +2,7 @@
 // edit: the operation, and the host's side of the family's instances. The
 // set keeps them only to show the family's help.
 #pragma once
-#include "framework/host_contract.h"
+#include "platform/host/host_contract.h"
 
 namespace qx {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 

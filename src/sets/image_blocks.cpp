@@ -1,8 +1,8 @@
 #include "sets/image_blocks.h"
 
 #include "framework/shared_helpers.h"
-#include "platform/ansi.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "message/protocol_message.h"
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 #include "sets/frame_char.h"
 
 namespace qx {

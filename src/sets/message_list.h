@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "message/protocol_message.h"
-#include "platform/collection.h"
-#include "platform/variant.h"
+#include "platform/basics/collection.h"
+#include "platform/basics/variant.h"
 
 namespace qx {
 

@@ -4,7 +4,7 @@
 
 #include "message/protocol_cs_var.h"
 #include "message/protocol_scan_numeric_var.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 #include "sets/image_blocks.h"
 #include "sets/scan_set.h"
 

@@ -5,7 +5,7 @@
 // blocks. No spare byte: the length is the end of the last message rounded
 // up to even. Little-endian, offsets absolute and 16-bit.
 #pragma once
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 
 namespace qx {
 

@@ -8,7 +8,7 @@
 #include "message/protocol_list_text_var.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_time_var.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 #include "sets/constant_bytes.h"
 #include "sets/image_blocks.h"
 #include "sets/send_set.h"

@@ -4,7 +4,7 @@
 // spare byte at the end; the length is always even. Little-endian, offsets
 // absolute and 16-bit.
 #pragma once
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 
 namespace qx {
 

@@ -8,12 +8,12 @@
 #include <cstdint>
 #include <functional>
 
-#include "framework/host_contract.h"
 #include "message/itf_protocol_var.h"
 #include "message/protocol_message.h"
-#include "platform/bytes.h"
-#include "platform/operand.h"
-#include "platform/variant.h"
+#include "platform/basics/bytes.h"
+#include "platform/basics/variant.h"
+#include "platform/host/host_contract.h"
+#include "platform/host/operand.h"
 #include "sets/edit_host_objects.h"
 #include "sets/frame_char.h"
 #include "sets/message_list.h"

@@ -1,6 +1,6 @@
 // The server's own logic, linked in: identifiers, class lookup, results of
 // failing calls, and the counts that decide unloading.
-#include "platform/com_server.h"
+#include "component/com_server.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 namespace {

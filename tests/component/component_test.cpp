@@ -15,10 +15,10 @@
 #include <vector>
 
 #include "component/built_paths.h"
-#include "platform/com_abi.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "platform/runtime_error.h"
+#include "component/com_abi.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/fb_instances_double.h"
+#include "platform/host/host_context.h"
 #include "serial/frm_protocol_config.h"
 
 namespace qx {

@@ -1,5 +1,5 @@
 // The registry file's editing: what it changes and, above all, what it keeps.
-#include "platform/registry.h"
+#include "component/registry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,19 +1,19 @@
-#include "framework/families.h"
-
 #include <gtest/gtest.h>
 
-#include "framework/gate.h"
+#include "component/gate.h"
 #include "framework/temp_runtime_folder.h"
-#include "platform/host_context.h"
-#include "platform/object_count.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/object_count.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
 #include "serial/protocol_config.h"
 #include "serial/protocol_copy_to_buffer.h"
+#include "serial/protocol_father.h"
 #include "serial/protocol_reset_buffer.h"
 #include "serial/protocol_scan.h"
 #include "serial/protocol_send.h"
 #include "support/test_helpers.h"
 #include "tcpip/eth_protocol_config.h"
+#include "tcpip/eth_protocol_father.h"
 #include "tcpip/eth_protocol_scan.h"
 #include "tcpip/eth_protocol_send.h"
 

@@ -1,6 +1,6 @@
 // The operations' face towards the host: identity, operand tables, blocks and
 // commands, as every operation of both families shows them.
-#include "framework/host_contract.h"
+#include "platform/host/host_contract.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "framework/gate.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
-#include "platform/object_count.h"
-#include "platform/runtime_error.h"
+#include "component/gate.h"
+#include "platform/basics/object_count.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/fb_instances_double.h"
+#include "platform/host/host_context.h"
 #include "serial/protocol_copy_to_buffer.h"
 #include "serial/protocol_reset_buffer.h"
 #include "serial/protocol_scan.h"

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "framework/temp_runtime_folder.h"
-#include "platform/host_context.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
 #include "support/test_helpers.h"
 
 namespace qx {

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "framework/shared_helpers.h"
-#include "platform/combo_box.h"
-#include "platform/controls.h"
-#include "platform/form.h"
-#include "platform/text_box.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/controls.h"
+#include "platform/controls/form.h"
+#include "platform/controls/text_box.h"
 
 namespace qx {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/host_context.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

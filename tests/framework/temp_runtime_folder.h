@@ -10,9 +10,9 @@
 #include <fstream>
 #include <string>
 
-#include "platform/ansi.h"
-#include "platform/bytes.h"
-#include "platform/host_context.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/bytes.h"
+#include "platform/host/host_context.h"
 
 namespace qx::test {
 

@@ -10,7 +10,7 @@
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
 #include "message/protocol_time_var.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <string>
 
-#include "framework/host_contract.h"
-#include "platform/bytes.h"
-#include "platform/operand.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/bytes.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_contract.h"
+#include "platform/host/operand.h"
 #include "support/test_helpers.h"
 
 namespace qx::test {

@@ -4,7 +4,7 @@
 
 #include "message/protocol_message.h"
 #include "message_test_support.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

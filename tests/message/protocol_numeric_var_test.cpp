@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "message_test_support.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "message/protocol_binary_var.h"
 #include "message/protocol_list_text_var.h"
-#include "platform/host_context.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
 #include "support/test_helpers.h"
 
 namespace qx {

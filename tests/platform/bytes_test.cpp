@@ -1,8 +1,8 @@
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 #include "support/test_helpers.h"
 
 namespace qx {

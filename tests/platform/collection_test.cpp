@@ -1,4 +1,4 @@
-#include "platform/collection.h"
+#include "platform/basics/collection.h"
 
 #include <gtest/gtest.h>
 

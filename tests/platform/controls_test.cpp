@@ -1,4 +1,4 @@
-#include "platform/controls.h"
+#include "platform/controls/controls.h"
 
 #include <gtest/gtest.h>
 
@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/combo_box.h"
-#include "platform/form.h"
-#include "platform/runtime_error.h"
-#include "platform/text_box.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/form.h"
+#include "platform/controls/text_box.h"
 #include "support/test_helpers.h"
 
 namespace qx {

@@ -1,8 +1,8 @@
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/host_services.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 namespace {

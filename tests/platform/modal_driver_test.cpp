@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/controls.h"
-#include "platform/form.h"
-#include "platform/host_context.h"
-#include "platform/text_box.h"
+#include "platform/controls/controls.h"
+#include "platform/controls/form.h"
+#include "platform/controls/text_box.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

@@ -1,8 +1,8 @@
-#include "platform/operand.h"
+#include "platform/host/operand.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 
 namespace qx {
 namespace {

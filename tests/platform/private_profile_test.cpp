@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/host_services.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 namespace {

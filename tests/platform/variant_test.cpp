@@ -1,8 +1,8 @@
-#include "platform/variant.h"
+#include "platform/basics/variant.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 #include "support/test_helpers.h"
 
 namespace qx {

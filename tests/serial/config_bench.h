@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "framework/host_contract.h"
-#include "platform/form.h"
+#include "platform/controls/form.h"
+#include "platform/host/host_contract.h"
 #include "serial/frm_protocol_config.h"
 #include "serial/protocol_config.h"
 #include "support/operation_bench.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "framework/runtime_catalogue.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/runtime_error.h"
 #include "serial/config_bench.h"
 
 namespace qx {

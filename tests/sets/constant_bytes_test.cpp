@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 #include "sets/set_test_support.h"
 
 namespace qx {

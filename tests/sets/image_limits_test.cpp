@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "message/protocol_list_text_var.h"
-#include "platform/host_context.h"
+#include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "sets/set_test_support.h"

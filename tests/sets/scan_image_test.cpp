@@ -7,8 +7,8 @@
 
 #include "message/protocol_cs_var.h"
 #include "message/protocol_scan_numeric_var.h"
-#include "platform/ansi.h"
-#include "platform/host_context.h"
+#include "platform/basics/ansi.h"
+#include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/set_test_support.h"
 #include "support/image_forger.h"

@@ -6,8 +6,8 @@
 
 #include "message/protocol_cs_var.h"
 #include "message/protocol_scan_numeric_var.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
+#include "platform/host/fb_instances_double.h"
+#include "platform/host/host_context.h"
 #include "sets/set_test_support.h"
 
 namespace qx {

@@ -7,7 +7,7 @@
 #include <initializer_list>
 #include <utility>
 
-#include "platform/bytes.h"
+#include "platform/basics/bytes.h"
 
 namespace qx::test {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <utility>
 
-#include "framework/host_contract.h"
-#include "platform/fb_instances_double.h"
-#include "platform/host_context.h"
+#include "platform/host/fb_instances_double.h"
+#include "platform/host/host_context.h"
+#include "platform/host/host_contract.h"
 #include "support/test_helpers.h"
 
 namespace qx::test {

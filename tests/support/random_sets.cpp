@@ -15,7 +15,7 @@
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
 #include "message/protocol_time_var.h"
-#include "platform/ansi.h"
+#include "platform/basics/ansi.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 

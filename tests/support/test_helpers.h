@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "framework/fb_method_base.h"
-#include "platform/bytes.h"
-#include "platform/operand.h"
-#include "platform/runtime_error.h"
+#include "platform/basics/bytes.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/operand.h"
 
 namespace qx::test {
 

@@ -1,0 +1,94 @@
+#include "platform/controls/control.h"
+
+#include <algorithm>
+
+#include "platform/basics/runtime_error.h"
+#include "platform/controls/form.h"
+
+namespace qx {
+
+int32_t Observable::Subscribe(Observer observer) {
+    int32_t token = nextToken_++;
+    observers_.emplace_back(token, std::move(observer));
+    return token;
+}
+
+void Observable::Unsubscribe(int32_t token) {
+    std::erase_if(observers_, [token](const auto& entry) { return entry.first == token; });
+}
+
+void Observable::notify(std::string_view property) {
+    // A copy, so that observers may subscribe and unsubscribe while told.
+    auto observers = observers_;
+    for (const auto& [token, observer] : observers) {
+        bool stillThere = std::any_of(observers_.begin(), observers_.end(),
+                                      [token = token](const auto& entry) { return entry.first == token; });
+        if (stillThere && observer) observer(property);
+    }
+}
+
+Control::Control(std::wstring name, uint32_t backColor, uint32_t foreColor)
+    : name_(std::move(name)), backColor_(backColor), foreColor_(foreColor) {}
+
+void Control::Enabled(bool value) {
+    if (enabled_ == value) return;
+    enabled_ = value;
+    notify("Enabled");
+}
+
+void Control::Visible(bool value) {
+    if (visible_ == value) return;
+    visible_ = value;
+    notify("Visible");
+}
+
+void Control::ToolTipText(const std::wstring& value) {
+    if (toolTipText_ == value) return;
+    toolTipText_ = value;
+    notify("ToolTipText");
+}
+
+void Control::BackColor(uint32_t value) {
+    if (backColor_ == value) return;
+    backColor_ = value;
+    notify("BackColor");
+}
+
+void Control::ForeColor(uint32_t value) {
+    if (foreColor_ == value) return;
+    foreColor_ = value;
+    notify("ForeColor");
+}
+
+qx::Font Control::Font() const {
+    if (!HasFont()) raiseError(err::PropertyNotSupported);
+    return font_;
+}
+
+void Control::Font(const qx::Font& value) {
+    if (!HasFont()) raiseError(err::PropertyNotSupported);
+    if (font_ == value) return;
+    font_ = value;
+    notify("Font");
+}
+
+bool Control::CanAct() const {
+    for (const Control* c = this; c; c = c->container_)
+        if (!c->enabled_ || !c->visible_) return false;
+    return true;
+}
+
+void Control::SetFocus() {
+    if (parent_) parent_->activeControl_ = this;
+}
+
+void Control::UserKeyPress(int32_t KeyAscii) {
+    if (!CanAct()) return;
+    if (parent_ && parent_->KeyPreview()) parent_->Form_KeyPress(KeyAscii);
+    if (KeyAscii == 0) return;
+    if (OnKeyPress) OnKeyPress(KeyAscii);
+    if (KeyAscii == 0) return;
+    keyAction(KeyAscii);
+}
+
+}  // namespace qx

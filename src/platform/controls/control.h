@@ -1,0 +1,112 @@
+// The common ground of the headless control models that dialogs are built
+// from: the properties every control shares, the change notification a view
+// layer binds to, and the path of a key stroke through the form's key preview.
+// Dialog logic drives the models in code, a person (a test script or a view)
+// drives them through the User* actions; both raise the same events.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/host/host_context.h"
+
+namespace qx {
+
+namespace err {
+inline constexpr int32_t InvalidPropertyValue = 380;
+inline constexpr int32_t InvalidPropertyArrayIndex = 381;
+inline constexpr int32_t PropertyNotSupported = 438;
+}  // namespace err
+
+// OLE colours of the system palette (top bit set) that controls start with.
+namespace colour {
+inline constexpr uint32_t ButtonFace = 0x8000000F;
+inline constexpr uint32_t ButtonText = 0x80000012;
+inline constexpr uint32_t Window = 0x80000005;
+inline constexpr uint32_t WindowText = 0x80000008;
+}  // namespace colour
+
+// Observers hear the name of each property that changed ("Text", "Enabled",
+// "List" ...), after the change and before any event it raises. An observer
+// may unsubscribe itself, or others, while it is being told.
+class Observable {
+public:
+    using Observer = std::function<void(std::string_view property)>;
+
+    int32_t Subscribe(Observer observer);
+    void Unsubscribe(int32_t token);
+
+protected:
+    Observable() = default;
+    ~Observable() = default;
+    void notify(std::string_view property);
+
+private:
+    std::vector<std::pair<int32_t, Observer>> observers_;
+    int32_t nextToken_ = 1;
+};
+
+class Form;
+
+class Control : public Observable {
+public:
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+    virtual ~Control() = default;
+
+    const std::wstring& Name() const { return name_; }
+    bool Enabled() const { return enabled_; }
+    void Enabled(bool value);
+    bool Visible() const { return visible_; }
+    void Visible(bool value);
+    const std::wstring& ToolTipText() const { return toolTipText_; }
+    void ToolTipText(const std::wstring& value);
+    uint32_t BackColor() const { return backColor_; }
+    void BackColor(uint32_t value);
+    uint32_t ForeColor() const { return foreColor_; }
+    void ForeColor(uint32_t value);
+    // A control that has no font raises error 438 on both, as a late-bound
+    // "Font" on such a control does.
+    qx::Font Font() const;
+    void Font(const qx::Font& value);
+    virtual bool HasFont() const { return true; }
+
+    // The frame (or other control) the control sits in; nullptr is the form.
+    // A control in a disabled or hidden container takes no user action.
+    Control* Container() const { return container_; }
+    void Container(Control* value) { container_ = value; }
+    Form* Parent() const { return parent_; }
+
+    // Whether a person can act on the control now.
+    bool CanAct() const;
+    void SetFocus();
+
+    // A key stroke (an ANSI code: 8 backspace, 13 enter, 27 escape): the
+    // form sees it first when it previews keys, then the control's KeyPress;
+    // either may swallow it by setting the code to 0. What is left acts as
+    // the control acts on that key.
+    void UserKeyPress(int32_t KeyAscii);
+    std::function<void(int32_t& KeyAscii)> OnKeyPress;
+
+protected:
+    Control(std::wstring name, uint32_t backColor, uint32_t foreColor);
+    // What a key that nobody swallowed does to the control.
+    virtual void keyAction(int32_t KeyAscii) { (void)KeyAscii; }
+
+private:
+    friend class Form;
+    std::wstring name_;
+    bool enabled_ = true;
+    bool visible_ = true;
+    std::wstring toolTipText_;
+    uint32_t backColor_;
+    uint32_t foreColor_;
+    qx::Font font_;
+    Control* container_ = nullptr;
+    Form* parent_ = nullptr;
+};
+
+}  // namespace qx

@@ -1,0 +1,99 @@
+// The base of every dialog: its caption, icon and font, the controls it
+// holds, and its life as the host's forms live it: loaded once (Form_Load),
+// shown, activated (Form_Activate, again each time it becomes the active
+// dialog), hidden, and unloaded through Form_QueryUnload and Form_Unload.
+// A person closes it through the control box (UserClose) or presses keys on
+// it (UserKeyPress); the modal driver runs it.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/controls/control.h"
+#include "platform/host/host_context.h"
+
+namespace qx {
+
+class Form : public Observable {
+public:
+    // Why a form is being unloaded, as Form_QueryUnload hears it.
+    static constexpr int32_t vbFormControlMenu = 0;
+    static constexpr int32_t vbFormCode = 1;
+
+    explicit Form(std::wstring name);
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+    virtual ~Form() = default;
+
+    const std::wstring& Name() const { return name_; }
+    const std::wstring& Caption() const { return caption_; }
+    void Caption(const std::wstring& value);
+    const PicturePtr& Icon() const { return icon_; }
+    void Icon(PicturePtr value);
+    qx::Font Font() const { return font_; }
+    void Font(const qx::Font& value);
+    bool KeyPreview() const { return keyPreview_; }
+    void KeyPreview(bool value) { keyPreview_ = value; }
+
+    // In the order they were added.
+    const std::vector<Control*>& Controls() const { return controls_; }
+    Control* ActiveControl() const { return activeControl_; }
+
+    bool IsLoaded() const { return loaded_; }
+    bool Visible() const { return visible_; }
+    // Runs Form_Load the first time only.
+    void Load();
+    // Loads when needed.
+    void Show();
+    void Hide();
+    void Activate();
+    // Unload from code; false when Form_QueryUnload or Form_Unload refused.
+    bool Unload();
+
+    // The control box's close button.
+    void UserClose();
+    // A key stroke on the form: to the focused control when there is one
+    // (through the key preview), else to Form_KeyPress.
+    void UserKeyPress(int32_t KeyAscii);
+
+    // Events of the form, as its dialog handles them.
+    virtual void Form_Load() {}
+    virtual void Form_Activate() {}
+    virtual void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) { (void)Cancel, (void)UnloadMode; }
+    virtual void Form_Unload(int32_t& Cancel) { (void)Cancel; }
+    virtual void Form_KeyPress(int32_t& KeyAscii) { (void)KeyAscii; }
+
+protected:
+    // Places the dialog's member controls on the form, in tab order.
+    void addControls(std::initializer_list<Control*> controls);
+
+private:
+    friend class Control;
+    bool unload(int32_t mode);
+
+    std::wstring name_;
+    std::wstring caption_;
+    PicturePtr icon_;
+    qx::Font font_;
+    bool keyPreview_ = false;
+    bool loaded_ = false;
+    bool visible_ = false;
+    std::vector<Control*> controls_;
+    Control* activeControl_ = nullptr;
+};
+
+// A dialog script for ScriptedModalDriver::QueueDialog that expects a dialog
+// of class F; any other dialog is a broken test and fails loudly.
+template <class F>
+ScriptedModalDriver::DialogScript scriptFor(std::function<void(F&)> script) {
+    return [script = std::move(script)](Form& form) {
+        auto* dialog = dynamic_cast<F*>(&form);
+        if (!dialog) throw std::logic_error("the script was meant for another dialog");
+        script(*dialog);
+    };
+}
+
+}  // namespace qx

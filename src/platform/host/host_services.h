@@ -1,0 +1,76 @@
+// Stand-ins for the helper classes of the host's closed libraries. Each is
+// created for one call, as the library uses them, and reads the current
+// host context.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/host/host_context.h"
+
+namespace qx {
+
+// The host's text table: words for text numbers and message numbers.
+class clsTextTable {
+public:
+    std::wstring GetText(int32_t number) const;
+    // Message N with %1, %2 ... replaced by the parameters.
+    std::wstring GetMessageText(int32_t number, const std::vector<std::wstring>& params) const;
+};
+
+class clsPictureTable {
+public:
+    PicturePtr GetPicture(int32_t number) const;
+};
+
+class clsNameLimits {
+public:
+    int32_t Item(int32_t entry) const;
+};
+
+class clsEnvironment {
+public:
+    bool IsExtendedOperandsEnabled() const { return host().ExtendedOperands; }
+};
+
+class clsAppPaths {
+public:
+    std::wstring AppPath() const { return host().AppFolder; }
+};
+
+class clsErrorReporter {
+public:
+    void Report(const ErrorReport& report) const;
+};
+
+class clsAppFont {
+public:
+    Font GetFont(int32_t which) const;
+};
+
+// Short names of the operand types of the host's type numbering.
+class clsOperandTypeNames {
+public:
+    std::wstring GetName(int32_t operandType) const;
+};
+
+// Display formats of operand values (3 is plain decimal).
+class clsOperandFormats {
+public:
+    std::wstring GetFormatName(int32_t format) const;
+    std::wstring GetValueText(int32_t operandType, int32_t format, int64_t constantValue) const;
+};
+
+// GetPrivateProfileStringA: copies the value of Key in Section of the ini
+// file (or the default) into the buffer, NUL-terminated and cut to size - 1
+// characters; returns the number of characters copied.
+uint32_t GetPrivateProfileStringA(const std::string& section, const std::string& key, const std::string& defaultValue,
+                                  std::string& buffer, uint32_t size, const std::string& fileName);
+
+// The system beep.
+void systemBeep();
+
+// GetDeviceCaps of the screen: 88 horizontal, 90 vertical pixels per inch.
+int32_t GetDeviceCaps(int32_t index);
+
+}  // namespace qx
