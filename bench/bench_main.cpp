@@ -4,9 +4,28 @@
 // figures of nothing.
 #include <benchmark/benchmark.h>
 
+#include <atomic>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
 
 #include "bench_support.h"
+
+// Every allocation of the program is counted, so that a benchmark can show
+// how many its operation makes (the counter allocs_per_op).
+namespace {
+std::atomic<uint64_t> allocations{0};
+}  // namespace
+
+uint64_t qx::bench::allocationCount() { return allocations.load(std::memory_order_relaxed); }
+
+void* operator new(size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* p = std::malloc(size ? size : 1)) return p;
+    throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, size_t) noexcept { std::free(p); }
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);

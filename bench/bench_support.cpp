@@ -180,12 +180,14 @@ CopyRatio::CopyRatio(benchmark::State& state, size_t imageBytes)
 
 void CopyRatio::finish() {
     auto measured = Clock::now() - start_ - excluded_;
+    const uint64_t allocations = allocationCount() - allocationsAtStart_;
     double iterations = static_cast<double>(std::max<benchmark::IterationCount>(state_.iterations(), 1));
     double opNs = std::chrono::duration<double, std::nano>(measured).count() / iterations;
     state_.counters["image_bytes"] = static_cast<double>(imageBytes_);
     state_.counters["memcpy_ns"] = copyNs_;
     state_.counters["op_ns"] = opNs;
     state_.counters["ratio_to_memcpy"] = opNs / copyNs_;
+    state_.counters["allocs_per_op"] = static_cast<double>(allocations) / iterations;
     state_.SetBytesProcessed(state_.iterations() * static_cast<int64_t>(imageBytes_));
 }
 

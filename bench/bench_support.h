@@ -41,17 +41,24 @@ struct ThreadCpuClock {
     static time_point now() noexcept;
 };
 
+// Allocations through operator new since the program started.
+uint64_t allocationCount();
+
 // CPU nanoseconds one memcpy of size bytes takes on this machine now: the
 // best of a few rounds of many copies.
 double memcpyNanoseconds(size_t size);
 
 // Times the loop of a benchmark in thread CPU time, leaving out what the
 // benchmark excludes itself (restoring a message between batches), and sets
-// the counters: image_bytes, memcpy_ns, op_ns and ratio_to_memcpy.
+// the counters: image_bytes, memcpy_ns, op_ns, ratio_to_memcpy and
+// allocs_per_op.
 class CopyRatio {
 public:
     CopyRatio(benchmark::State& state, size_t imageBytes);
-    void start() { start_ = Clock::now(); }
+    void start() {
+        allocationsAtStart_ = allocationCount();
+        start_ = Clock::now();
+    }
     // Brackets work of the loop that is not the operation measured.
     void pause() { pausedAt_ = Clock::now(); }
     void resume() { excluded_ += Clock::now() - pausedAt_; }
@@ -65,6 +72,7 @@ private:
     Clock::time_point start_;
     Clock::time_point pausedAt_;
     Clock::duration excluded_{};
+    uint64_t allocationsAtStart_ = 0;
 };
 
 // 255 messages of text runs with control characters and three fields each

@@ -13,6 +13,9 @@ namespace qx {
 namespace {
 
 constexpr wchar_t Blank = L' ';
+constexpr int32_t FirstVarsReserve = 8;
+// Image values below this are control characters.
+constexpr uint8_t FirstPrintable = 32;
 
 // Positions index the control characters; one outside the row is a subscript error.
 size_t checkedPosition(int32_t position) {
@@ -59,7 +62,12 @@ void clsProtocolMessage::UnSelectAllVars() {
     for (const VarPtr& var : Vars) var->IsSelected(false);
 }
 
-void clsProtocolMessage::AddVar(VarPtr pVar) { Vars.Add(std::move(pVar)); }
+void clsProtocolMessage::AddVar(VarPtr pVar) {
+    // A message has a few fields: room for them at the first, instead of a
+    // move at every doubling.
+    if (Vars.Count() == 0) Vars.Reserve(FirstVarsReserve);
+    Vars.Add(std::move(pVar));
+}
 
 VarPtr clsProtocolMessage::GetVar(int32_t pVarNumber) const { return Vars.Item(pVarNumber); }
 
@@ -174,8 +182,10 @@ bool clsProtocolMessage::IsMessageContainCSFields() const {
 }
 
 bool clsProtocolMessage::IsMessageContainConstText() const {
-    for (const MessageSegment& segment : GetSegments())
-        if (segment.SegmentKind == MessageSegment::TextKind) return true;
+    std::vector<SegmentSpan> spans;
+    segmentSpans(spans);
+    for (const SegmentSpan& span : spans)
+        if (span.SegmentKind == MessageSegment::TextKind) return true;
     return false;
 }
 
@@ -206,18 +216,12 @@ int32_t clsProtocolMessage::trimmedLengthFrom(int32_t position) const {
     return std::max<int32_t>(0, static_cast<int32_t>(last) + 1 - position);
 }
 
-std::vector<MessageSegment> clsProtocolMessage::GetSegments() const {
-    std::vector<MessageSegment> segments;
+void clsProtocolMessage::segmentSpans(std::vector<SegmentSpan>& spans) const {
+    spans.clear();
     auto addText = [&](int32_t start, int32_t count) {
-        MessageSegment text;
-        text.SegmentKind = MessageSegment::TextKind;
-        text.StartPosition = start;
-        text.Chars.reserve(static_cast<size_t>(count));
-        for (int32_t p = start; p < start + count; ++p) {
-            const int32_t code = controlChars_[checkedPosition(p)];
-            text.Chars.push_back(code != NoControlChar ? code : toAnsiByte(charAt(p)));
-        }
-        segments.push_back(std::move(text));
+        // Every position of a run lies in the row.
+        if (start < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
+        spans.push_back({MessageSegment::TextKind, start, count, nullptr});
     };
 
     if (Vars.Count() == 0) {
@@ -226,23 +230,70 @@ std::vector<MessageSegment> clsProtocolMessage::GetSegments() const {
         // the subscript error; callers ask IsEmpty first.
         if (length <= 0) raiseError(err::SubscriptOutOfRange);
         addText(0, length);
-        return segments;
+        return;
     }
 
     int32_t q = 0;
     for (const VarPtr& var : Vars) {
         const int32_t start = var->StartPosition();
         if (start > q) addText(q, start - q);
-        MessageSegment field;
-        field.SegmentKind = MessageSegment::VarKind;
-        field.Var = var;
-        field.StartPosition = start;
-        segments.push_back(std::move(field));
+        spans.push_back({MessageSegment::VarKind, start, 0, var});
         q = start + var->Length();
     }
     // Trailing blanks belong to no segment unless a control character stands behind them.
     const int32_t rest = std::max(GetLastControlCharEnd() - q, trimmedLengthFrom(q));
     if (rest > 0) addText(q, rest);
+}
+
+void clsProtocolMessage::textBytes(int32_t start, int32_t count, uint8_t* out) const {
+    if (start < 0 || count < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
+    const size_t from = static_cast<size_t>(start);
+    const size_t stored = from < messageString_.size() ? std::min(messageString_.size() - from, size_t(count)) : 0;
+    toAnsiBytes(std::wstring_view(messageString_).substr(std::min(from, messageString_.size()), stored), out);
+    std::fill(out + stored, out + count, static_cast<uint8_t>(Blank));
+    // Written without a branch a position, so that the loop vectorises; a
+    // code that is no byte is found once the run is through.
+    bool notAByte = false;
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        const int32_t code = controlChars_[from + i];
+        const bool none = code == NoControlChar;
+        notAByte |= !none && static_cast<uint32_t>(code) > 0xFF;
+        out[i] = none ? out[i] : static_cast<uint8_t>(code);
+    }
+    if (notAByte) raiseError(err::Overflow);
+}
+
+void clsProtocolMessage::setTextBytes(int32_t start, const uint8_t* values, int32_t count) {
+    if (start < 0 || count < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
+    const size_t from = static_cast<size_t>(start);
+    if (messageString_.size() < from + static_cast<size_t>(count)) messageString_.resize(MaxPositions, Blank);
+    wchar_t* text = messageString_.data() + from;
+    fromAnsiBytes(values, static_cast<size_t>(count), text);
+    // Without a branch a position, so that the loop vectorises.
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        const bool control = values[i] < FirstPrintable;
+        controlChars_[from + i] = control ? values[i] : NoControlChar;
+        text[i] = control ? Blank : text[i];
+    }
+}
+
+std::vector<MessageSegment> clsProtocolMessage::GetSegments() const {
+    std::vector<SegmentSpan> spans;
+    segmentSpans(spans);
+    std::vector<MessageSegment> segments;
+    segments.reserve(spans.size());
+    for (SegmentSpan& span : spans) {
+        MessageSegment segment;
+        segment.SegmentKind = span.SegmentKind;
+        segment.StartPosition = span.StartPosition;
+        segment.Var = std::move(span.Var);
+        segment.Chars.reserve(static_cast<size_t>(span.Count));
+        for (int32_t p = span.StartPosition; p < span.StartPosition + span.Count; ++p) {
+            const int32_t code = controlChars_[static_cast<size_t>(p)];
+            segment.Chars.push_back(code != NoControlChar ? code : toAnsiByte(charAt(p)));
+        }
+        segments.push_back(std::move(segment));
+    }
     return segments;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "message/itf_protocol_var.h"
@@ -33,6 +34,17 @@ struct MessageSegment {
     int32_t StartPosition = 0;
 };
 
+// A segment as the image writers walk it: where it lies and, for a field,
+// the field; the bytes of a text run come from textBytes, so that walking a
+// message builds no list of characters.
+struct SegmentSpan {
+    int32_t SegmentKind = MessageSegment::TextKind;
+    int32_t StartPosition = 0;
+    // Positions of a text run; 0 for a field.
+    int32_t Count = 0;
+    VarPtr Var;
+};
+
 class clsProtocolMessage {
 public:
     static constexpr int32_t MaxPositions = 500;
@@ -45,7 +57,7 @@ public:
     // The operand object itself; no image stores it.
     OperandPtr ReceiveBit() const { return receiveBit_; }
     // Stored as given: the caller hands 500 characters.
-    void MessageString(const std::wstring& pMessageString) { messageString_ = pMessageString; }
+    void MessageString(std::wstring pMessageString) { messageString_ = std::move(pMessageString); }
     std::wstring MessageString() const { return messageString_; }
     int32_t NumberOfVars() const { return Vars.Count(); }
     // Runs the host's picker on ReceiveBit and answers its display text.
@@ -91,6 +103,19 @@ public:
                        uint32_t& pVarForeColor) const;
     // A message that holds nothing raises RuntimeError(9): test IsEmpty first.
     std::vector<MessageSegment> GetSegments() const;
+    // The same segments without their characters, into a list the caller
+    // keeps and reuses. Raises as GetSegments does.
+    void segmentSpans(std::vector<SegmentSpan>& spans) const;
+    // The image bytes of count positions from start: the control character's
+    // code where there is one, else the ANSI byte of the character (a blank
+    // past the stored text). A position outside the row is a subscript
+    // error; a control character code that is no byte, an overflow.
+    void textBytes(int32_t start, int32_t count, uint8_t* out) const;
+    // The way back, for the image readers: count image values from start; a
+    // value of 32 or more is the character of that ANSI byte, a smaller one a
+    // control character whose position stays blank. A position outside the
+    // row is a subscript error.
+    void setTextBytes(int32_t start, const uint8_t* values, int32_t count);
     // One behind the last control character, or -1 when there is none.
     int32_t GetLastControlCharEnd() const;
     void InsertBlanks(int32_t pPosition, int32_t count);

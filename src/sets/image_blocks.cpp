@@ -1,23 +1,25 @@
 #include "sets/image_blocks.h"
 
+#include <span>
+
 #include "framework/shared_helpers.h"
-#include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 
 namespace qx {
 
 namespace {
-constexpr int32_t kFirstPrintable = 32;
+// 0, 0, the count of positions, 0.
+constexpr size_t kFixedTextHeader = 4;
 }  // namespace
 
 int32_t currentImageVersion() { return IsExtendedOperandsEnabled() ? 1 : 0; }
 
-Bytes fixedTextBlock(const std::vector<int32_t>& chars) {
-    Bytes block(4 + chars.size(), 0);
-    ByteWriter writer(block);
-    writer.u8(2, static_cast<int64_t>(chars.size()));
-    for (size_t i = 0; i < chars.size(); ++i) writer.u8(4 + i, chars[i]);
-    return block;
+size_t appendFixedText(ByteWriter& writer, size_t position, const clsProtocolMessage& message, const SegmentSpan& run) {
+    const size_t count = static_cast<size_t>(run.Count);
+    writer.grow(kFixedTextHeader + count);
+    writer.u8(position + 2, run.Count);
+    message.textBytes(run.StartPosition, run.Count, writer.block(position + kFixedTextHeader, count).data());
+    return position + kFixedTextHeader + count;
 }
 
 void alignEven(ByteWriter& writer, size_t& position) {
@@ -64,34 +66,20 @@ void prepareChecksum(itfProtocolVar& checksum, int32_t methodType, int32_t actua
     checksum.IsVar(isVar);
 }
 
-MessageCanvas::MessageCanvas() : text_(clsProtocolMessage::MaxPositions, L' ') {
-    controls_.fill(clsProtocolMessage::NoControlChar);
-}
-
 void MessageCanvas::readFixedText(const ByteReader& reader, int64_t blockOffset) {
-    int32_t count = reader.u8(blockOffset + 2);
-    for (int32_t i = 0; i < count; ++i) {
-        uint8_t value = reader.u8(blockOffset + 4 + i);
-        if (position_ >= clsProtocolMessage::MaxPositions) raiseError(err::SubscriptOutOfRange);
-        if (value >= kFirstPrintable)
-            text_[static_cast<size_t>(position_)] = fromAnsiByte(value);
-        else
-            controls_[static_cast<size_t>(position_)] = value;
-        ++position_;
-    }
+    const int32_t count = reader.u8(blockOffset + 2);
+    const std::span<const uint8_t> values = reader.block(blockOffset + kFixedTextHeader, static_cast<size_t>(count));
+    if (count > clsProtocolMessage::MaxPositions - position_) raiseError(err::SubscriptOutOfRange);
+    message_.setTextBytes(position_, values.data(), count);
+    position_ += count;
 }
 
-void MessageCanvas::placeField(clsProtocolMessage& message, const VarPtr& field) {
+void MessageCanvas::placeField(const VarPtr& field) {
     int32_t length = field->Length();
     if (length < 0 || length > clsProtocolMessage::MaxPositions - position_) raiseError(err::SubscriptOutOfRange);
     field->StartPosition(position_);
-    message.AddVar(field);
+    message_.AddVar(field);
     position_ += length;
-}
-
-void MessageCanvas::storeInto(clsProtocolMessage& message) const {
-    message.MessageString(text_);
-    message.ControlChars(controls_);
 }
 
 }  // namespace qx

@@ -17,9 +17,14 @@ namespace qx {
 // The version byte of an image written now: 1 when the extended operands are on.
 int32_t currentImageVersion();
 
-// Fixed text: 0, 0, L, 0 and the L values, one byte each. More than 255
-// values, or a value that is not a byte, is an overflow.
-Bytes fixedTextBlock(const std::vector<int32_t>& chars);
+// Room for an image of 255 messages up to the last 16-bit offset, and the
+// last message behind it: an image is reserved once and never moves.
+inline constexpr size_t ImageReserve = 65536 + 4096;
+
+// Appends the fixed-text block of a text run at the position: 0, 0, L, 0
+// and the L bytes of the run. More than 255 positions, or a control
+// character that is not a byte, is an overflow. Gives the position behind it.
+size_t appendFixedText(ByteWriter& writer, size_t position, const clsProtocolMessage& message, const SegmentSpan& run);
 
 // Blocks start at even offsets: an odd position grows the image by a byte.
 void alignEven(ByteWriter& writer, size_t& position);
@@ -41,23 +46,22 @@ void readFrame(const ByteReader& reader, int64_t maskOffset, int64_t valuesOffse
 void prepareChecksum(itfProtocolVar& checksum, int32_t methodType, int32_t actualMethodType, int32_t version,
                      bool isVar);
 
-// A message laid out again from its segments: text of blanks, no control
-// characters, and the running position Q at which the next segment starts.
-// Nothing may land outside the message's 500 positions: a lying image
-// raises RuntimeError(9) here rather than building a broken message.
+// Lays a fresh message (blank text, no control characters, no field) out
+// again from its segments, keeping the running position Q at which the next
+// segment starts. Nothing may land outside the message's 500 positions: a
+// lying image raises RuntimeError(9) here rather than building a broken
+// message.
 class MessageCanvas {
 public:
-    MessageCanvas();
+    explicit MessageCanvas(clsProtocolMessage& message) : message_(message) {}
     // The fixed-text block at the offset: a value of 32 or more is a
     // character, a smaller one a control character.
     void readFixedText(const ByteReader& reader, int64_t blockOffset);
     // The field starts at Q and Q moves behind it.
-    void placeField(clsProtocolMessage& message, const VarPtr& field);
-    void storeInto(clsProtocolMessage& message) const;
+    void placeField(const VarPtr& field);
 
 private:
-    std::wstring text_;
-    clsProtocolMessage::ControlCharArray controls_;
+    clsProtocolMessage& message_;
     int32_t position_ = 0;
 };
 

@@ -46,12 +46,18 @@ constexpr size_t kRecordSize = 20;
 constexpr uint8_t kFlagConstText = 1;
 constexpr uint8_t kFlagChecksumField = 2;
 
+bool containsText(const std::vector<SegmentSpan>& segments) {
+    for (const SegmentSpan& segment : segments)
+        if (segment.SegmentKind == MessageSegment::TextKind) return true;
+    return false;
+}
+
 void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& message, int32_t frameLength,
-                  int32_t version) {
-    std::vector<MessageSegment> segments = message.GetSegments();
+                  int32_t version, std::vector<SegmentSpan>& segments) {
+    message.segmentSpans(segments);
     size_t count = segments.size();
     uint8_t flags = 0;
-    if (message.IsMessageContainConstText()) flags |= kFlagConstText;
+    if (containsText(segments)) flags |= kFlagConstText;
     if (message.IsMessageContainCSFields()) flags |= kFlagChecksumField;
     // Unlike the Send image there is no spare byte: the message header lies
     // behind the current end until the image grows.
@@ -61,7 +67,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
     writer.u8(position + 2, static_cast<int64_t>(message.MessageLength()) + frameLength);
     size_t data = position + kMessageHeaderSize + kSegmentEntrySize * count;
     for (size_t i = 0; i < count; ++i) {
-        const MessageSegment& segment = segments[i];
+        const SegmentSpan& segment = segments[i];
         size_t entry = position + kMessageHeaderSize + kSegmentEntrySize * i;
         writer.u16(entry, segment.StartPosition);
         int32_t type = segment::ScanText;
@@ -76,7 +82,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
             case segment::ScanText:
                 alignEven(writer, data);
                 writer.u16(entry + kRecordOffset, static_cast<int64_t>(data));
-                data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
+                data = appendFixedText(writer, data, message, segment);
                 break;
             case segment::ScanNumericFixed:
             case segment::ScanNumericFree:
@@ -97,7 +103,7 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                  int32_t frameLength, int32_t version) {
     int32_t count = reader.u8(offset);
     message.MessageLength(std::max(reader.u8(offset + 2) - frameLength, 0));
-    MessageCanvas canvas;
+    MessageCanvas canvas(message);
     for (int32_t i = 0; i < count; ++i) {
         int64_t entry = offset + static_cast<int64_t>(kMessageHeaderSize + kSegmentEntrySize * static_cast<size_t>(i));
         // The stored position is not read: the run of segments decides it.
@@ -123,9 +129,8 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                 // A type this reader does not know creates nothing, and the position stays.
                 break;
         }
-        if (field) canvas.placeField(message, field);
+        if (field) canvas.placeField(field);
     }
-    canvas.storeInto(message);
 }
 
 }  // namespace
@@ -134,7 +139,9 @@ Bytes writeScanImage(clsProtocolScanSrv& set) {
     int32_t count = set.GetNumberOfMessagesToDownload().ToI4();
     int32_t version = currentImageVersion();
 
-    Bytes image(kHeaderSize + 2 * static_cast<size_t>(count), 0);
+    Bytes image;
+    image.reserve(ImageReserve);
+    image.resize(kHeaderSize + 2 * static_cast<size_t>(count), 0);
     ByteWriter writer(image);
     writer.u8(kEndOfMessageType, set.EndOfScanMessageType());
     writer.u8(kSTXMask, asciiMask(set.ScanSTXChars()));
@@ -158,10 +165,11 @@ Bytes writeScanImage(clsProtocolScanSrv& set) {
 
     int32_t frameLength = set.ScanSTXLength() + set.ScanETXLength();
     size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
+    std::vector<SegmentSpan> segments;
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
         writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
-        writeMessage(writer, position, *set.GetMessage(number), frameLength, version);
+        writeMessage(writer, position, *set.GetMessage(number), frameLength, version, segments);
     }
     if (image.size() % 2 != 0) writer.grow(1);
     return image;

@@ -83,14 +83,15 @@ void writeOperandLink(ByteWriter& writer, size_t typeOffset, size_t addressOffse
     writer.low16(addressOffset, operand.OperandAddress());
 }
 
-void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& message, int32_t version) {
-    std::vector<MessageSegment> segments = message.GetSegments();
+void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& message, int32_t version,
+                  std::vector<SegmentSpan>& segments) {
+    message.segmentSpans(segments);
     size_t count = segments.size();
     writer.u8(position, static_cast<int64_t>(count));
     writer.grow(kMessageHeaderSize + kSegmentEntrySize * count);
     size_t data = position + kMessageHeaderSize + kSegmentEntrySize * count;
     for (size_t i = 0; i < count; ++i) {
-        const MessageSegment& segment = segments[i];
+        const SegmentSpan& segment = segments[i];
         size_t entry = position + kMessageHeaderSize + kSegmentEntrySize * i;
         int32_t type = segment::SendText;
         if (segment.SegmentKind == MessageSegment::VarKind) {
@@ -102,7 +103,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
             case segment::SendText:
                 alignEven(writer, data);
                 writer.u16(entry + 2, static_cast<int64_t>(data));
-                data = appendBlock(writer, data, fixedTextBlock(segment.Chars));
+                data = appendFixedText(writer, data, message, segment);
                 break;
             case segment::SendBinary:
             case segment::SendList:
@@ -188,7 +189,7 @@ void spendTextBudget(size_t& budget, itfProtocolVar& field) {
 void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProtocolMessage& message, int32_t version,
                  size_t& textBudget) {
     int32_t count = reader.u8(offset);
-    MessageCanvas canvas;
+    MessageCanvas canvas(message);
     for (int32_t i = 0; i < count; ++i) {
         int64_t entry = offset + static_cast<int64_t>(kMessageHeaderSize + kSegmentEntrySize * static_cast<size_t>(i));
         VarPtr field;
@@ -227,9 +228,8 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                 // A type this reader does not know creates nothing, and the position stays.
                 break;
         }
-        if (field) canvas.placeField(message, field);
+        if (field) canvas.placeField(field);
     }
-    canvas.storeInto(message);
 }
 
 }  // namespace
@@ -241,7 +241,9 @@ Bytes writeSendImage(clsProtocolSendSrv& set, bool clearHasValue) {
 
     // One byte more than the header and the table need: the spare byte
     // travels behind the last message.
-    Bytes image(kHeaderSize + 2 * static_cast<size_t>(count) + 1, 0);
+    Bytes image;
+    image.reserve(ImageReserve);
+    image.resize(kHeaderSize + 2 * static_cast<size_t>(count) + 1, 0);
     ByteWriter writer(image);
     writeMessageNumberBlock(writer, *set.OpMessageNumber());
     if (set.CopyBytesCount() >= 1) {
@@ -268,10 +270,11 @@ Bytes writeSendImage(clsProtocolSendSrv& set, bool clearHasValue) {
     writer.u8(kMessageCount, count);
 
     size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
+    std::vector<SegmentSpan> segments;
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
         writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
-        writeMessage(writer, position, *set.GetMessage(number), version);
+        writeMessage(writer, position, *set.GetMessage(number), version, segments);
     }
     if (image.size() % 2 != 0) writer.grow(1);
     return image;

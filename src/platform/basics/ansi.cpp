@@ -2,10 +2,9 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
-#include <mutex>
-#include <unordered_map>
+#include <vector>
 
 namespace qx {
 
@@ -13,11 +12,21 @@ namespace {
 
 // The code page is fixed, so both directions are built once from iconv and
 // then looked up; the five holes of Windows-1252 map to their C1 codes.
+// Characters below 256 find their byte in a flat table; the 27 above it
+// (euro sign, typographic quotes, ...) in a short sorted list.
 struct CodePage {
+    static constexpr uint8_t Unmappable = '?';
+    struct Special {
+        wchar_t Char;
+        uint8_t Byte;
+    };
+
     std::array<wchar_t, 256> toWide{};
-    std::unordered_map<wchar_t, uint8_t> toByte;
+    std::array<uint8_t, 256> lowToByte{};
+    std::vector<Special> specials;
 
     CodePage() {
+        lowToByte.fill(Unmappable);
         iconv_t cd = iconv_open("WCHAR_T", "WINDOWS-1252");
         for (int b = 0; b < 256; ++b) {
             wchar_t out = static_cast<wchar_t>(b);
@@ -32,9 +41,20 @@ struct CodePage {
                 iconv(cd, nullptr, nullptr, nullptr, nullptr);
             }
             toWide[static_cast<size_t>(b)] = out;
-            toByte.emplace(out, static_cast<uint8_t>(b));
+            if (static_cast<uint32_t>(out) < 256)
+                lowToByte[static_cast<size_t>(out)] = static_cast<uint8_t>(b);
+            else
+                specials.push_back({out, static_cast<uint8_t>(b)});
         }
         if (cd != reinterpret_cast<iconv_t>(-1)) iconv_close(cd);
+        std::sort(specials.begin(), specials.end(), [](const Special& a, const Special& b) { return a.Char < b.Char; });
+    }
+
+    uint8_t byteOf(wchar_t ch) const {
+        if (static_cast<uint32_t>(ch) < 256) return lowToByte[static_cast<size_t>(ch)];
+        auto it = std::lower_bound(specials.begin(), specials.end(), ch,
+                                   [](const Special& s, wchar_t c) { return s.Char < c; });
+        return it != specials.end() && it->Char == ch ? it->Byte : Unmappable;
     }
 };
 
@@ -45,26 +65,38 @@ const CodePage& codePage() {
 
 }  // namespace
 
-uint8_t toAnsiByte(wchar_t ch) {
-    const auto& map = codePage().toByte;
-    auto it = map.find(ch);
-    return it == map.end() ? static_cast<uint8_t>('?') : it->second;
-}
+uint8_t toAnsiByte(wchar_t ch) { return codePage().byteOf(ch); }
 
 std::string toAnsi(const std::wstring& text) {
-    std::string out;
-    out.reserve(text.size());
-    for (wchar_t ch : text) out.push_back(static_cast<char>(toAnsiByte(ch)));
+    std::string out(text.size(), '\0');
+    toAnsiBytes(text, reinterpret_cast<uint8_t*>(out.data()));
     return out;
+}
+
+void toAnsiBytes(std::wstring_view text, uint8_t* out) {
+    // Most texts are plain ASCII, which is its own byte: one vectorisable
+    // pass tells, another narrows.
+    uint32_t any = 0;
+    for (wchar_t ch : text) any |= static_cast<uint32_t>(ch);
+    if (any < 0x80) {
+        for (size_t i = 0; i < text.size(); ++i) out[i] = static_cast<uint8_t>(text[i]);
+        return;
+    }
+    const CodePage& page = codePage();
+    for (wchar_t ch : text) *out++ = page.byteOf(ch);
 }
 
 wchar_t fromAnsiByte(uint8_t byte) { return codePage().toWide[byte]; }
 
 std::wstring fromAnsi(const std::string& bytes) {
-    std::wstring out;
-    out.reserve(bytes.size());
-    for (char c : bytes) out.push_back(fromAnsiByte(static_cast<uint8_t>(c)));
+    std::wstring out(bytes.size(), L'\0');
+    fromAnsiBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), out.data());
     return out;
+}
+
+void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out) {
+    const auto& toWide = codePage().toWide;
+    for (size_t i = 0; i < count; ++i) out[i] = toWide[bytes[i]];
 }
 
 std::string toUtf8(const std::wstring& text) {

@@ -1,8 +1,10 @@
 // Text conversions at the edges of the library: the ANSI code page of the
 // images (Windows-1252, one byte a character) and UTF-8 for the console.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace qx {
 
@@ -11,6 +13,10 @@ uint8_t toAnsiByte(wchar_t ch);
 std::string toAnsi(const std::wstring& text);
 wchar_t fromAnsiByte(uint8_t byte);
 std::wstring fromAnsi(const std::string& bytes);
+// Block forms for the image code: count characters or bytes, one for one,
+// through the same tables.
+void toAnsiBytes(std::wstring_view text, uint8_t* out);
+void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out);
 
 std::string toUtf8(const std::wstring& text);
 std::wstring fromUtf8(const std::string& text);

@@ -31,6 +31,8 @@ public:
             at = checkedIndex(*after) + 1;
         items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(at), Entry{key, std::move(item)});
     }
+    // Room for this many items without moving them again.
+    void Reserve(int32_t count) { items_.reserve(static_cast<size_t>(std::max(count, 0))); }
     void Remove(int32_t index) { items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(checkedIndex(index))); }
     void Remove(const std::wstring& key) { Remove(indexOfKey(key)); }
 

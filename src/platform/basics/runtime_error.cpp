@@ -33,14 +33,4 @@ void raiseError(int32_t number, const std::wstring& source) {
     throw RuntimeError(number, source, standardText(number));
 }
 
-uint8_t checkedByte(int64_t value) {
-    if (value < 0 || value > 0xFF) raiseError(err::Overflow);
-    return static_cast<uint8_t>(value);
-}
-
-uint16_t checkedWord(int64_t value) {
-    if (value < 0 || value > 0xFFFF) raiseError(err::Overflow);
-    return static_cast<uint16_t>(value);
-}
-
 }  // namespace qx

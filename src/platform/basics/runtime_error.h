@@ -33,7 +33,13 @@ inline constexpr int32_t FileNotFound = 53;
 [[noreturn]] void raiseError(int32_t number, const std::wstring& source = L"QxFBCom2");
 
 // The byte or word that must hold a value: anything out of range is an overflow.
-uint8_t checkedByte(int64_t value);
-uint16_t checkedWord(int64_t value);
+inline uint8_t checkedByte(int64_t value) {
+    if (value < 0 || value > 0xFF) raiseError(err::Overflow);
+    return static_cast<uint8_t>(value);
+}
+inline uint16_t checkedWord(int64_t value) {
+    if (value < 0 || value > 0xFFFF) raiseError(err::Overflow);
+    return static_cast<uint16_t>(value);
+}
 
 }  // namespace qx

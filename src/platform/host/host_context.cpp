@@ -40,19 +40,19 @@ ScopedHostContext::~ScopedHostContext() { current() = previous_; }
 bool OperandTable::IsRegistered(int32_t type, int32_t address) const { return Find(type, address) != nullptr; }
 
 const OperandTable::Entry* OperandTable::Find(int32_t type, int32_t address) const {
-    auto it = links_.find({type, address});
+    auto it = links_.find(linkKey(type, address));
     return it == links_.end() ? nullptr : &it->second;
 }
 
 void OperandTable::Register(int32_t type, int32_t address, int32_t mode, int32_t format) {
-    auto& entry = links_[{type, address}];
+    auto& entry = links_[linkKey(type, address)];
     ++entry.Count;
     entry.Mode = mode;
     entry.Format = format;
 }
 
 void OperandTable::Release(int32_t type, int32_t address) {
-    auto it = links_.find({type, address});
+    auto it = links_.find(linkKey(type, address));
     if (it == links_.end()) return;
     if (--it->second.Count <= 0) links_.erase(it);
 }

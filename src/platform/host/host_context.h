@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -117,7 +118,12 @@ public:
     const Entry* Find(int32_t type, int32_t address) const;
 
 private:
-    std::map<std::pair<int32_t, int32_t>, Entry> links_;
+    // By type (high half) and address (low half); looked up at every operand
+    // an image load links.
+    static uint64_t linkKey(int32_t type, int32_t address) {
+        return (static_cast<uint64_t>(static_cast<uint32_t>(type)) << 32) | static_cast<uint32_t>(address);
+    }
+    std::unordered_map<uint64_t, Entry> links_;
     std::map<int32_t, std::pair<int32_t, int64_t>> constants_;
     int32_t nextConstantAddress_ = 1;
 };

@@ -16,13 +16,14 @@ std::wstring clsOperand::OperandValueText() const {
 // takes from the host's table.
 VariantArray clsOperand::GetOperandState() const {
     VariantArray state;
-    state.reserve(16 + 3 * allowed_.size() + 2 * constantList_.size());
+    const std::vector<AllowedType> allowed = AllowedTypes();
+    state.reserve(16 + 3 * allowed.size() + 2 * constantList_.size());
     for (Variant v : {Variant(caption_), Variant(title_), Variant(description_), Variant(isNew_), Variant(type_),
                       Variant(netId_), Variant(address_), Variant(hasValue_), Variant(constantValue_),
                       Variant(constantListMode_), Variant(constantListOnly_), Variant(vectorLength_)})
         state.push_back(std::move(v));
-    state.push_back(static_cast<int32_t>(allowed_.size()));
-    for (const auto& a : allowed_) {
+    state.push_back(static_cast<int32_t>(allowed.size()));
+    for (const auto& a : allowed) {
         state.push_back(a.Mode);
         state.push_back(a.OperandType);
         state.push_back(a.Allowed);
@@ -50,13 +51,13 @@ void clsOperand::SetOperandState(const VariantArray& state) {
     constantListMode_ = next().ToI4();
     constantListOnly_ = next().ToBool();
     vectorLength_ = next().ToI4();
-    allowed_.clear();
+    ClearAllowedTypes();
     for (int32_t n = next().ToI4(); n > 0; --n) {
         AllowedType a{};
         a.Mode = next().ToI4();
         a.OperandType = next().ToI4();
         a.Allowed = next().ToBool();
-        allowed_.push_back(a);
+        AddAllowedType(a.Mode, a.OperandType, a.Allowed);
     }
     constantList_.clear();
     for (int32_t n = next().ToI4(); n > 0; --n) {
@@ -70,11 +71,28 @@ void clsOperand::SetOperandState(const VariantArray& state) {
 }
 
 void clsOperand::AddAllowedType(int32_t mode, int32_t operandType, bool allowed) {
-    allowed_.push_back({mode, operandType, allowed});
+    if (allowedCount_ < allowed_.size())
+        allowed_[allowedCount_++] = {mode, operandType, allowed};
+    else
+        allowedMore_.push_back({mode, operandType, allowed});
 }
 
+void clsOperand::ClearAllowedTypes() {
+    allowedCount_ = 0;
+    allowedMore_.clear();
+}
+
+std::vector<AllowedType> clsOperand::AllowedTypes() const {
+    std::vector<AllowedType> all(allowed_.begin(), allowed_.begin() + static_cast<std::ptrdiff_t>(allowedCount_));
+    all.insert(all.end(), allowedMore_.begin(), allowedMore_.end());
+    return all;
+}
+
+// The first entry of the type decides.
 bool clsOperand::IsTypeAllowed(int32_t mode, int32_t operandType) const {
-    for (const auto& a : allowed_)
+    for (size_t i = 0; i < allowedCount_; ++i)
+        if (allowed_[i].Mode == mode && allowed_[i].OperandType == operandType) return allowed_[i].Allowed;
+    for (const auto& a : allowedMore_)
         if (a.Mode == mode && a.OperandType == operandType) return a.Allowed;
     return false;
 }

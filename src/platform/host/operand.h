@@ -2,6 +2,7 @@
 // library gives it. This stand-in keeps its state in the object and reaches
 // the host's operand table and picker through the current host context.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -67,13 +68,13 @@ public:
     void RegisterOperand();
     // The host's modal picker; a scripted person answers it in tests.
     void EditOperand();
-    void ClearAllowedTypes() { allowed_.clear(); }
+    void ClearAllowedTypes();
     void AllocateConstantAddress(int32_t& address);
     void OperandVectorLength(int32_t v) { vectorLength_ = v; }
     int32_t OperandVectorLength() const { return vectorLength_; }
 
-    // What the picker may offer; read by the picker stand-in and by tests.
-    const std::vector<AllowedType>& AllowedTypes() const { return allowed_; }
+    // What the picker may offer, as a copy; read by the picker stand-in and by tests.
+    std::vector<AllowedType> AllowedTypes() const;
     bool IsTypeAllowed(int32_t mode, int32_t operandType) const;
 
 private:
@@ -91,7 +92,13 @@ private:
     bool constantListOnly_ = false;
     int32_t vectorLength_ = 1;
     std::vector<std::pair<int32_t, std::wstring>> constantList_;
-    std::vector<AllowedType> allowed_;
+    // An operand allows a handful of types (nine at most in this library),
+    // kept in the object itself: every field of a loaded image makes one.
+    // Any beyond the inline ones go to allowedMore_.
+    static constexpr size_t InlineAllowedTypes = 12;
+    std::array<AllowedType, InlineAllowedTypes> allowed_{};
+    size_t allowedCount_ = 0;
+    std::vector<AllowedType> allowedMore_;
 };
 
 using OperandPtr = std::shared_ptr<clsOperand>;
