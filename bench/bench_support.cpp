@@ -175,8 +175,12 @@ double memcpyNanoseconds(size_t size) {
     return best;
 }
 
-CopyRatio::CopyRatio(benchmark::State& state, size_t imageBytes)
-    : state_(state), imageBytes_(imageBytes), copyNs_(memcpyNanoseconds(imageBytes)) {}
+CopyRatio::CopyRatio(benchmark::State& state, size_t imageBytes, size_t modelBytes)
+    : state_(state),
+      imageBytes_(imageBytes),
+      copyNs_(memcpyNanoseconds(imageBytes)),
+      modelBytes_(modelBytes),
+      modelCopyNs_(modelBytes ? memcpyNanoseconds(modelBytes) : 0) {}
 
 void CopyRatio::finish() {
     auto measured = Clock::now() - start_ - excluded_;
@@ -187,6 +191,11 @@ void CopyRatio::finish() {
     state_.counters["memcpy_ns"] = copyNs_;
     state_.counters["op_ns"] = opNs;
     state_.counters["ratio_to_memcpy"] = opNs / copyNs_;
+    if (modelBytes_) {
+        state_.counters["model_bytes"] = static_cast<double>(modelBytes_);
+        state_.counters["model_memcpy_ns"] = modelCopyNs_;
+        state_.counters["ratio_to_model_memcpy"] = opNs / modelCopyNs_;
+    }
     state_.counters["allocs_per_op"] = static_cast<double>(allocations) / iterations;
     state_.SetBytesProcessed(state_.iterations() * static_cast<int64_t>(imageBytes_));
 }

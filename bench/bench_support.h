@@ -54,7 +54,10 @@ double memcpyNanoseconds(size_t size);
 // allocs_per_op.
 class CopyRatio {
 public:
-    CopyRatio(benchmark::State& state, size_t imageBytes);
+    // modelBytes, when given, adds the ratio to a memcpy of the model the
+    // operation walks (model_bytes, model_memcpy_ns, ratio_to_model_memcpy):
+    // the floor of an operation that must pass over every position once.
+    CopyRatio(benchmark::State& state, size_t imageBytes, size_t modelBytes = 0);
     void start() {
         allocationsAtStart_ = allocationCount();
         start_ = Clock::now();
@@ -69,6 +72,8 @@ private:
     benchmark::State& state_;
     size_t imageBytes_;
     double copyNs_;
+    size_t modelBytes_;
+    double modelCopyNs_;
     Clock::time_point start_;
     Clock::time_point pausedAt_;
     Clock::duration excluded_{};
@@ -89,6 +94,17 @@ MessagePtr fullMessage();
 // Positions at 0 that an InsertChar or DeleteByPosition can take on the
 // full message before a field would leave it or come to lie at 0.
 inline constexpr int32_t FullMessageSlack = 25;
+
+// The bytes the messages of a set hold: 500 wide characters and 500 control
+// codes each.
+template <class Set>
+size_t modelBytesOf(const Set& set) {
+    size_t bytes = 0;
+    for (int32_t m = 1; m <= set.NumberOfMessages(); ++m)
+        bytes +=
+            set.GetMessage(m)->MessageString().size() * sizeof(wchar_t) + sizeof(clsProtocolMessage::ControlCharArray);
+    return bytes;
+}
 
 // The size of the Send image of a set holding only that message.
 size_t sendImageSizeOf(const clsProtocolMessage& message);

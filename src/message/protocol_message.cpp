@@ -267,13 +267,14 @@ void clsProtocolMessage::setTextBytes(int32_t start, const uint8_t* values, int3
     if (start < 0 || count < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
     const size_t from = static_cast<size_t>(start);
     if (messageString_.size() < from + static_cast<size_t>(count)) messageString_.resize(MaxPositions, Blank);
+    const auto& toWide = ansiToWideTable();
     wchar_t* text = messageString_.data() + from;
-    fromAnsiBytes(values, static_cast<size_t>(count), text);
-    // Without a branch a position, so that the loop vectorises.
+    int32_t* controls = controlChars_.data() + from;
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        const bool control = values[i] < FirstPrintable;
-        controlChars_[from + i] = control ? values[i] : NoControlChar;
-        text[i] = control ? Blank : text[i];
+        const uint8_t value = values[i];
+        const bool control = value < FirstPrintable;
+        controls[i] = control ? value : NoControlChar;
+        text[i] = control ? Blank : toWide[value];
     }
 }
 

@@ -90,6 +90,7 @@ void MessageList::ClearAll() { ResetToEmpty(1); }
 
 void MessageList::ResetToEmpty(int32_t count) {
     messages_.Clear();
+    messages_.Reserve(count);
     do messages_.Add(newMessage());
     while (messages_.Count() < count);
 }

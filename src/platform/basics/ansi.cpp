@@ -94,6 +94,8 @@ std::wstring fromAnsi(const std::string& bytes) {
     return out;
 }
 
+const std::array<wchar_t, 256>& ansiToWideTable() { return codePage().toWide; }
+
 void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out) {
     const auto& toWide = codePage().toWide;
     for (size_t i = 0; i < count; ++i) out[i] = toWide[bytes[i]];

@@ -1,6 +1,7 @@
 // Text conversions at the edges of the library: the ANSI code page of the
 // images (Windows-1252, one byte a character) and UTF-8 for the console.
 #pragma once
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,6 +18,8 @@ std::wstring fromAnsi(const std::string& bytes);
 // through the same tables.
 void toAnsiBytes(std::wstring_view text, uint8_t* out);
 void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out);
+// The character of each byte, for loops that convert and do more at once.
+const std::array<wchar_t, 256>& ansiToWideTable();
 
 std::string toUtf8(const std::wstring& text);
 std::wstring fromUtf8(const std::string& text);
