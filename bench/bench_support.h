@@ -41,7 +41,7 @@ struct ThreadCpuClock {
     static time_point now() noexcept;
 };
 
-// Allocations through operator new since the program started.
+// Allocations of the calling thread through operator new since it started.
 uint64_t allocationCount();
 
 // CPU nanoseconds one memcpy of size bytes takes on this machine now: the

@@ -95,7 +95,7 @@ std::wstring GetEndOfMessageText(int32_t type) {
     }
 }
 
-std::wstring GetDateFormatText(int32_t type) {
+std::wstring_view dateFormatView(int32_t type) {
     switch (type) {
         case 2:
             return L"DDD";
@@ -114,7 +114,7 @@ std::wstring GetDateFormatText(int32_t type) {
     }
 }
 
-std::wstring GetTimeFormatText(int32_t type) {
+std::wstring_view timeFormatView(int32_t type) {
     switch (type) {
         case 0:
             return L"HH:MM";
@@ -124,5 +124,9 @@ std::wstring GetTimeFormatText(int32_t type) {
             return L"";
     }
 }
+
+std::wstring GetDateFormatText(int32_t type) { return std::wstring(dateFormatView(type)); }
+
+std::wstring GetTimeFormatText(int32_t type) { return std::wstring(timeFormatView(type)); }
 
 }  // namespace qx

@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "platform/host/host_context.h"
 #include "platform/host/operand.h"
@@ -32,5 +33,9 @@ float GetDpiScaleY();
 std::wstring GetEndOfMessageText(int32_t type);
 std::wstring GetDateFormatText(int32_t type);
 std::wstring GetTimeFormatText(int32_t type);
+// The same texts as views of constants, for a field that needs only their
+// length (a loaded image sets one per date or time field).
+std::wstring_view dateFormatView(int32_t type);
+std::wstring_view timeFormatView(int32_t type);
 
 }  // namespace qx

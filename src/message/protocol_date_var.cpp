@@ -9,7 +9,7 @@ clsProtocolDateVar::clsProtocolDateVar() : FieldState(8) {}
 
 void clsProtocolDateVar::DateFormatType(int32_t value) {
     dateFormatType_ = value;
-    length_ = static_cast<int32_t>(GetDateFormatText(value).size());
+    length_ = static_cast<int32_t>(dateFormatView(value).size());
 }
 
 Bytes clsProtocolDateVar::GetVarBinData(int32_t) {

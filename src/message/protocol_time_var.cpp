@@ -9,7 +9,7 @@ clsProtocolTimeVar::clsProtocolTimeVar() : FieldState(5) {}
 
 void clsProtocolTimeVar::TimeFormatType(int32_t value) {
     timeFormatType_ = value;
-    length_ = static_cast<int32_t>(GetTimeFormatText(value).size());
+    length_ = static_cast<int32_t>(timeFormatView(value).size());
 }
 
 Bytes clsProtocolTimeVar::GetVarBinData(int32_t) {
