@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
 #include "message/protocol_date_var.h"
@@ -397,6 +399,87 @@ TEST_F(MessageTest, TrailingBlanksBelongToNoSegment) {
     ASSERT_EQ(fieldOnly.size(), 2u);
     EXPECT_EQ(fieldOnly[0].Chars, (std::vector<int32_t>{32, 32, 32}));  // leading blanks are text
     EXPECT_EQ(fieldOnly[1].SegmentKind, 1);
+}
+
+TEST_F(MessageTest, SegmentSpansAreTheSegmentsWithoutTheirCharacters) {
+    clsProtocolMessage message;
+    type(message, 0, L"T=");
+    auto first = field(2, 3);
+    message.AddVar(first);
+    type(message, 5, L"\u00e9x");
+    message.AddControlChar(8, 3);
+    std::vector<SegmentSpan> spans{{1, 99, 99, first}};  // what was in the list goes
+    message.segmentSpans(spans);
+    ASSERT_EQ(spans.size(), 3u);
+    EXPECT_EQ(spans[0].SegmentKind, 0);
+    EXPECT_EQ(spans[0].StartPosition, 0);
+    EXPECT_EQ(spans[0].Count, 2);
+    EXPECT_FALSE(spans[0].Var);
+    EXPECT_EQ(spans[1].SegmentKind, 1);
+    EXPECT_EQ(spans[1].StartPosition, 2);
+    EXPECT_EQ(spans[1].Count, 0);
+    EXPECT_EQ(spans[1].Var.get(), first.get());
+    EXPECT_EQ(spans[2].StartPosition, 5);
+    EXPECT_EQ(spans[2].Count, 4);
+
+    const auto segments = message.GetSegments();
+    ASSERT_EQ(segments.size(), spans.size());
+    for (size_t i = 0; i < spans.size(); ++i) {
+        if (spans[i].SegmentKind != 0) continue;
+        std::vector<uint8_t> bytes(static_cast<size_t>(spans[i].Count));
+        message.textBytes(spans[i].StartPosition, spans[i].Count, bytes.data());
+        EXPECT_EQ(std::vector<int32_t>(bytes.begin(), bytes.end()), segments[i].Chars) << i;
+    }
+}
+
+TEST_F(MessageTest, TextBytesGiveControlCodesAnsiBytesAndBlanksPastAShortText) {
+    clsProtocolMessage message;
+    message.MessageString(L"A\u20AC");  // stored as given: two characters only
+    message.AddControlChar(3, 0);
+    std::vector<uint8_t> bytes(5, 0xEE);
+    message.textBytes(0, 5, bytes.data());
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{'A', 0x80, ' ', 0, ' '}));
+    message.textBytes(499, 1, bytes.data());
+    EXPECT_EQ(bytes[0], ' ');
+}
+
+TEST_F(MessageTest, TextBytesRefuseARangeOutsideTheRowAndACodeThatIsNoByte) {
+    clsProtocolMessage message;
+    std::vector<uint8_t> bytes(600);
+    EXPECT_EQ(runtimeErrorOf([&] { message.textBytes(-1, 2, bytes.data()); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.textBytes(499, 2, bytes.data()); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.textBytes(0, 501, bytes.data()); }), err::SubscriptOutOfRange);
+    message.AddControlChar(7, 256);
+    EXPECT_EQ(runtimeErrorOf([&] { message.textBytes(0, 8, bytes.data()); }), err::Overflow);
+    message.AddControlChar(7, -2);
+    EXPECT_EQ(runtimeErrorOf([&] { message.textBytes(0, 8, bytes.data()); }), err::Overflow);
+    message.AddControlChar(7, 255);
+    message.textBytes(0, 8, bytes.data());
+    EXPECT_EQ(bytes[7], 255);
+}
+
+TEST_F(MessageTest, SetTextBytesPutsCharactersAndControlCodesAtTheirPositions) {
+    clsProtocolMessage message;
+    const uint8_t values[] = {'H', 0x80, 13, 31, 32, 0xFF};
+    message.setTextBytes(10, values, 6);
+    EXPECT_EQ(message.MessageString().substr(8, 10), std::wstring(L"  H\u20AC   \u00FF  "));
+    const auto controls = message.ControlChars();
+    EXPECT_EQ(controls[11], -1);
+    EXPECT_EQ(controls[12], 13);
+    EXPECT_EQ(controls[13], 31);
+    EXPECT_EQ(controls[14], -1);
+    EXPECT_EQ(controls[9], -1);
+    std::vector<uint8_t> back(6);
+    message.textBytes(10, 6, back.data());
+    EXPECT_EQ(back, std::vector<uint8_t>(std::begin(values), std::end(values)));
+
+    EXPECT_EQ(runtimeErrorOf([&] { message.setTextBytes(495, values, 6); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { message.setTextBytes(-1, values, 1); }), err::SubscriptOutOfRange);
+
+    clsProtocolMessage shortText;
+    shortText.MessageString(L"ab");
+    shortText.setTextBytes(4, values, 1);
+    EXPECT_EQ(shortText.MessageString(), L"ab  H" + std::wstring(495, L' '));
 }
 
 TEST_F(MessageTest, IsMessageContainConstTextAsksTheSegments) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "platform/basics/runtime_error.h"
 #include "support/test_helpers.h"
 
@@ -44,6 +46,49 @@ TEST(ByteReader, UntilZeroLooksNoFurtherThanItsLimit) {
     EXPECT_EQ(in.untilZero(0, 3), (Bytes{'A', 'B', 'C'}));
     EXPECT_EQ(runtimeErrorOf([&] { in.untilZero(0, 2); }), 9);
     EXPECT_EQ(in.untilZero(3, 0), Bytes{});
+}
+
+TEST(ByteReader, BlockIsCheckedOnceAsAWhole) {
+    Bytes data{1, 2, 3, 4};
+    ByteReader in(data);
+    const auto middle = in.block(1, 2);
+    EXPECT_EQ(Bytes(middle.begin(), middle.end()), (Bytes{2, 3}));
+    EXPECT_EQ(in.block(4, 0).size(), 0u);
+    EXPECT_EQ(runtimeErrorOf([&] { in.block(3, 2); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.block(5, 0); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { in.block(-1, 1); }), 9);
+    // A count so large that offset + count wraps must not pass.
+    EXPECT_EQ(runtimeErrorOf([&] { in.block(2, SIZE_MAX - 1); }), 9);
+}
+
+TEST(ByteReader, UntilZeroOfAnEmptyBlockFails) {
+    Bytes empty;
+    EXPECT_EQ(runtimeErrorOf([&] { ByteReader(empty).untilZero(0); }), 9);
+    Bytes data{'A', 0};
+    EXPECT_EQ(runtimeErrorOf([&] { ByteReader(data).untilZero(2); }), 9);
+    EXPECT_EQ(ByteReader(data).untilZero(0, SIZE_MAX), (Bytes{'A'}));
+}
+
+TEST(ByteWriter, BlockIsWritableInPlaceAndCheckedOnce) {
+    Bytes data(4, 0);
+    ByteWriter out(data);
+    auto block = out.block(1, 3);
+    block[0] = 7;
+    block[2] = 9;
+    EXPECT_EQ(data, (Bytes{0, 7, 0, 9}));
+    EXPECT_EQ(runtimeErrorOf([&] { out.block(2, 3); }), 9);
+    EXPECT_EQ(runtimeErrorOf([&] { out.block(1, SIZE_MAX); }), 9);
+    EXPECT_EQ(data, (Bytes{0, 7, 0, 9}));
+}
+
+TEST(ByteWriter, ReserveKeepsTheBlockWhereItIsWhileItGrows) {
+    Bytes data(2, 0);
+    ByteWriter out(data);
+    out.reserve(1024);
+    const uint8_t* before = data.data();
+    out.grow(1000);
+    EXPECT_EQ(data.data(), before);
+    EXPECT_EQ(out.size(), 1002u);
 }
 
 TEST(ByteWriter, WritesLittleEndianAndGrowsWithZeros) {

@@ -106,5 +106,38 @@ TEST(Operand, AllowedTypesAreRecordedInOrder) {
     EXPECT_TRUE(op.AllowedTypes().empty());
 }
 
+TEST(Operand, AllowedTypesBeyondTheInlineOnesKeepTheirOrder) {
+    ScopedHostContext context;
+    clsOperand op;
+    std::vector<AllowedType> expected;
+    for (int32_t t = 1; t <= 20; ++t) {
+        op.AddAllowedType(1, t, t % 2 == 0);
+        expected.push_back({1, t, t % 2 == 0});
+    }
+    EXPECT_EQ(op.AllowedTypes(), expected);
+    EXPECT_TRUE(op.IsTypeAllowed(1, 20));
+    EXPECT_FALSE(op.IsTypeAllowed(1, 19));
+    EXPECT_TRUE(op.IsTypeAllowed(1, 2));
+
+    // The state array carries all of them to a clone.
+    clsOperand copy;
+    copy.SetOperandState(op.GetOperandState());
+    EXPECT_EQ(copy.AllowedTypes(), expected);
+
+    op.ClearAllowedTypes();
+    EXPECT_TRUE(op.AllowedTypes().empty());
+    EXPECT_FALSE(op.IsTypeAllowed(1, 20));
+    op.AddAllowedType(2, 37, true);
+    EXPECT_EQ(op.AllowedTypes(), (std::vector<AllowedType>{{2, 37, true}}));
+}
+
+TEST(Operand, TheFirstEntryOfATypeDecides) {
+    ScopedHostContext context;
+    clsOperand op;
+    op.AddAllowedType(1, 3, false);
+    op.AddAllowedType(1, 3, true);
+    EXPECT_FALSE(op.IsTypeAllowed(1, 3));
+}
+
 }  // namespace
 }  // namespace qx
