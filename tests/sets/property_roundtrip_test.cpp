@@ -444,7 +444,8 @@ TEST(SendSetProperty, TheSeedsReachEveryKindOfContent) {
                 } else if (auto list = std::dynamic_pointer_cast<clsProtocolistTextVar>(field)) {
                     ++seen[list->AlignmentStringSize() > 0 ? "list aligned" : "list"];
                 } else {
-                    ++seen[typeid(*field).name()];
+                    const itfProtocolVar& kind = *field;
+                    ++seen[typeid(kind).name()];
                 }
             }
         }
