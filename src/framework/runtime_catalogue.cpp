@@ -1,10 +1,9 @@
 #include "framework/runtime_catalogue.h"
 
-#include <filesystem>
-#include <fstream>
-#include <system_error>
+#include <utility>
 
 #include "platform/basics/ansi.h"
+#include "platform/basics/file_reader.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/basics/variant.h"
 #include "platform/host/host_services.h"
@@ -46,24 +45,26 @@ std::string trimBlanks(const std::string& text) {
     return text.substr(begin, end - begin + 1);
 }
 
-// Reads a runtime file whole into an array from 0 to its length - 1.
+// Reads a runtime file whole into an array from 0 to its length - 1. Only a
+// regular file is read; one past the limit of runtime files (its size would
+// not even fit the I4 of the details beyond 2 GiB) is an overflow.
 Bytes readWholeFile(const std::wstring& fileName) {
-    std::filesystem::path path(fileSystemPath(fileName));
-    std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) raiseError(err::FileNotFound);
-    if (std::filesystem::is_directory(status)) raiseFileAccessError();
-    uintmax_t length = std::filesystem::file_size(path, error);
-    if (error) raiseFileAccessError();
+    FileContent file = readRegularFile(fileSystemPath(fileName), file_limit::Runtime);
+    switch (file.Status) {
+        case FileReadStatus::Ok:
+            break;
+        case FileReadStatus::Missing:
+            raiseError(err::FileNotFound);
+        case FileReadStatus::TooLarge:
+            raiseError(err::Overflow);
+        case FileReadStatus::NotRegular:
+        case FileReadStatus::Unreadable:
+            raiseFileAccessError();
+    }
     // An empty file cannot size an array from 0 to -1: that is a subscript
     // out of range, which the caller raises again unchanged.
-    if (length == 0) raiseError(err::SubscriptOutOfRange);
-    std::ifstream in(path, std::ios::binary);
-    if (!in) raiseFileAccessError();
-    Bytes data(static_cast<size_t>(length));
-    in.read(reinterpret_cast<char*>(data.data()), static_cast<std::streamsize>(data.size()));
-    if (in.gcount() != static_cast<std::streamsize>(data.size())) raiseFileAccessError();
-    return data;
+    if (file.Data.empty()) raiseError(err::SubscriptOutOfRange);
+    return std::move(file.Data);
 }
 
 std::vector<std::wstring> splitText(const std::wstring& text, wchar_t separator) {

@@ -1,10 +1,16 @@
 #include "framework/runtime_catalogue.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "framework/temp_runtime_folder.h"
+#include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "support/test_helpers.h"
@@ -265,6 +271,70 @@ TEST(RuntimeCatalogue, CodeFileThatIsAFolderRaisesPathFileAccessErrorWithoutRepo
     std::filesystem::create_directory(folder.rt() / "170100V100.FBs");
     EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), 75);
     EXPECT_TRUE(context->Reports.empty());
+}
+
+TEST(RuntimeCatalogue, AnIniThatIsAFifoIsAnsweredAtOnceAsAMissingFile) {
+    ScopedHostContext context;
+    TempRuntimeFolder folder;
+    ASSERT_EQ(::mkfifo((folder.rt() / "170100.ini").c_str(), 0600), 0);
+    EXPECT_EQ(ReadFromIni(170100, L"CurrentHexFileVersion"), L"");
+    ASSERT_EQ(context->Reports.size(), 1u);
+    expectKeyNotFount(context->Reports[0], 170100, L"CurrentHexFileVersion");
+}
+
+TEST(RuntimeCatalogue, AnIniLinkedToADeviceIsAMissingFile) {
+    ScopedHostContext context;
+    TempRuntimeFolder folder;
+    for (const char* device : {"/dev/zero", "/dev/urandom"}) {
+        std::filesystem::remove(folder.rt() / "170200.ini");
+        std::filesystem::create_symlink(device, folder.rt() / "170200.ini");
+        EXPECT_EQ(ReadFromIni(170200, L"HexFilesVersionsList"), L"") << device;
+    }
+    EXPECT_EQ(context->Reports.size(), 2u);
+}
+
+TEST(RuntimeCatalogue, AnIniPastItsLimitIsAMissingFile) {
+    ScopedHostContext context;
+    TempRuntimeFolder folder;
+    // The key is there, but behind more than half a MiB of comments.
+    folder.writeIni(170100, std::string(600 * 1024, ';') + "\r\nCurrentHexFileVersion=100\r\n");
+    EXPECT_EQ(ReadFromIni(170100, L"CurrentHexFileVersion"), L"");
+    EXPECT_EQ(context->Reports.size(), 1u);
+}
+
+TEST(RuntimeCatalogue, ARuntimeFileThatIsAFifoRaisesPathFileAccessErrorAtOnce) {
+    ScopedHostContext context;
+    TempRuntimeFolder folder;
+    folder.writeFamily(170100);
+    folder.remove("170100V100.Jmp");
+    ASSERT_EQ(::mkfifo((folder.rt() / "170100V100.Jmp").c_str(), 0600), 0);
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), 75);
+    EXPECT_TRUE(context->Reports.empty());
+}
+
+TEST(RuntimeCatalogue, ARuntimeFileOf2GiBOrMoreIsAnOverflowNotANegativeSize) {
+    ScopedHostContext context;
+    TempRuntimeFolder folder;
+    folder.writeFamily(170100);
+    // A sparse file: it takes no room on the disk.
+    std::filesystem::resize_file(folder.rt() / "170100V100.FBs", (uintmax_t{1} << 31) + (uintmax_t{1} << 30));
+    EXPECT_EQ(runtimeErrorOf([] { srvGetHexFileDetails(170100, 100); }), err::Overflow);
+    EXPECT_TRUE(context->Reports.empty());
+}
+
+TEST(RuntimeCatalogue, ALatin1ApplicationFolderFindsItsRuntimeFiles) {
+    ScopedHostContext context;
+    const std::filesystem::path root =
+        std::filesystem::temp_directory_path() / ("qxfb_caf\xE9_" + std::to_string(::getpid()));
+    std::filesystem::create_directories(root / "bin");
+    std::filesystem::create_directories(root / "FB_Lib" / "RT");
+    std::ofstream(root / "FB_Lib" / "RT" / "170100.ini", std::ios::binary)
+        << "[170100]\r\nCurrentHexFileVersion=321\r\n";
+    // The folder name comes in as bytes, from the environment or a command line.
+    host().AppFolder = fromUtf8((root / "bin").string());
+    EXPECT_EQ(ReadFromIni(170100, L"CurrentHexFileVersion"), L"321");
+    EXPECT_TRUE(context->Reports.empty());
+    std::filesystem::remove_all(root);
 }
 
 TEST(RuntimeCatalogue, MissingVersionKeyAfterTheFilesReportsThenFailsWithTypeMismatch) {

@@ -101,12 +101,54 @@ void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out) {
     for (size_t i = 0; i < count; ++i) out[i] = toWide[bytes[i]];
 }
 
+namespace {
+
+// A byte that is no part of valid UTF-8 (a Latin-1 file name, say) becomes
+// one character of its own, U+DC80 to U+DCFF, and goes back to the same
+// byte: any name the system allows survives the trip through a text.
+constexpr uint32_t kEscapeBase = 0xDC00;
+
+bool isEscapedByte(uint32_t c) { return c >= kEscapeBase + 0x80 && c <= kEscapeBase + 0xFF; }
+
+bool isContinuation(uint8_t b) { return (b & 0xC0) == 0x80; }
+
+// The length of the valid sequence at text[i], or 0 when the byte there
+// starts none: a truncated sequence, a wrong continuation byte, an overlong
+// form, a surrogate or a value past U+10FFFF.
+size_t validSequenceAt(const std::string& text, size_t i, uint32_t& code) {
+    const auto byte = [&](size_t k) { return static_cast<uint8_t>(text[i + k]); };
+    const uint8_t lead = byte(0);
+    size_t length = 0;
+    uint32_t min = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2, code = lead & 0x1Fu, min = 0x80;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3, code = lead & 0x0Fu, min = 0x800;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4, code = lead & 0x07u, min = 0x10000;
+    } else {
+        return 0;
+    }
+    if (text.size() - i < length) return 0;
+    for (size_t k = 1; k < length; ++k) {
+        if (!isContinuation(byte(k))) return 0;
+        code = (code << 6) | (byte(k) & 0x3Fu);
+    }
+    if (code < min || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return 0;
+    return length;
+}
+
+}  // namespace
+
 std::string toUtf8(const std::wstring& text) {
     std::string out;
+    out.reserve(text.size());
     for (wchar_t wc : text) {
         auto c = static_cast<uint32_t>(wc);
         if (c < 0x80) {
             out.push_back(static_cast<char>(c));
+        } else if (isEscapedByte(c)) {
+            out.push_back(static_cast<char>(c - kEscapeBase));
         } else if (c < 0x800) {
             out.push_back(static_cast<char>(0xC0 | (c >> 6)));
             out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
@@ -126,25 +168,22 @@ std::string toUtf8(const std::wstring& text) {
 
 std::wstring fromUtf8(const std::string& text) {
     std::wstring out;
+    out.reserve(text.size());
     size_t i = 0;
     while (i < text.size()) {
-        auto b = static_cast<uint8_t>(text[i]);
-        uint32_t c = b;
-        size_t extra = 0;
-        if (b >= 0xF0) {
-            c = b & 0x07;
-            extra = 3;
-        } else if (b >= 0xE0) {
-            c = b & 0x0F;
-            extra = 2;
-        } else if (b >= 0xC0) {
-            c = b & 0x1F;
-            extra = 1;
+        const auto b = static_cast<uint8_t>(text[i]);
+        uint32_t code = 0;
+        if (b < 0x80) {
+            out.push_back(static_cast<wchar_t>(b));
+            ++i;
+        } else if (size_t length = validSequenceAt(text, i, code)) {
+            out.push_back(static_cast<wchar_t>(code));
+            i += length;
+        } else {
+            // Only this byte is taken: what follows is read afresh.
+            out.push_back(static_cast<wchar_t>(kEscapeBase + b));
+            ++i;
         }
-        ++i;
-        for (size_t k = 0; k < extra && i < text.size(); ++k, ++i)
-            c = (c << 6) | (static_cast<uint8_t>(text[i]) & 0x3F);
-        out.push_back(static_cast<wchar_t>(c));
     }
     return out;
 }

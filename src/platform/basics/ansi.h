@@ -21,6 +21,9 @@ void fromAnsiBytes(const uint8_t* bytes, size_t count, wchar_t* out);
 // The character of each byte, for loops that convert and do more at once.
 const std::array<wchar_t, 256>& ansiToWideTable();
 
+// UTF-8 of the system's texts and file names. Bytes that are not valid
+// UTF-8 come in as U+DC80 to U+DCFF, one a byte, and go out as the same
+// bytes, so that toUtf8(fromUtf8(b)) == b for any bytes b.
 std::string toUtf8(const std::wstring& text);
 std::wstring fromUtf8(const std::string& text);
 

@@ -1,10 +1,11 @@
 #include "platform/host/host_services.h"
 
 #include <cstdio>
-#include <fstream>
 #include <map>
+#include <sstream>
 
 #include "platform/basics/ansi.h"
+#include "platform/basics/file_reader.h"
 
 namespace qx {
 
@@ -162,8 +163,11 @@ std::wstring clsOperandFormats::GetValueText(int32_t, int32_t format, int64_t co
 uint32_t GetPrivateProfileStringA(const std::string& section, const std::string& key, const std::string& defaultValue,
                                   std::string& buffer, uint32_t size, const std::string& fileName) {
     std::string value = defaultValue;
-    std::ifstream in(fileName, std::ios::binary);
-    if (in) {
+    // A file that cannot be read as a regular file within the limit reads
+    // as a missing one: the caller gets its default.
+    const FileContent file = readRegularFile(fileName, file_limit::Ini);
+    if (file.Status == FileReadStatus::Ok) {
+        std::istringstream in(std::string(file.Data.begin(), file.Data.end()));
         std::string line, current;
         bool found = false;
         while (!found && std::getline(in, line)) {
