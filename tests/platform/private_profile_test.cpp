@@ -50,5 +50,24 @@ TEST_F(PrivateProfile, BlanksBehindTheNulStayInTheBuffer) {
     EXPECT_EQ(buffer[4], ' ');
 }
 
+TEST(IniText, AByteOrderMarkDoesNotHideTheFirstSection) {
+    EXPECT_EQ(findIniValue("\xEF\xBB\xBF[170100]\r\nKey=1\r\n", "170100", "Key"), "1");
+}
+
+TEST(IniText, NamesFoldTheCaseOfAsciiLettersOnly) {
+    EXPECT_EQ(findIniValue("[Sect]\nKEY=1\n", "sECT", "key"), "1");
+    // Latin-1 capital and small e with acute are different names in any locale.
+    EXPECT_EQ(findIniValue("[s]\n\xC9=1\n", "s", "\xE9"), std::nullopt);
+    EXPECT_EQ(findIniValue("[s]\n\xC9=1\n", "s", "\xC9"), "1");
+}
+
+TEST(IniText, TheFirstKeyOfTheSectionWinsAndOtherSectionsAreNotLookedAt) {
+    const std::string ini = "[a]\nk=1\n[b]\nk=2\n[a]\nk=3\n";
+    EXPECT_EQ(findIniValue(ini, "a", "k"), "1");
+    EXPECT_EQ(findIniValue(ini, "b", "k"), "2");
+    EXPECT_EQ(findIniValue(ini, "c", "k"), std::nullopt);
+    EXPECT_EQ(findIniValue("k=0\n", "", "k"), "0");  // a key before any section belongs to the nameless one
+}
+
 }  // namespace
 }  // namespace qx

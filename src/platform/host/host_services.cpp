@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 #include <sstream>
+#include <utility>
 
 #include "platform/basics/ansi.h"
 #include "platform/basics/file_reader.h"
@@ -65,11 +66,13 @@ std::string trim(const std::string& s) {
     return s.substr(b, e - b + 1);
 }
 
+// ASCII letters only, the same in every locale.
+char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 bool sameText(const std::string& a, const std::string& b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
+        if (asciiLower(a[i]) != asciiLower(b[i])) return false;
     return true;
 }
 
@@ -160,6 +163,32 @@ std::wstring clsOperandFormats::GetValueText(int32_t, int32_t format, int64_t co
     return text;
 }
 
+std::optional<std::string> findIniValue(const std::string& content, const std::string& section,
+                                        const std::string& key) {
+    // A byte-order mark would otherwise hide the first section.
+    const size_t start = content.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
+    std::istringstream in(content.substr(start));
+    std::string line, current;
+    while (std::getline(in, line)) {
+        std::string t = trim(line);
+        if (t.empty() || t[0] == ';') continue;
+        if (t.front() == '[') {
+            size_t close = t.find(']');
+            current = trim(t.substr(1, close == std::string::npos ? std::string::npos : close - 1));
+            continue;
+        }
+        size_t eq = t.find('=');
+        if (eq == std::string::npos || !sameText(current, section)) continue;
+        if (sameText(trim(t.substr(0, eq)), key)) {
+            std::string value = trim(t.substr(eq + 1));
+            if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
+                value = value.substr(1, value.size() - 2);
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
 uint32_t GetPrivateProfileStringA(const std::string& section, const std::string& key, const std::string& defaultValue,
                                   std::string& buffer, uint32_t size, const std::string& fileName) {
     std::string value = defaultValue;
@@ -167,27 +196,8 @@ uint32_t GetPrivateProfileStringA(const std::string& section, const std::string&
     // as a missing one: the caller gets its default.
     const FileContent file = readRegularFile(fileName, file_limit::Ini);
     if (file.Status == FileReadStatus::Ok) {
-        std::istringstream in(std::string(file.Data.begin(), file.Data.end()));
-        std::string line, current;
-        bool found = false;
-        while (!found && std::getline(in, line)) {
-            std::string t = trim(line);
-            if (t.empty() || t[0] == ';') continue;
-            if (t.front() == '[') {
-                size_t close = t.find(']');
-                current = trim(t.substr(1, close == std::string::npos ? std::string::npos : close - 1));
-                continue;
-            }
-            size_t eq = t.find('=');
-            if (eq == std::string::npos || !sameText(current, section)) continue;
-            if (sameText(trim(t.substr(0, eq)), key)) {
-                value = trim(t.substr(eq + 1));
-                if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
-                    value.back() == value.front())
-                    value = value.substr(1, value.size() - 2);
-                found = true;
-            }
-        }
+        if (auto found = findIniValue(std::string(file.Data.begin(), file.Data.end()), section, key))
+            value = std::move(*found);
     }
     if (size == 0) return 0;
     if (value.size() > size - 1) value.resize(size - 1);

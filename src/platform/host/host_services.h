@@ -3,6 +3,7 @@
 // host context.
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,11 @@ public:
     std::wstring GetFormatName(int32_t format) const;
     std::wstring GetValueText(int32_t operandType, int32_t format, int64_t constantValue) const;
 };
+
+// The value of the key in the section of ini text: the first such key line,
+// trimmed, without one pair of quotes around it; nothing when there is none.
+// Section and key names compare in ASCII case only.
+std::optional<std::string> findIniValue(const std::string& content, const std::string& section, const std::string& key);
 
 // GetPrivateProfileStringA: copies the value of Key in Section of the ini
 // file (or the default) into the buffer, NUL-terminated and cut to size - 1
