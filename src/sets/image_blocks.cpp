@@ -69,7 +69,7 @@ void prepareChecksum(itfProtocolVar& checksum, int32_t methodType, int32_t actua
 void MessageCanvas::readFixedText(const ByteReader& reader, int64_t blockOffset) {
     const int32_t count = reader.u8(blockOffset + 2);
     const std::span<const uint8_t> values = reader.block(blockOffset + kFixedTextHeader, static_cast<size_t>(count));
-    if (count > clsProtocolMessage::MaxPositions - position_) raiseError(err::SubscriptOutOfRange);
+    // A run past position 499 is refused there, as a subscript error.
     message_.setTextBytes(position_, values.data(), count);
     position_ += count;
 }
