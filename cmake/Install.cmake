@@ -9,6 +9,11 @@ install(TARGETS QxFBCom2 EXPORT QxFBCom2Targets LIBRARY DESTINATION ${CMAKE_INST
 install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2
         FILES_MATCHING PATTERN "*.h")
+# The runtime folder: bin/, the application folder of an installed component,
+# and FB_Lib/RT/, the runtime files of the families. The component finds it
+# relative to its own library (src/CMakeLists.txt).
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/runtime/bin ${CMAKE_SOURCE_DIR}/runtime/FB_Lib
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME})
 # The generated umbrella header (cmake/Umbrella.cmake).
 install(FILES ${QXFB_UMBRELLA_HEADER} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2)
 install(EXPORT QxFBCom2Targets NAMESPACE QxFBCom2:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)

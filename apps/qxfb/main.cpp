@@ -63,13 +63,14 @@ Usage:
       Shows this text.
 
 Options:
-  --component PATH   the component to load; by default the libQxFBCom2.so of
-                     this build, else the one installed beside qxfb
-                     (../lib/libQxFBCom2.so)
+  --component PATH   the component to load; by default the one installed
+                     beside qxfb (../lib/libQxFBCom2.so), else the
+                     libQxFBCom2.so of the build that made qxfb
   --app-folder DIR   the host's application folder inside the component; the
                      runtime files are read from DIR/../FB_Lib/RT/. By default
-                     the component's own: $QXFB_APP_FOLDER, else runtime/bin of
-                     the source tree it was built from
+                     the component's own: $QXFB_APP_FOLDER, else for an
+                     installed component share/QxFBCom2/bin of its prefix, else
+                     runtime/bin of the source tree it was built from
 
 Environment:
   QXFB_APP_FOLDER    application folder the component starts with
@@ -106,10 +107,15 @@ std::string executableFolder() {
     return std::filesystem::path(path).parent_path().string();
 }
 
+// The component installed beside qxfb when there is one, else the one of the
+// build that made qxfb. The installed one comes first, so that an installed
+// qxfb never loads the component of a build tree still on the machine.
 std::string defaultComponent() {
     std::error_code ec;
+    const std::string installed = executableFolder() + "/" + QXFB_INSTALLED_COMPONENT;
+    if (std::filesystem::exists(installed, ec)) return installed;
     if (*QXFB_DEFAULT_COMPONENT && std::filesystem::exists(QXFB_DEFAULT_COMPONENT, ec)) return QXFB_DEFAULT_COMPONENT;
-    return executableFolder() + "/" + QXFB_INSTALLED_COMPONENT;
+    return installed;
 }
 
 // The component as a host holds it: the library handle and its entry points.

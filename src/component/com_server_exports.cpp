@@ -8,28 +8,18 @@
 #include <string>
 
 #include "component/com_server.h"
+#include "component/default_app_folder.h"
 #include "platform/basics/ansi.h"
 #include "platform/host/host_context.h"
 
+// Set by src/CMakeLists.txt for the component.
+#ifndef QXFB_INSTALLED_APP_FOLDER
+#define QXFB_INSTALLED_APP_FOLDER ""
+#endif
+
 namespace {
 
-// The component's host context starts with the application folder baked in
-// at build time (runtime/bin of the source tree); $QXFB_APP_FOLDER, read at
-// the first call into the component, replaces it. A host may change it
-// afterwards through QxFBCom2_HostContext().
-void prepareHostContext() noexcept {
-    static std::once_flag once;
-    try {
-        std::call_once(once, [] {
-            const char* folder = std::getenv("QXFB_APP_FOLDER");
-            if (folder && *folder) qx::host().AppFolder = qx::fromUtf8(folder);
-        });
-    } catch (...) {
-        // The context stays as it is; a family will report the missing runtime files.
-    }
-}
-
-// The path of this shared library as the loader found it.
+// The path of this shared library as the loader found it, symbolic links resolved.
 std::string componentPath() {
     static const char anchor = 0;
     Dl_info info{};
@@ -39,6 +29,35 @@ std::string componentPath() {
     std::string path(resolved);
     std::free(resolved);
     return path;
+}
+
+// The component's host context gets its application folder at the first call
+// into the component: $QXFB_APP_FOLDER when set, else the built-in default. A
+// host may change it afterwards through QxFBCom2_HostContext().
+//
+// One build makes one library for both places, the build tree and the
+// install prefix, so the library tells them apart by what lies beside it:
+// the installed one finds the runtime folder that `cmake --install` put at
+// QXFB_INSTALLED_APP_FOLDER (relative to the library's folder, computed at
+// configure time from the library and data folders) and uses it; the one in
+// the build tree finds none there and keeps the folder the core's host
+// context starts with, runtime/bin of the source tree, which the tests rely on.
+void prepareHostContext() noexcept {
+    static std::once_flag once;
+    try {
+        std::call_once(once, [] {
+            qx::HostContext& context = qx::host();
+            const char* folder = std::getenv("QXFB_APP_FOLDER");
+            if (folder && *folder) {
+                context.AppFolder = qx::fromUtf8(folder);
+                return;
+            }
+            context.AppFolder = qx::fromUtf8(
+                qx::defaultAppFolder(componentPath(), QXFB_INSTALLED_APP_FOLDER, qx::toUtf8(context.AppFolder)));
+        });
+    } catch (...) {
+        // The context stays as it is; a family will report the missing runtime files.
+    }
 }
 
 }  // namespace
