@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cctype>
 #include <cstdio>
-#include <cwctype>
 #include <new>
 #include <vector>
 
@@ -157,10 +156,14 @@ private:
     const PublicClass& class_;
 };
 
+// ASCII letters only, the same in every locale: towlower would let U+0130
+// (a capital I with a dot) stand for 'i'.
+wchar_t asciiLower(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; }
+
 bool sameProgID(const std::wstring& a, const std::wstring& b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
-        if (std::towlower(a[i]) != std::towlower(b[i])) return false;
+        if (asciiLower(a[i]) != asciiLower(b[i])) return false;
     return true;
 }
 
@@ -267,6 +270,7 @@ HRESULT serverCLSIDFromProgID(const wchar_t* progId, GUID* clsid) {
 HRESULT serverRegister(const std::string& libraryPath) {
     try {
         const std::string path = registryFilePath();
+        if (path.empty()) return SELFREG_E_CLASS;
         RegistryFile file = RegistryFile::load(path);
         for (const auto& entry : registryEntries(libraryPath)) file.setValue(entry.Section, entry.Key, entry.Value);
         file.save(path);
@@ -281,6 +285,7 @@ HRESULT serverRegister(const std::string& libraryPath) {
 HRESULT serverUnregister() {
     try {
         const std::string path = registryFilePath();
+        if (path.empty()) return SELFREG_E_CLASS;
         RegistryFile file = RegistryFile::load(path);
         bool changed = false;
         for (const auto& entry : registryEntries("")) changed = file.removeValue(entry.Section, entry.Key) || changed;

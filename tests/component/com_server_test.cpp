@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <new>
 #include <set>
 #include <stdexcept>
+#include <string>
 
 #include "platform/basics/runtime_error.h"
 
@@ -53,6 +55,24 @@ TEST(PublicClasses, AreFoundByIdentifierAndByProgID) {
     EXPECT_EQ(findPublicClassByProgID(L"QXFBCOM2.CLSGATE"), findPublicClass(CLSID_clsGate));
     EXPECT_EQ(findPublicClassByProgID(L"QxFBCom2.clsGate.1"), nullptr);
     EXPECT_EQ(progIDOf(*findPublicClass(CLSID_clsProtocolscan)), L"QxFBCom2.clsProtocolscan");
+}
+
+TEST(PublicClasses, ProgIDsFoldTheCaseOfAsciiLettersOnlyInEveryLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    for (const char* locale : {"C.UTF-8", "C"}) {
+        SCOPED_TRACE(locale);
+        if (!std::setlocale(LC_ALL, locale)) {
+            ADD_FAILURE() << "no locale " << locale;
+            continue;
+        }
+        // U+0130, a capital I with a dot, lowers to 'i' outside ASCII rules.
+        EXPECT_EQ(findPublicClassByProgID(L"QxFBCom2.clsProtocolConf\u0130g"), nullptr);
+        EXPECT_EQ(findPublicClassByProgID(L"QxFBCom2.clsProtocolConf\u0131g"), nullptr);
+        EXPECT_EQ(findPublicClassByProgID(L"qxfbcom2.CLSPROTOCOLCONFIG"), findPublicClass(CLSID_clsProtocolConfig));
+        GUID clsid{};
+        EXPECT_EQ(serverCLSIDFromProgID(L"QxFBCom2.clsProtocolConf\u0130g", &clsid), CO_E_CLASSSTRING);
+    }
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 HRESULT resultOf(const std::function<void()>& f) {
