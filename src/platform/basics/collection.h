@@ -1,6 +1,8 @@
 // The host's Collection: an ordered, 1-based list, optionally keyed by text
 // (keys compare without regard to case). A bad index or key raises
-// RuntimeError(5), as the host's collection does.
+// RuntimeError(5), as the host's collection does. It is counted as a live
+// object: one the component made runs the component's code when the host
+// drops it.
 #pragma once
 #include <algorithm>
 #include <cstdint>
@@ -11,12 +13,13 @@
 #include <utility>
 #include <vector>
 
+#include "platform/basics/object_count.h"
 #include "platform/basics/runtime_error.h"
 
 namespace qx {
 
 template <class T>
-class Collection {
+class Collection : protected CountedObject {
 public:
     int32_t Count() const { return static_cast<int32_t>(items_.size()); }
 

@@ -1,4 +1,6 @@
 // The host's variant: empty, Boolean, integers, double, text or byte block.
+// A plain value that owns no object of the library, so it is not counted and
+// a host may keep one after unloading the component.
 #pragma once
 #include <cstdint>
 #include <string>

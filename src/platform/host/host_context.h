@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/basics/object_count.h"
 #include "platform/host/operand.h"
 
 namespace qx {
@@ -45,8 +46,9 @@ struct Font {
     bool operator==(const Font&) const = default;
 };
 
-// A picture of the host: a bitmap of 24-bit pixels, blue-green-red.
-struct Picture {
+// A picture of the host: a bitmap of 24-bit pixels, blue-green-red. Counted
+// as a live object: one the component made is freed by the component's code.
+struct Picture : protected CountedObject {
     int32_t Width = 0;
     int32_t Height = 0;
     std::vector<uint8_t> Pixels;

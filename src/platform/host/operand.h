@@ -1,6 +1,7 @@
 // clsOperand: one link to a controller operand, as the host's closed operand
 // library gives it. This stand-in keeps its state in the object and reaches
 // the host's operand table and picker through the current host context.
+// Its code is the library's, so a live operand keeps the component loaded.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/basics/object_count.h"
 #include "platform/basics/variant.h"
 
 namespace qx {
@@ -20,7 +22,7 @@ struct AllowedType {
     bool operator==(const AllowedType&) const = default;
 };
 
-class clsOperand {
+class clsOperand : protected CountedObject {
 public:
     clsOperand();
     ~clsOperand();
