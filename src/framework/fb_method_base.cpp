@@ -25,7 +25,7 @@ void FBMethodBase::itfFBMethod_InitProperties(itfFBFather& pFather) {
 
 void FBMethodBase::itfFBMethod_Init(InstancesPtr pFBserver) {
     instances_ = std::move(pFBserver);
-    instances_->AttachMethod(methodID_);
+    requiredInstances().AttachMethod(methodID_);
 }
 
 void FBMethodBase::itfFBMethod_CreateDummyOperands() {
@@ -61,8 +61,7 @@ void FBMethodBase::itfFBMethod_BuildOperands() {
     int32_t index = 0;
     for (const auto& slot : info_.OutOperandSpecs) {
         // A host that gives fewer operands than the table meets the collection's error here.
-        OperandPtr operand = outOperands_ ? outOperands_->Item(++index) : nullptr;
-        if (!operand) raiseError(err::InvalidProcedureCall);
+        OperandPtr operand = outOperandAt(*this, ++index);
         applyOperandSpec(*operand, slot);
         if (slot.Visible) visbleOutOperands_->Add(operand);
     }
@@ -91,5 +90,13 @@ void FBMethodBase::itfFBMethod_Execute(VariantArray& pParams) {
 }
 
 void FBMethodBase::replaceFindOnlyOperand(int32_t, int32_t, int32_t, int32_t) {}
+
+OperandPtr outOperandAt(itfFBMethod& method, int32_t index) {
+    OperandCollectionPtr operands = method.itfFBMethod_OutOperands();
+    if (!operands) raiseError(err::InvalidProcedureCall);
+    OperandPtr operand = operands->Item(index);
+    if (!operand) raiseError(err::ObjectNotSet);
+    return operand;
+}
 
 }  // namespace qx

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/basics/object_count.h"
+#include "platform/basics/runtime_error.h"
 #include "platform/host/host_contract.h"
 
 namespace qx {
@@ -89,6 +90,8 @@ public:
     const InstancesPtr& Instances() const { return instances_; }
 
 protected:
+    // The host's side of the instances that Init gave; error 91 without one.
+    itfFBInstances& requiredInstances() const { return objectOf(instances_); }
     // "ReplaceFindOnlyOperand": the operations with a message set rewrite their image.
     virtual void replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress);
     // Sets the allowed types, caption and title of one out operand by its slot.
@@ -118,5 +121,9 @@ private:
     InstancesPtr instances_;
     Bytes binaryOperands_;
 };
+
+// The out operand at a 1-based place, never nothing: a missing collection
+// reads as an empty one (the collection's error 5), an empty place is error 91.
+OperandPtr outOperandAt(itfFBMethod& method, int32_t index);
 
 }  // namespace qx

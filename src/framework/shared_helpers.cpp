@@ -5,10 +5,6 @@
 
 namespace qx {
 
-namespace {
-constexpr int32_t kObjectNotSet = 91;
-}  // namespace
-
 std::wstring GetOperandDisplayText(const clsOperand& operand) {
     const bool isNew = operand.IsNew();
     const int32_t operandType = operand.OperandType();
@@ -55,7 +51,7 @@ bool IsConstantOperandType(int32_t operandType) {
 }
 
 void EditOperandChecked(OperandPtr& operand) {
-    if (!operand) throw RuntimeError(kObjectNotSet, L"QxFBCom2", L"Object variable or With block variable not set");
+    if (!operand) raiseError(err::ObjectNotSet);
     const int32_t oldAddress = operand->OperandAddress();
     const int32_t oldNetID = operand->OperandNetID();
     const int32_t oldType = operand->OperandType();

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "framework/fb_method_base.h"
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
 #include "platform/host/host_services.h"
@@ -56,7 +57,7 @@ bool frmProtocolConfig::Edit(clsProtocolConfigSrv& pConfigSrv, itfFBMethod& pCon
     return result_;
 }
 
-OperandPtr frmProtocolConfig::operand(int32_t index) const { return method_->itfFBMethod_OutOperands()->Item(index); }
+OperandPtr frmProtocolConfig::operand(int32_t index) const { return outOperandAt(*method_, index); }
 
 void frmProtocolConfig::Form_Load() {
     Icon(GetDialogIcon(iconPicture));

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/basics/bytes.h"
+#include "platform/basics/runtime_error.h"
 #include "serial/frm_protocol_config.h"
 
 namespace qx {
@@ -47,9 +48,9 @@ bool clsProtocolConfigSrv::IsInstanceNameLegal() const {
     if (instanceName_.empty()) return false;
     bool isEmpty = true;
     std::vector<FBInstanceRecord> instances;
-    instances_->GetInstances(isEmpty, instances);
+    objectOf(instances_).GetInstances(isEmpty, instances);
     if (isEmpty) return true;
-    int32_t own = method_->itfFBMethod_FatherInstanceNum();
+    int32_t own = objectOf(method_).itfFBMethod_FatherInstanceNum();
     for (const auto& record : instances)
         if (record.InstanceName == instanceName_ && record.InstanceNum != own) return false;
     return true;
@@ -62,7 +63,9 @@ bool clsProtocolConfigSrv::Edit(itfFBMethod& pMethod, InstancesPtr pInstances) {
     return dialog.Edit(*this, pMethod);
 }
 
-void clsProtocolConfigSrv::ShowHelp() const { instances_->ShowFBHelp((method_->itfFBMethod_MethodID() / 100) * 100); }
+void clsProtocolConfigSrv::ShowHelp() const {
+    objectOf(instances_).ShowFBHelp((objectOf(method_).itfFBMethod_MethodID() / 100) * 100);
+}
 
 clsProtocolConfig::clsProtocolConfig() : FBMethodBase(configInfo()) {}
 
@@ -75,7 +78,7 @@ void clsProtocolConfig::itfFBMethod_EditOperands() {
     } else {
         // The image stays the default: port 1.
         FBInstanceRecord added;
-        Instances()->AddInstance(added);
+        requiredInstances().AddInstance(added);
         srv->InstanceName(added.InstanceName);
         itfFBMethod_FatherInstanceNum(added.InstanceNum);
     }
@@ -85,7 +88,7 @@ void clsProtocolConfig::itfFBMethod_EditOperands() {
         setBinaryOperands(srv->BinaryData());
         FBInstanceRecord record{itfFBMethod_FatherInstanceNum(), srv->InstanceName()};
         // The host may renumber the instance.
-        Instances()->UpdateInstance(record);
+        requiredInstances().UpdateInstance(record);
         itfFBMethod_FatherInstanceNum(record.InstanceNum);
     } else {
         itfFBMethod_IsCanceled(true);

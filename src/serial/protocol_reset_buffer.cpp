@@ -1,7 +1,5 @@
 #include "serial/protocol_reset_buffer.h"
 
-#include "platform/basics/runtime_error.h"
-
 namespace qx {
 
 namespace {
@@ -23,9 +21,8 @@ FBMethodInfo resetBufferInfo() {
 clsProtocolResetBuffer::clsProtocolResetBuffer() : FBMethodBase(resetBufferInfo()) {}
 
 void clsProtocolResetBuffer::itfFBMethod_EditOperands() {
-    if (!Instances()) throw RuntimeError(91, L"QxFBCom2", L"Object variable or With block variable not set");
     // The host's dialog sets FatherInstanceNum and IsCanceled on this object.
-    Instances()->SelectInstance(*this);
+    requiredInstances().SelectInstance(*this);
     if (!itfFBMethod_IsCanceled()) setIsNew(false);
 }
 

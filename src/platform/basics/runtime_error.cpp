@@ -17,6 +17,8 @@ std::wstring standardText(int32_t number) {
             return L"Type mismatch";
         case err::FileNotFound:
             return L"File not found";
+        case err::ObjectNotSet:
+            return L"Object variable or With block variable not set";
         default:
             return L"Application-defined or object-defined error";
     }

@@ -28,9 +28,18 @@ inline constexpr int32_t Overflow = 6;
 inline constexpr int32_t SubscriptOutOfRange = 9;
 inline constexpr int32_t TypeMismatch = 13;
 inline constexpr int32_t FileNotFound = 53;
+inline constexpr int32_t ObjectNotSet = 91;
 }  // namespace err
 
 [[noreturn]] void raiseError(int32_t number, const std::wstring& source = L"QxFBCom2");
+
+// The object behind a pointer the host gave or left empty: a call on nothing
+// is error 91, as the host's runtime raises it, and never a crash.
+template <class Pointer>
+decltype(auto) objectOf(const Pointer& object) {
+    if (!object) raiseError(err::ObjectNotSet);
+    return *object;
+}
 
 // The byte or word that must hold a value: anything out of range is an overflow.
 inline uint8_t checkedByte(int64_t value) {
