@@ -3,11 +3,14 @@
 // the ladder IDE does: it lists the families and plays the road of a new
 // serial Config with a scripted person, and it registers the component.
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -118,6 +121,17 @@ std::string defaultComponent() {
     return installed;
 }
 
+// Why the file at path cannot be a component, or nothing: dlopen would block
+// on a FIFO until a writer comes and read a device without end, so only a
+// regular file goes to it.
+std::string faultOfComponentFile(const std::string& path) {
+    if (path.empty()) return "the path is empty";
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return std::strerror(errno);
+    if (!S_ISREG(info.st_mode)) return "not a regular file";
+    return "";
+}
+
 // The component as a host holds it: the library handle and its entry points.
 class LoadedComponent {
 public:
@@ -128,9 +142,16 @@ public:
 
     bool load(const std::string& path) {
         path_ = path;
-        handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (const std::string fault = faultOfComponentFile(path); !fault.empty()) {
+            std::cerr << "qxfb: cannot load the component \"" << path << "\": " << fault << "\n";
+            return false;
+        }
+        // A name without a slash names a file of the current folder, as any
+        // path on the command line does, and not one that dlopen searches for.
+        const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+        handle_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (!handle_) {
-            std::cerr << "qxfb: cannot load the component " << path << ": " << dlerror() << "\n";
+            std::cerr << "qxfb: cannot load the component \"" << path << "\": " << dlerror() << "\n";
             return false;
         }
         GetClassObject = reinterpret_cast<DllGetClassObjectFn>(dlsym(handle_, "DllGetClassObject"));
