@@ -40,10 +40,11 @@ std::string flipCase(std::string name) {
     return name;
 }
 
-// The lines of text without their endings.
+// The lines of text without their endings; a byte-order mark belongs to the
+// file, not to its first line.
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
-    size_t at = 0;
+    size_t at = text.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
     while (at < text.size()) {
         size_t end = text.find('\n', at);
         if (end == std::string::npos) end = text.size();
