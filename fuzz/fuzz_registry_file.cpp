@@ -47,9 +47,11 @@ std::vector<std::string> linesOf(const std::string& text) {
     size_t at = text.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
     while (at < text.size()) {
         size_t end = text.find('\n', at);
-        if (end == std::string::npos) end = text.size();
+        const bool ended = end != std::string::npos;
+        if (!ended) end = text.size();
         std::string line = text.substr(at, end - at);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        // Only a line ending is "\r\n": a last line without one keeps its '\r'.
+        if (ended && !line.empty() && line.back() == '\r') line.pop_back();
         lines.push_back(line);
         at = end + 1;
     }
