@@ -9,6 +9,7 @@
 #include "component/gate.h"
 #include "component/registry.h"
 #include "platform/basics/ansi.h"
+#include "platform/basics/ascii_case.h"
 #include "platform/basics/object_count.h"
 #include "platform/basics/runtime_error.h"
 #include "serial/protocol_config.h"
@@ -156,17 +157,6 @@ private:
     const PublicClass& class_;
 };
 
-// ASCII letters only, the same in every locale: towlower would let U+0130
-// (a capital I with a dot) stand for 'i'.
-wchar_t asciiLower(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; }
-
-bool sameProgID(const std::wstring& a, const std::wstring& b) {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (asciiLower(a[i]) != asciiLower(b[i])) return false;
-    return true;
-}
-
 std::string clsidSection(const PublicClass& cls) { return "CLSID\\" + guidToText(cls.CLSID); }
 
 // The entries serverRegister writes, as (section, key) with their values.
@@ -198,7 +188,7 @@ const PublicClass* findPublicClass(const GUID& clsid) {
 
 const PublicClass* findPublicClassByProgID(const std::wstring& progId) {
     for (const auto& cls : PublicClasses)
-        if (sameProgID(progIDOf(cls), progId)) return &cls;
+        if (sameIgnoringAsciiCase(progIDOf(cls), progId)) return &cls;
     return nullptr;
 }
 

@@ -12,6 +12,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "platform/basics/ascii_case.h"
 #include "platform/basics/file_reader.h"
 
 namespace qx {
@@ -28,15 +29,6 @@ std::string trim(const std::string& text) {
     if (first == npos) return "";
     size_t last = text.find_last_not_of(" \t\r");
     return text.substr(first, last - first + 1);
-}
-
-// ASCII letters only: std::tolower would fold other bytes too in an 8-bit
-// locale, and the file's names must compare the same in every locale.
-char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool sameName(const std::string& a, const std::string& b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return asciiLower(x) == asciiLower(y); });
 }
 
 bool isBlank(const std::string& line) { return trim(line).empty(); }
@@ -206,12 +198,12 @@ RegistryFile::Place RegistryFile::find(const std::string& section, const std::st
                 place.End = i;
                 break;
             }
-            if (sameName(name, section)) {
+            if (sameIgnoringAsciiCase(name, section)) {
                 place.Header = i;
                 place.After = i + 1;
             }
         } else if (place.Header != npos) {
-            if (place.Key == npos && isKeyLine(line, &name, nullptr) && sameName(name, key)) place.Key = i;
+            if (place.Key == npos && isKeyLine(line, &name, nullptr) && sameIgnoringAsciiCase(name, key)) place.Key = i;
             if (!isBlank(line)) place.After = i + 1;
         }
     }
@@ -227,8 +219,8 @@ std::optional<std::string> RegistryFile::value(const std::string& section, const
     for (const auto& line : lines_) {
         std::string name, k, v;
         if (isSectionLine(line.Text, &name))
-            inSection = sameName(name, section);
-        else if (inSection && isKeyLine(line.Text, &k, &v) && sameName(k, key))
+            inSection = sameIgnoringAsciiCase(name, section);
+        else if (inSection && isKeyLine(line.Text, &k, &v) && sameIgnoringAsciiCase(k, key))
             return v;
     }
     return std::nullopt;
@@ -236,8 +228,9 @@ std::optional<std::string> RegistryFile::value(const std::string& section, const
 
 bool RegistryFile::hasSection(const std::string& section) const {
     std::string name;
-    return std::any_of(lines_.begin(), lines_.end(),
-                       [&](const Line& line) { return isSectionLine(line.Text, &name) && sameName(name, section); });
+    return std::any_of(lines_.begin(), lines_.end(), [&](const Line& line) {
+        return isSectionLine(line.Text, &name) && sameIgnoringAsciiCase(name, section);
+    });
 }
 
 std::vector<std::string> RegistryFile::sections() const {

@@ -14,17 +14,13 @@
 #include <vector>
 
 #include "component/built_paths.h"
+#include "support/scratch_files.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
+using qx::test::readFile;
 
 std::string shellQuoted(const std::string& text) {
     std::string out = "'";
@@ -53,12 +49,7 @@ protected:
     void SetUp() override {
         program = qx::paths::builtCli();
         ASSERT_FALSE(program.empty()) << "QXFB_CLI names the program under test";
-        folder = fs::temp_directory_path() / ("qxfb_cli_test_" + std::to_string(getpid()) + "_" +
-                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
-        fs::create_directories(folder);
     }
-    void TearDown() override { fs::remove_all(folder); }
 
     // Runs qxfb with the arguments, environment assignments first ("NAME=value"),
     // in the folder current when one is given.
@@ -77,7 +68,8 @@ protected:
     }
 
     std::string program;
-    fs::path folder;
+    qx::test::ScratchFolder scratch{"qxfb_cli_test"};
+    const fs::path folder = scratch.path();
 };
 
 TEST_F(QxfbTest, DemoEndsWithTheImageOfTheNewConfigOnCom2) {

@@ -4,7 +4,6 @@
 // call the host makes on nothing raises 91, as the host's own runtime does.
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <climits>
 #include <functional>
 #include <memory>
@@ -36,12 +35,6 @@ using test::runtimeErrorOf;
 
 constexpr int32_t kObjectNotSet = 91;
 const wchar_t* const kMissingAppFolder = L"/nonexistent/qxfb/bin";
-
-std::string testName(const std::string& text) {
-    std::string name;
-    for (char ch : text) name += std::isalnum(static_cast<unsigned char>(ch)) ? ch : '_';
-    return name;
-}
 
 OperandCollectionPtr collectionOf(std::vector<OperandPtr> operands) {
     auto collection = newCollection<OperandPtr>();
@@ -103,10 +96,14 @@ struct OperationBench {
     MethodPtr method;
 };
 
-struct OperationStep {
+// A named step on a bench: a state to bring it to, or a call to make on it.
+template <class Bench>
+struct Step {
     std::string Name;
-    std::function<void(OperationBench&)> Run;
+    std::function<void(Bench&)> Run;
 };
+
+using OperationStep = Step<OperationBench>;
 
 // Where the operation stands when the call comes.
 const std::vector<OperationStep>& operationStates() {
@@ -310,7 +307,7 @@ TEST_P(OperationCallOrder, SucceedsOrRaisesARuntimeError) {
 
 INSTANTIATE_TEST_SUITE_P(EveryMember, OperationCallOrder, ::testing::Range<size_t>(0, operationCalls().size()),
                          [](const ::testing::TestParamInfo<size_t>& info) {
-                             return testName(operationCalls()[info.param].Name);
+                             return test::testNameOf(operationCalls()[info.param].Name);
                          });
 
 // What the host's runtime answers for a member call on nothing.
@@ -417,10 +414,7 @@ struct FamilyBench {
     FatherPtr father;
 };
 
-struct FamilyStep {
-    std::string Name;
-    std::function<void(FamilyBench&)> Run;
-};
+using FamilyStep = Step<FamilyBench>;
 
 const std::vector<FamilyStep>& familyStates() {
     static const std::vector<FamilyStep> states{
@@ -488,7 +482,7 @@ TEST_P(FamilyCallOrder, SucceedsOrRaisesARuntimeError) {
 
 INSTANTIATE_TEST_SUITE_P(EveryMember, FamilyCallOrder, ::testing::Range<size_t>(0, familyCalls().size()),
                          [](const ::testing::TestParamInfo<size_t>& info) {
-                             return testName(familyCalls()[info.param].Name);
+                             return test::testNameOf(familyCalls()[info.param].Name);
                          });
 
 // ---------------------------------------------------------------- the gate

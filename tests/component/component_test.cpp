@@ -20,6 +20,7 @@
 #include "platform/host/fb_instances_double.h"
 #include "platform/host/host_context.h"
 #include "serial/frm_protocol_config.h"
+#include "support/scratch_files.h"
 
 namespace qx {
 namespace {
@@ -28,17 +29,8 @@ namespace fs = std::filesystem;
 
 std::string appFolder() { return paths::sourceTree() + "/runtime/bin"; }
 
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-void writeFile(const fs::path& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-}
+using test::readFile;
+using test::writeFile;
 
 // The component, loaded once for the whole program as a host loads it.
 class Component {
@@ -402,19 +394,16 @@ class RegistrationTest : public ComponentTest {
 protected:
     void SetUp() override {
         ComponentTest::SetUp();
-        folder = fs::temp_directory_path() / ("qxfb_component_registry_" + std::to_string(getpid()) + "_" +
-                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
-        fs::create_directories(folder);
         file = folder / "registry.ini";
         setenv("QXFB_REGISTRY", file.c_str(), 1);
     }
     void TearDown() override {
         unsetenv("QXFB_REGISTRY");
-        fs::remove_all(folder);
         ComponentTest::TearDown();
     }
-    fs::path folder, file;
+    test::ScratchFolder scratch{"qxfb_component_registry"};
+    const fs::path folder = scratch.path();
+    fs::path file;
 };
 
 TEST_F(RegistrationTest, RegisterWritesEveryClassWithProgIDAndLibraryPath) {

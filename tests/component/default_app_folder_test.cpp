@@ -4,11 +4,12 @@
 #include "component/default_app_folder.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "support/scratch_files.h"
 
 namespace qx {
 namespace {
@@ -35,17 +36,14 @@ TEST(InstalledAppFolder, IsEmptyWithoutALibraryOrARelativePath) {
 class DefaultAppFolderTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        prefix = fs::temp_directory_path() / ("qxfb_default_app_folder_" + std::to_string(getpid()) + "_" +
-                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(prefix);
         fs::create_directories(prefix / "lib");
-        std::ofstream(prefix / "lib" / "libQxFBCom2.so") << "not a library";
+        test::writeFile(prefix / "lib" / "libQxFBCom2.so", "not a library");
     }
-    void TearDown() override { fs::remove_all(prefix); }
 
     std::string library() const { return (prefix / "lib" / "libQxFBCom2.so").string(); }
 
-    fs::path prefix;
+    test::ScratchFolder scratch{"qxfb_default_app_folder"};
+    const fs::path prefix = scratch.path();
     const std::string relative = "../share/QxFBCom2/bin";
     const std::string sourceTree = "/src/qxfbcom2/runtime/bin";
 };

@@ -26,6 +26,7 @@
 
 #include "component/built_paths.h"
 #include "component/com_server.h"
+#include "support/scratch_files.h"
 
 namespace qx {
 namespace {
@@ -34,17 +35,8 @@ namespace fs = std::filesystem;
 
 const std::string Bom = "\xEF\xBB\xBF";
 
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-void writeFile(const fs::path& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-}
+using test::readFile;
+using test::writeFile;
 
 // The names in a folder, to see that no temporary file was left there.
 std::vector<std::string> namesIn(const fs::path& folder) {
@@ -63,14 +55,8 @@ mode_t modeOf(const fs::path& path) {
 // A folder of its own for each test, removed afterwards.
 class RegistryFolder : public ::testing::Test {
 protected:
-    void SetUp() override {
-        folder = fs::temp_directory_path() / ("qxfb_registry_" + std::to_string(getpid()) + "_" +
-                                              ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
-    fs::path folder;
+    test::ScratchFolder scratch{"qxfb_registry"};
+    const fs::path folder = scratch.path();
 };
 
 // AddressSanitizer needs the whole address space for its shadow memory.

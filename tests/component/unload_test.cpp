@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -15,6 +14,7 @@
 
 #include "component/built_paths.h"
 #include "component/com_abi.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -198,9 +198,7 @@ TEST_P(Unload, EachKindAloneKeepsTheComponentAndTheHostUnloadsOnlyAfterTheLast) 
 
 INSTANTIATE_TEST_SUITE_P(HeldLast, Unload, ::testing::ValuesIn(kindNames()),
                          [](const ::testing::TestParamInfo<std::string>& info) {
-                             std::string name;
-                             for (char ch : info.param) name += std::isalnum(static_cast<unsigned char>(ch)) ? ch : '_';
-                             return name;
+                             return test::testNameOf(info.param);
                          });
 
 }  // namespace

@@ -4,6 +4,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -83,5 +84,13 @@ public:
     }
     void itfFBMethod_EditOperands() override {}
 };
+
+// A text as GoogleTest takes it for the name of a parameterized test: letters,
+// digits and '_' only.
+inline std::string testNameOf(const std::string& text) {
+    std::string name;
+    for (char ch : text) name += std::isalnum(static_cast<unsigned char>(ch)) ? ch : '_';
+    return name;
+}
 
 }  // namespace qx::test

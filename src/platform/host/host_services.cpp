@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/basics/ansi.h"
+#include "platform/basics/ascii_case.h"
 #include "platform/basics/file_reader.h"
 
 namespace qx {
@@ -64,16 +65,6 @@ std::string trim(const std::string& s) {
     if (b == std::string::npos) return "";
     size_t e = s.find_last_not_of(" \t\r\n");
     return s.substr(b, e - b + 1);
-}
-
-// ASCII letters only, the same in every locale.
-char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool sameText(const std::string& a, const std::string& b) {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (asciiLower(a[i]) != asciiLower(b[i])) return false;
-    return true;
 }
 
 }  // namespace
@@ -178,8 +169,8 @@ std::optional<std::string> findIniValue(const std::string& content, const std::s
             continue;
         }
         size_t eq = t.find('=');
-        if (eq == std::string::npos || !sameText(current, section)) continue;
-        if (sameText(trim(t.substr(0, eq)), key)) {
+        if (eq == std::string::npos || !sameIgnoringAsciiCase(current, section)) continue;
+        if (sameIgnoringAsciiCase(trim(t.substr(0, eq)), key)) {
             std::string value = trim(t.substr(eq + 1));
             if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
                 value = value.substr(1, value.size() - 2);
