@@ -29,9 +29,14 @@ void FieldState::Shift(int32_t) {}
 
 OperandPtr newFieldOperand(std::initializer_list<int32_t> types, std::initializer_list<int32_t> extendedTypes,
                            int32_t operandType) {
+    return newFieldOperand(types, extendedTypes, operandType, IsExtendedOperandsEnabled());
+}
+
+OperandPtr newFieldOperand(std::initializer_list<int32_t> types, std::initializer_list<int32_t> extendedTypes,
+                           int32_t operandType, bool extendedOperands) {
     OperandPtr operand = newOperand();
     for (int32_t t : types) operand->AddAllowedType(1, t, true);
-    if (IsExtendedOperandsEnabled())
+    if (extendedOperands)
         for (int32_t t : extendedTypes) operand->AddAllowedType(1, t, true);
     operand->OperandType(operandType);
     operand->OperandMode(1);

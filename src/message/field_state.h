@@ -57,6 +57,9 @@ protected:
 // in order, then the extended types when the host has them switched on.
 OperandPtr newFieldOperand(std::initializer_list<int32_t> types, std::initializer_list<int32_t> extendedTypes,
                            int32_t operandType);
+// The same with the setting given: as it was when the field was made.
+OperandPtr newFieldOperand(std::initializer_list<int32_t> types, std::initializer_list<int32_t> extendedTypes,
+                           int32_t operandType, bool extendedOperands);
 // Adds the operand under the key count + 1 when it is linked.
 void addLinkedOperand(OperandCollection& collection, const OperandPtr& operand);
 // Moves the operand to pNewOpAddress when its identity is the one given.

@@ -13,7 +13,6 @@ namespace qx {
 namespace {
 
 constexpr wchar_t Blank = L' ';
-constexpr int32_t FirstVarsReserve = 8;
 // Image values below this are control characters.
 constexpr uint8_t FirstPrintable = 32;
 
@@ -25,35 +24,44 @@ size_t checkedPosition(int32_t position) {
 
 }  // namespace
 
-clsProtocolMessage::clsProtocolMessage() : receiveBit_(newOperand()), messageString_(MaxPositions, Blank) {
+clsProtocolMessage::clsProtocolMessage()
+    : receiveBitExtended_(IsExtendedOperandsEnabled()), text_(MaxPositions, Blank) {
     controlChars_.fill(NoControlChar);
-    receiveBit_->AddAllowedType(1, 1, true);
-    if (IsExtendedOperandsEnabled()) receiveBit_->AddAllowedType(1, 64, true);
-    receiveBit_->OperandType(1);
-    receiveBit_->OperandMode(1);
-    receiveBit_->IsNew(true);
-    receiveBit_->OperandFormat(3);
+}
+
+const OperandPtr& clsProtocolMessage::receiveBit() const {
+    if (!receiveBit_) {
+        receiveBit_ = newOperand();
+        receiveBit_->AddAllowedType(1, 1, true);
+        if (receiveBitExtended_) receiveBit_->AddAllowedType(1, 64, true);
+        receiveBit_->OperandType(1);
+        receiveBit_->OperandMode(1);
+        receiveBit_->IsNew(true);
+        receiveBit_->OperandFormat(3);
+    }
+    return receiveBit_;
 }
 
 std::wstring clsProtocolMessage::EditReceiveBit() {
-    receiveBit_->EditOperand();
-    return GetOperandDisplayText(*receiveBit_);
+    receiveBit()->EditOperand();
+    return GetOperandDisplayText(*receiveBit());
 }
 
-std::wstring clsProtocolMessage::GetReceiveBitAsString() const { return GetOperandDisplayText(*receiveBit_); }
+std::wstring clsProtocolMessage::GetReceiveBitAsString() const { return GetOperandDisplayText(*receiveBit()); }
 
 bool clsProtocolMessage::IsEmpty() const {
-    const bool noText = messageString_.find_first_not_of(Blank) == std::wstring::npos;
+    const bool noText = text_.findLastNot(Blank) == std::wstring::npos;
     return noText && Vars.Count() == 0 && GetLastControlCharEnd() == -1;
 }
 
 MessagePtr clsProtocolMessage::GetReplica() const {
     auto copy = std::make_shared<clsProtocolMessage>();
-    copy->messageString_ = messageString_;
+    copy->text_ = text_;
     copy->controlChars_ = controlChars_;
     copy->messageLength_ = messageLength_;
     copy->methodType_ = methodType_;
-    copy->receiveBit_ = CloneOperand(*receiveBit_);
+    copy->receiveBitExtended_ = receiveBitExtended_;
+    if (receiveBit_) copy->receiveBit_ = CloneOperand(*receiveBit_);
     for (const VarPtr& var : Vars) copy->Vars.Add(var->GetReplica());
     return copy;
 }
@@ -62,12 +70,7 @@ void clsProtocolMessage::UnSelectAllVars() {
     for (const VarPtr& var : Vars) var->IsSelected(false);
 }
 
-void clsProtocolMessage::AddVar(VarPtr pVar) {
-    // A message has a few fields: room for them at the first, instead of a
-    // move at every doubling.
-    if (Vars.Count() == 0) Vars.Reserve(FirstVarsReserve);
-    Vars.Add(std::move(pVar));
-}
+void clsProtocolMessage::AddVar(VarPtr pVar) { Vars.Add(std::move(pVar)); }
 
 VarPtr clsProtocolMessage::GetVar(int32_t pVarNumber) const { return Vars.Item(pVarNumber); }
 
@@ -113,7 +116,7 @@ bool clsProtocolMessage::HitTest(int32_t pPosition) {
 void clsProtocolMessage::AddControlChar(int32_t pPosition, int32_t pControlChar) {
     const size_t at = checkedPosition(pPosition);
     controlChars_[at] = pControlChar;
-    if (at < messageString_.size()) messageString_[at] = Blank;
+    if (at < text_.row().size()) text_.rowData()[at] = Blank;
 }
 
 void clsProtocolMessage::DeleteByPosition(int32_t pPosition) {
@@ -128,9 +131,17 @@ void clsProtocolMessage::DeleteByPosition(int32_t pPosition) {
             var->StartPosition(var->StartPosition() - 1);
         }
     }
-    const std::wstring before = messageString_.substr(0, std::min(at, messageString_.size()));
-    const std::wstring after = at + 1 < messageString_.size() ? messageString_.substr(at + 1) : std::wstring();
-    messageString_ = before + after + Blank;
+    if (text_.size() == MaxPositions) {
+        // A whole row, as messages hold it: moved in place.
+        wchar_t* row = text_.rowData();
+        std::copy(row + at + 1, row + MaxPositions, row + at);
+        row[MaxPositions - 1] = Blank;
+    } else {
+        const std::wstring text = text_.str();
+        const std::wstring before = text.substr(0, std::min(at, text.size()));
+        const std::wstring after = at + 1 < text.size() ? text.substr(at + 1) : std::wstring();
+        text_.assign(before + after + Blank);
+    }
     if (at == MaxPositions - 1) {
         controlChars_[at] = NoControlChar;
     } else {
@@ -143,13 +154,21 @@ void clsProtocolMessage::DeleteByPosition(int32_t pPosition) {
 void clsProtocolMessage::InsertChar(int32_t pPosition, const std::wstring& pChar) {
     if (pPosition == MaxPositions) {
         // Typing behind the last position overwrites it and moves nothing.
-        if (!pChar.empty() && messageString_.size() >= MaxPositions) messageString_[MaxPositions - 1] = pChar[0];
+        if (!pChar.empty() && text_.size() >= MaxPositions) text_.rowData()[MaxPositions - 1] = pChar[0];
         return;
     }
     const size_t at = checkedPosition(pPosition);
-    const std::wstring before = messageString_.substr(0, std::min(at, messageString_.size()));
-    const std::wstring kept = at < messageString_.size() ? messageString_.substr(at, MaxPositions - 1 - at) : L"";
-    messageString_ = before + pChar + kept;
+    if (text_.size() == MaxPositions && pChar.size() == 1) {
+        // One character into a whole row, as typing does: moved in place.
+        wchar_t* row = text_.rowData();
+        std::copy_backward(row + at, row + MaxPositions - 1, row + MaxPositions);
+        row[at] = pChar[0];
+    } else {
+        const std::wstring text = text_.str();
+        const std::wstring before = text.substr(0, std::min(at, text.size()));
+        const std::wstring kept = at < text.size() ? text.substr(at, MaxPositions - 1 - at) : L"";
+        text_.assign(before + pChar + kept);
+    }
 
     for (int32_t i = 1; i <= Vars.Count(); ++i) {
         const VarPtr var = Vars.Item(i);
@@ -206,12 +225,13 @@ void clsProtocolMessage::GetVarPropsAt(int32_t pVarNumber, int32_t& pStartPositi
 }
 
 wchar_t clsProtocolMessage::charAt(int32_t position) const {
-    if (position < 0 || static_cast<size_t>(position) >= messageString_.size()) return Blank;
-    return messageString_[static_cast<size_t>(position)];
+    const std::wstring_view row = text_.row();
+    if (position < 0 || static_cast<size_t>(position) >= row.size()) return Blank;
+    return row[static_cast<size_t>(position)];
 }
 
 int32_t clsProtocolMessage::trimmedLengthFrom(int32_t position) const {
-    const size_t last = messageString_.find_last_not_of(Blank);
+    const size_t last = text_.findLastNot(Blank);
     if (last == std::wstring::npos) return 0;
     return std::max<int32_t>(0, static_cast<int32_t>(last) + 1 - position);
 }
@@ -248,8 +268,9 @@ void clsProtocolMessage::segmentSpans(std::vector<SegmentSpan>& spans) const {
 void clsProtocolMessage::textBytes(int32_t start, int32_t count, uint8_t* out) const {
     if (start < 0 || count < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
     const size_t from = static_cast<size_t>(start);
-    const size_t stored = from < messageString_.size() ? std::min(messageString_.size() - from, size_t(count)) : 0;
-    toAnsiBytes(std::wstring_view(messageString_).substr(std::min(from, messageString_.size()), stored), out);
+    const std::wstring_view row = text_.row();
+    const size_t stored = from < row.size() ? std::min(row.size() - from, size_t(count)) : 0;
+    toAnsiBytes(row.substr(std::min(from, row.size()), stored), out);
     std::fill(out + stored, out + count, static_cast<uint8_t>(Blank));
     // Written without a branch a position, so that the loop vectorises; a
     // code that is no byte is found once the run is through.
@@ -266,15 +287,20 @@ void clsProtocolMessage::textBytes(int32_t start, int32_t count, uint8_t* out) c
 void clsProtocolMessage::setTextBytes(int32_t start, const uint8_t* values, int32_t count) {
     if (start < 0 || count < 0 || count > MaxPositions - start) raiseError(err::SubscriptOutOfRange);
     const size_t from = static_cast<size_t>(start);
-    if (messageString_.size() < from + static_cast<size_t>(count)) messageString_.resize(MaxPositions, Blank);
-    const auto& toWide = ansiToWideTable();
-    wchar_t* text = messageString_.data() + from;
+    if (text_.row().size() < from + static_cast<size_t>(count)) text_.fillRow(Blank);
+    wchar_t* text = text_.rowData() + from;
     int32_t* controls = controlChars_.data() + from;
-    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
-        const uint8_t value = values[i];
-        const bool control = value < FirstPrintable;
-        controls[i] = control ? value : NoControlChar;
-        text[i] = control ? Blank : toWide[value];
+    const size_t n = static_cast<size_t>(count);
+    // Loops without a branch a position, so that they vectorise. Windows-1252
+    // keeps ASCII as it is, so a run of ASCII needs no table.
+    uint8_t allBits = 0;
+    for (size_t i = 0; i < n; ++i) allBits |= values[i];
+    for (size_t i = 0; i < n; ++i) controls[i] = values[i] < FirstPrintable ? values[i] : NoControlChar;
+    if (allBits < 0x80) {
+        for (size_t i = 0; i < n; ++i) text[i] = values[i] < FirstPrintable ? Blank : static_cast<wchar_t>(values[i]);
+    } else {
+        const auto& toWide = ansiToWideTable();
+        for (size_t i = 0; i < n; ++i) text[i] = values[i] < FirstPrintable ? Blank : toWide[values[i]];
     }
 }
 

@@ -10,7 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "message/field_list.h"
 #include "message/itf_protocol_var.h"
+#include "message/row_text.h"
 #include "platform/basics/collection.h"
 #include "platform/host/operand.h"
 
@@ -55,10 +57,10 @@ public:
     clsProtocolMessage();
 
     // The operand object itself; no image stores it.
-    OperandPtr ReceiveBit() const { return receiveBit_; }
+    OperandPtr ReceiveBit() const { return receiveBit(); }
     // Stored as given: the caller hands 500 characters.
-    void MessageString(std::wstring pMessageString) { messageString_ = std::move(pMessageString); }
-    std::wstring MessageString() const { return messageString_; }
+    void MessageString(const std::wstring& pMessageString) { text_.assign(pMessageString); }
+    std::wstring MessageString() const { return text_.str(); }
     int32_t NumberOfVars() const { return Vars.Count(); }
     // Runs the host's picker on ReceiveBit and answers its display text.
     std::wstring EditReceiveBit();
@@ -124,9 +126,13 @@ private:
     wchar_t charAt(int32_t position) const;
     int32_t trimmedLengthFrom(int32_t position) const;
 
-    OperandPtr receiveBit_;
-    Collection<VarPtr> Vars;
-    std::wstring messageString_;
+    // Made when first asked for, as the host's setting was when the message
+    // was made: no image holds it, so a loaded message needs none.
+    const OperandPtr& receiveBit() const;
+    mutable OperandPtr receiveBit_;
+    bool receiveBitExtended_;
+    FieldList Vars;
+    RowText text_;
     int32_t methodType_ = 0;
     ControlCharArray controlChars_;
     int32_t messageLength_ = 0;

@@ -30,7 +30,12 @@ clsProtocolScanNumericVar::clsProtocolScanNumericVar()
     // The default Length of 5 is deliberately not recomputed here.
     : FieldState(5),
       likedOperand_(newFieldOperand({3, 5, 16}, {65, 66, 67}, 3)),
-      decimalPointOperand_(newFieldOperand({3, 5, 16}, {65, 66, 67}, 3)) {}
+      extendedOperands_(IsExtendedOperandsEnabled()) {}
+
+const OperandPtr& clsProtocolScanNumericVar::decimalPoint() const {
+    if (!decimalPointOperand_) decimalPointOperand_ = newFieldOperand({3, 5, 16}, {65, 66, 67}, 3, extendedOperands_);
+    return decimalPointOperand_;
+}
 
 void clsProtocolScanNumericVar::BeforePoint(int32_t value) {
     beforePoint_ = value;
@@ -108,7 +113,7 @@ Bytes clsProtocolScanNumericVar::GetVarBinData(int32_t) {
     out.low16(6, likedOperand_->OperandAddress());
     if (streamForm_ == 1) {
         out.u8(12, addNullToEndOfStream_ ? 1 : 0);
-    } else if (!decimalPointOperand_->IsNew()) {
+    } else if (decimalPointOperand_ && !decimalPointOperand_->IsNew()) {
         out.u8(12, decimalPointOperand_->OperandType());
         out.low16(14, decimalPointOperand_->OperandAddress());
     }
@@ -169,7 +174,7 @@ void clsProtocolScanNumericVar::SetVarBinData(Bytes& pBinaryData, int32_t pVarTb
     if (streamForm_ == 1) {
         if (rec[12] == 1) addNullToEndOfStream_ = true;
     } else if (rec[12] != 0) {
-        loadOperandLink(*decimalPointOperand_, rec[12], rec[14] | (rec[15] << 8), false);
+        loadOperandLink(*decimalPoint(), rec[12], rec[14] | (rec[15] << 8), false);
     }
     recomputeLength();
 }
@@ -180,7 +185,8 @@ VarPtr clsProtocolScanNumericVar::GetReplica() {
     copy->isSelected_ = isSelected_;
     copy->isCanceled_ = isCanceled_;
     copy->likedOperand_ = CloneOperand(*likedOperand_);
-    copy->decimalPointOperand_ = CloneOperand(*decimalPointOperand_);
+    copy->extendedOperands_ = extendedOperands_;
+    if (decimalPointOperand_) copy->decimalPointOperand_ = CloneOperand(*decimalPointOperand_);
     copy->streamForm_ = streamForm_;
     copy->varFormat_ = varFormat_;
     copy->beforePoint_ = beforePoint_;
@@ -221,7 +227,8 @@ int32_t clsProtocolScanNumericVar::GetVarSegmentType() {
 void clsProtocolScanNumericVar::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
                                                 int32_t pNewOpAddress) {
     replaceOperandAddress(*likedOperand_, pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    replaceOperandAddress(*decimalPointOperand_, pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+    if (decimalPointOperand_)
+        replaceOperandAddress(*decimalPointOperand_, pOpNetID, pOpType, pOpAddress, pNewOpAddress);
 }
 
 }  // namespace qx

@@ -30,7 +30,7 @@ public:
     void LeadingZeros(int32_t value) { leadingZeros_ = value; }
     OperandPtr LikedOperand() const { return likedOperand_; }
     void LikedOperand(OperandPtr value) { likedOperand_ = std::move(value); }
-    OperandPtr DecimalPointOperand() const { return decimalPointOperand_; }
+    OperandPtr DecimalPointOperand() const { return decimalPoint(); }
     void DecimalPointOperand(OperandPtr value) { decimalPointOperand_ = std::move(value); }
     int32_t BeforePoint() const { return beforePoint_; }
     void BeforePoint(int32_t value);
@@ -60,8 +60,13 @@ protected:
 private:
     void recomputeLength();
 
+    // Made when first asked for or loaded, with the host's setting as it was
+    // when the field was made: most fields never link one.
+    const OperandPtr& decimalPoint() const;
+
     OperandPtr likedOperand_;
-    OperandPtr decimalPointOperand_;
+    mutable OperandPtr decimalPointOperand_;
+    bool extendedOperands_;
     int32_t streamForm_ = 0;
     int32_t varFormat_ = 0;
     int32_t beforePoint_ = 5;

@@ -1,6 +1,7 @@
 #include "sets/image_blocks.h"
 
 #include <span>
+#include <utility>
 
 #include "framework/shared_helpers.h"
 #include "platform/basics/runtime_error.h"
@@ -74,11 +75,11 @@ void MessageCanvas::readFixedText(const ByteReader& reader, int64_t blockOffset)
     position_ += count;
 }
 
-void MessageCanvas::placeField(const VarPtr& field) {
+void MessageCanvas::placeField(VarPtr field) {
     int32_t length = field->Length();
     if (length < 0 || length > clsProtocolMessage::MaxPositions - position_) raiseError(err::SubscriptOutOfRange);
     field->StartPosition(position_);
-    message_.AddVar(field);
+    message_.AddVar(std::move(field));
     position_ += length;
 }
 

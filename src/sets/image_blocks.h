@@ -58,7 +58,7 @@ public:
     // character, a smaller one a control character.
     void readFixedText(const ByteReader& reader, int64_t blockOffset);
     // The field starts at Q and Q moves behind it.
-    void placeField(const VarPtr& field);
+    void placeField(VarPtr field);
 
 private:
     clsProtocolMessage& message_;

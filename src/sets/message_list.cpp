@@ -1,5 +1,7 @@
 #include "sets/message_list.h"
 
+#include <algorithm>
+#include <memory>
 #include <string>
 
 #include "framework/runtime_catalogue.h"
@@ -90,9 +92,15 @@ void MessageList::ClearAll() { ResetToEmpty(1); }
 
 void MessageList::ResetToEmpty(int32_t count) {
     messages_.Clear();
-    messages_.Reserve(count);
-    do messages_.Add(newMessage());
-    while (messages_.Count() < count);
+    // An image loads all its messages at once: they are made in one block,
+    // which each of them keeps alive, instead of a large allocation each.
+    const size_t made = static_cast<size_t>(std::max(count, 1));
+    const std::shared_ptr<clsProtocolMessage[]> block = std::make_shared<clsProtocolMessage[]>(made);
+    messages_.Reserve(static_cast<int32_t>(made));
+    for (size_t i = 0; i < made; ++i) {
+        block[i].MethodType(methodType_);
+        messages_.Add(MessagePtr(block, &block[i]));
+    }
 }
 
 Variant MessageList::GetNumberOfMessagesToDownload() const {

@@ -1,9 +1,11 @@
 #include "sets/scan_image.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "message/protocol_cs_var.h"
 #include "message/protocol_scan_numeric_var.h"
+#include "platform/basics/object_arena.h"
 #include "platform/basics/runtime_error.h"
 #include "sets/image_blocks.h"
 #include "sets/scan_set.h"
@@ -117,11 +119,11 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
             case segment::ScanNumericFree:
             case segment::ScanStreamFixed:
             case segment::ScanStreamFree:
-                field = std::make_shared<clsProtocolScanNumericVar>();
+                field = makeShared<clsProtocolScanNumericVar>();
                 field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
                 break;
             case segment::ScanChecksum:
-                field = std::make_shared<clsProtocolCSVar>();
+                field = makeShared<clsProtocolCSVar>();
                 prepareChecksum(*field, method_type::Scan, method_type::Scan, version, true);
                 field->SetVarBinData(image, static_cast<int32_t>(typeIndex));
                 break;
@@ -129,7 +131,7 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                 // A type this reader does not know creates nothing, and the position stays.
                 break;
         }
-        if (field) canvas.placeField(field);
+        if (field) canvas.placeField(std::move(field));
     }
 }
 
@@ -203,6 +205,7 @@ void readScanImage(clsProtocolScanSrv& set, const Bytes& source) {
     int32_t count = reader.u8(kMessageCount);
     int32_t frameLength = set.ScanSTXLength() + set.ScanETXLength();
     set.ResetMessages(std::max(count, 1));
+    ScopedObjectArena fieldMemory;
     for (int32_t number = 1; number <= count; ++number) {
         int64_t offset = reader.u16(static_cast<int64_t>(kHeaderSize) + 2 * (number - 1));
         readMessage(image, reader, offset, *set.GetMessage(number), frameLength, version);

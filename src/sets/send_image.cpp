@@ -1,6 +1,7 @@
 #include "sets/send_image.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -8,6 +9,7 @@
 #include "message/protocol_list_text_var.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_time_var.h"
+#include "platform/basics/object_arena.h"
 #include "platform/basics/runtime_error.h"
 #include "sets/constant_bytes.h"
 #include "sets/image_blocks.h"
@@ -198,29 +200,29 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                 canvas.readFixedText(reader, reader.u16(entry + 2));
                 break;
             case segment::SendBinary:
-                field = std::make_shared<clsProtocolBinaryVar>();
+                field = makeShared<clsProtocolBinaryVar>();
                 field->SetVarBinData(image, reader.u16(entry + 2));
                 spendTextBudget(textBudget, *field);
                 break;
             case segment::SendList:
-                field = std::make_shared<clsProtocolistTextVar>();
+                field = makeShared<clsProtocolistTextVar>();
                 field->SetVarBinData(image, reader.u16(entry + 2));
                 spendTextBudget(textBudget, *field);
                 break;
             case segment::SendNumeric:
-                field = std::make_shared<clsProtocolNumericVar>();
+                field = makeShared<clsProtocolNumericVar>();
                 field->SetVarBinData(image, static_cast<int32_t>(entry));
                 break;
             case segment::SendDate:
-                field = std::make_shared<clsProtocolDateVar>();
+                field = makeShared<clsProtocolDateVar>();
                 field->SetVarBinData(image, static_cast<int32_t>(entry));
                 break;
             case segment::SendTime:
-                field = std::make_shared<clsProtocolTimeVar>();
+                field = makeShared<clsProtocolTimeVar>();
                 field->SetVarBinData(image, static_cast<int32_t>(entry));
                 break;
             case segment::Checksum:
-                field = std::make_shared<clsProtocolCSVar>();
+                field = makeShared<clsProtocolCSVar>();
                 prepareChecksum(*field, method_type::Send, method_type::Send, version, true);
                 field->SetVarBinData(image, static_cast<int32_t>(entry));
                 break;
@@ -228,7 +230,7 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
                 // A type this reader does not know creates nothing, and the position stays.
                 break;
         }
-        if (field) canvas.placeField(field);
+        if (field) canvas.placeField(std::move(field));
     }
 }
 
@@ -322,6 +324,7 @@ void readSendImage(clsProtocolSendSrv& set, const Bytes& source) {
     int32_t count = reader.u8(kMessageCount);
     set.ResetMessages(std::max(count, 1));
     size_t textBudget = image.size();
+    ScopedObjectArena fieldMemory;
     for (int32_t number = 1; number <= count; ++number) {
         int64_t offset = reader.u16(static_cast<int64_t>(kHeaderSize) + 2 * (number - 1));
         readMessage(image, reader, offset, *set.GetMessage(number), version, textBudget);

@@ -666,5 +666,109 @@ TEST_F(MessageTest, ReplaceOperandsReachesEveryField) {
     EXPECT_EQ(b->LikedOperand()->OperandAddress(), 8);
 }
 
+TEST_F(MessageTest, ATextLongerThanTheRowIsKeptAsGivenAndOnlyItsRowIsRead) {
+    clsProtocolMessage message;
+    const std::wstring given = std::wstring(499, L'a') + L"bcd";
+    message.MessageString(given);
+    EXPECT_EQ(message.MessageString(), given);
+    EXPECT_FALSE(message.IsEmpty());
+    std::vector<uint8_t> bytes(2);
+    message.textBytes(498, 2, bytes.data());
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{'a', 'b'}));
+    // Characters past the row make the trimmed text longer than the row.
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetSegments(); }), err::SubscriptOutOfRange);
+
+    // Typing into it keeps the typed character and the first 499 behind it.
+    message.InsertChar(0, L"x");
+    EXPECT_EQ(message.MessageString(), L"x" + std::wstring(499, L'a'));
+    message.MessageString(given);
+    message.DeleteByPosition(0);
+    EXPECT_EQ(message.MessageString(), std::wstring(498, L'a') + L"bcd ");
+    message.AddControlChar(1, 2);
+    EXPECT_EQ(message.MessageString().substr(0, 3), L"a a");
+}
+
+TEST_F(MessageTest, AShortTextGrowsOnlyAsTypingAndDeletingMakeIt) {
+    clsProtocolMessage message;
+    message.MessageString(L"ab");
+    message.InsertChar(1, L"xy");
+    EXPECT_EQ(message.MessageString(), L"axyb");
+    message.DeleteByPosition(0);
+    EXPECT_EQ(message.MessageString(), L"xyb ");
+    message.DeleteByPosition(10);
+    EXPECT_EQ(message.MessageString(), L"xyb  ");
+    message.InsertChar(500, L"z");  // behind a short text: nothing to overwrite
+    EXPECT_EQ(message.MessageString(), L"xyb  ");
+}
+
+TEST_F(MessageTest, AWholeRowTypedAndDeletedInPlaceGivesWhatTheTextRulesGive) {
+    clsProtocolMessage message;
+    std::wstring text(500, L' ');
+    for (size_t i = 0; i < text.size(); ++i) text[i] = static_cast<wchar_t>(L'A' + i % 26);
+    message.MessageString(text);
+    message.InsertChar(3, L"#");
+    EXPECT_EQ(message.MessageString(), text.substr(0, 3) + L"#" + text.substr(3, 496));
+    message.DeleteByPosition(3);
+    EXPECT_EQ(message.MessageString(), text.substr(0, 499) + L" ");
+    message.DeleteByPosition(499);
+    EXPECT_EQ(message.MessageString(), text.substr(0, 499) + L" ");
+    message.InsertChar(499, L"!");
+    EXPECT_EQ(message.MessageString(), text.substr(0, 499) + L"!");
+}
+
+TEST_F(MessageTest, SetTextBytesOfPlainAsciiTakesTheCharactersAsTheyAre) {
+    clsProtocolMessage message;
+    const uint8_t values[] = {'H', 'i', 13, '~', ' ', 0};
+    message.setTextBytes(0, values, 6);
+    EXPECT_EQ(message.MessageString().substr(0, 7), L"Hi ~   ");
+    const auto controls = message.ControlChars();
+    EXPECT_EQ(controls[2], 13);
+    EXPECT_EQ(controls[5], 0);
+    EXPECT_EQ(controls[3], -1);
+    EXPECT_EQ(controls[4], -1);
+}
+
+TEST_F(MessageTest, ManyFieldsKeepTheirOrderThroughAddAndRemove) {
+    clsProtocolMessage message;
+    std::vector<std::shared_ptr<clsProtocolDateVar>> fields;
+    for (int32_t i = 0; i < 50; ++i) {
+        fields.push_back(field(i * 9, 9));
+        message.AddVar(fields.back());
+    }
+    ASSERT_EQ(message.NumberOfVars(), 50);
+    for (int32_t i = 1; i <= 50; ++i) EXPECT_EQ(message.GetVar(i).get(), fields[static_cast<size_t>(i - 1)].get());
+    EXPECT_EQ(message.GetLastVarStartPosition(), 49 * 9);
+    // The 1st and then the 49th are removed through the selection.
+    fields[0]->IsSelected(true);
+    message.DeleteSelectedVar();
+    fields[49]->IsSelected(true);
+    message.DeleteSelectedVar();
+    ASSERT_EQ(message.NumberOfVars(), 48);
+    EXPECT_EQ(message.GetVar(1).get(), fields[1].get());
+    EXPECT_EQ(message.GetVar(48).get(), fields[48].get());
+    EXPECT_EQ(runtimeErrorOf([&] { message.GetVar(49); }), err::InvalidProcedureCall);
+
+    clsProtocolMessage few;
+    for (int32_t i = 0; i < 3; ++i) few.AddVar(field(i * 5, 5));
+    few.GetVar(2)->IsSelected(true);
+    few.DeleteSelectedVar();
+    ASSERT_EQ(few.NumberOfVars(), 2);
+    EXPECT_EQ(few.GetVar(2)->StartPosition(), 10);
+    EXPECT_EQ(runtimeErrorOf([&] { few.GetVar(0); }), err::InvalidProcedureCall);
+}
+
+TEST_F(MessageTest, TheReceiveBitTakesTheSettingAsItWasWhenTheMessageWasMade) {
+    clsProtocolMessage plain;
+    context->ExtendedOperands = true;
+    clsProtocolMessage extended;
+    EXPECT_EQ(test::allowedTypes(*plain.ReceiveBit()), (std::vector<int32_t>{1}));
+    context->ExtendedOperands = false;
+    EXPECT_EQ(test::allowedTypes(*extended.ReceiveBit()), (std::vector<int32_t>{1, 64}));
+    // A replica of a message whose bit nobody asked for offers the same.
+    const MessagePtr replica = extended.GetReplica();
+    EXPECT_EQ(test::allowedTypes(*replica->ReceiveBit()), (std::vector<int32_t>{1, 64}));
+    EXPECT_EQ(extended.GetReceiveBitAsString(), L"");
+}
+
 }  // namespace
 }  // namespace qx

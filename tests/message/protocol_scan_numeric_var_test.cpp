@@ -420,6 +420,36 @@ TEST_F(ScanNumericVarTest, ReplicaClonesBothOperandsAndCopiesEverythingElse) {
     EXPECT_EQ(replica->DecimalPointOperand()->OperandAddress(), 2);
 }
 
+TEST_F(ScanNumericVarTest, TheDecimalPointOperandTakesTheSettingAsItWasWhenTheFieldWasMade) {
+    context->ExtendedOperands = true;
+    clsProtocolScanNumericVar extended;
+    context->ExtendedOperands = false;
+    clsProtocolScanNumericVar plain;
+    context->ExtendedOperands = true;
+    EXPECT_EQ(test::allowedTypes(*plain.DecimalPointOperand()), (std::vector<int32_t>{3, 5, 16}));
+    context->ExtendedOperands = false;
+    // A replica of a field whose operand nobody asked for offers the same.
+    auto replica = std::dynamic_pointer_cast<clsProtocolScanNumericVar>(extended.GetReplica());
+    ASSERT_TRUE(replica);
+    EXPECT_EQ(test::allowedTypes(*replica->DecimalPointOperand()), (std::vector<int32_t>{3, 5, 16, 65, 66, 67}));
+    EXPECT_EQ(test::allowedTypes(*extended.DecimalPointOperand()), (std::vector<int32_t>{3, 5, 16, 65, 66, 67}));
+    EXPECT_EQ(extended.DecimalPointOperand().get(), extended.DecimalPointOperand().get());
+}
+
+TEST_F(ScanNumericVarTest, AnUntouchedDecimalPointOperandIsLeftOutOfRecordListAndReplace) {
+    clsProtocolScanNumericVar field;
+    linkOperand(*field.LikedOperand(), 3, 10);
+    const Bytes record = field.GetVarBinData(0);
+    EXPECT_EQ(record[12], 0);
+    OperandCollection found;
+    field.AddOperandsToFindOnlyCollection(found);
+    EXPECT_EQ(found.Count(), 1);
+    field.ReplaceOperands(0, 3, 10, 20);
+    EXPECT_EQ(field.LikedOperand()->OperandAddress(), 20);
+    EXPECT_TRUE(field.DecimalPointOperand()->IsNew());
+    EXPECT_EQ(field.DecimalPointOperand()->OperandAddress(), -1);
+}
+
 TEST_F(ScanNumericVarTest, ShortRecordRaisesSubscriptError) {
     Bytes image(2 + 2 + 15, 0);  // entry cut before record byte 15
     image[2] = 1;

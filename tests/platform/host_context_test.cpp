@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "platform/host/host_services.h"
 
 namespace qx {
@@ -35,6 +37,53 @@ TEST(HostContext, ScriptedAnswersComeInOrderThenTheDefault) {
     EXPECT_EQ(script->AnswerMessage({}), 1);
     script->DefaultAnswer = 7;
     EXPECT_EQ(script->AnswerMessage({}), 7);
+}
+
+TEST(OperandTable, LinksAreCountedPerTypeAndAddress) {
+    OperandTable table;
+    EXPECT_FALSE(table.IsRegistered(3, 5));
+    EXPECT_EQ(table.Find(3, 5), nullptr);
+    table.Register(3, 5, 1, 2);
+    table.Register(3, 5, 1, 4);
+    table.Register(5, 3, 2, 0);
+    EXPECT_EQ(table.LinkCount(3, 5), 2);
+    EXPECT_EQ(table.LinkCount(5, 3), 1);
+    EXPECT_EQ(table.LinkCount(3, 6), 0);
+    // The newest registration gives the mode and the format.
+    ASSERT_NE(table.Find(3, 5), nullptr);
+    EXPECT_EQ(table.Find(3, 5)->Format, 4);
+    EXPECT_EQ(table.Find(5, 3)->Mode, 2);
+    // Negative types and addresses are identities like any other.
+    table.Register(-1, -1, 1, 0);
+    EXPECT_TRUE(table.IsRegistered(-1, -1));
+    EXPECT_FALSE(table.IsRegistered(-1, 0));
+}
+
+TEST(OperandTable, ALinkReleasedToNothingIsGoneUntilRegisteredAgain) {
+    OperandTable table;
+    table.Register(3, 5, 1, 2);
+    table.Release(3, 5);
+    EXPECT_FALSE(table.IsRegistered(3, 5));
+    EXPECT_EQ(table.LinkCount(3, 5), 0);
+    table.Release(3, 5);  // nothing to release: stays at nothing
+    table.Release(9, 9);
+    EXPECT_EQ(table.LinkCount(3, 5), 0);
+    table.Register(3, 5, 2, 7);
+    EXPECT_EQ(table.LinkCount(3, 5), 1);
+    EXPECT_EQ(table.Find(3, 5)->Mode, 2);
+    EXPECT_EQ(table.Find(3, 5)->Format, 7);
+}
+
+TEST(OperandTable, ThousandsOfLinksAreAllFound) {
+    OperandTable table;
+    for (int32_t address = 0; address < 5000; ++address) table.Register(3 + address % 3, address, 1, address % 5);
+    for (int32_t address = 0; address < 5000; ++address) {
+        const OperandTable::Entry* entry = table.Find(3 + address % 3, address);
+        ASSERT_NE(entry, nullptr) << address;
+        EXPECT_EQ(entry->Count, 1);
+        EXPECT_EQ(entry->Format, address % 5);
+        EXPECT_FALSE(table.IsRegistered(3 + (address + 1) % 3, address));
+    }
 }
 
 TEST(HostServices, BeepIsCounted) {

@@ -11,6 +11,7 @@
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_time_var.h"
 #include "platform/basics/ansi.h"
+#include "platform/basics/object_count.h"
 #include "platform/host/host_context.h"
 #include "sets/send_set.h"
 #include "sets/set_test_support.h"
@@ -762,6 +763,41 @@ TEST(SendImage, LengthIsAlwaysEvenWithASpareByteBehindTheLastMessage) {
         EXPECT_GT(image.size(), end) << length;
         EXPECT_EQ(image.size(), end % 2 == 0 ? end + 2 : end + 1) << length;
     }
+}
+
+TEST(SendImage, LoadedMessagesAndFieldsOutliveTheSetTheyWereLoadedInto) {
+    ScopedHostContext host;
+    clsProtocolSendSrv source;
+    source.AppendMessage();
+    source.AppendMessage();
+    putText(*source.GetMessage(1), 0, L"A");
+    putText(*source.GetMessage(2), 0, L"AB");
+    source.GetMessage(2)->AddVar(linkedNumeric(2, 9));
+    putText(*source.GetMessage(3), 0, L"Z");
+    const Bytes image = source.BinaryData();
+
+    MessagePtr second;
+    OperandPtr operand;
+    const int64_t before = liveObjectCount();
+    {
+        clsProtocolSendSrv loaded;
+        loaded.BinaryData(image);
+        ASSERT_EQ(loaded.NumberOfMessages(), 3);
+        second = loaded.GetMessage(2);
+        auto numeric = std::dynamic_pointer_cast<clsProtocolNumericVar>(second->GetVar(1));
+        ASSERT_TRUE(numeric);
+        operand = numeric->LikedOperand();
+    }
+    EXPECT_EQ(second->MessageString().substr(0, 3), L"AB ");
+    ASSERT_EQ(second->NumberOfVars(), 1);
+    EXPECT_EQ(second->GetVar(1)->StartPosition(), 2);
+    EXPECT_EQ(operand->OperandType(), 3);
+    EXPECT_EQ(operand->OperandAddress(), 9);
+    // What is still held keeps the component loaded.
+    EXPECT_GT(liveObjectCount(), before);
+    second.reset();
+    operand.reset();
+    EXPECT_EQ(liveObjectCount(), before);
 }
 
 }  // namespace

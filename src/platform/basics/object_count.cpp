@@ -1,5 +1,7 @@
 #include "platform/basics/object_count.h"
 
+#include "platform/basics/object_arena.h"
+
 namespace qx {
 
 namespace {
@@ -7,8 +9,12 @@ std::atomic<int64_t> liveObjects{0};
 }
 
 int64_t liveObjectCount() { return liveObjects.load(); }
-CountedObject::CountedObject() { ++liveObjects; }
-CountedObject::CountedObject(const CountedObject&) { ++liveObjects; }
-CountedObject::~CountedObject() { --liveObjects; }
+CountedObject::CountedObject() : counted_(!ObjectArena::holdsNewest(this)) {
+    if (counted_) ++liveObjects;
+}
+CountedObject::CountedObject(const CountedObject&) : CountedObject() {}
+CountedObject::~CountedObject() {
+    if (counted_) --liveObjects;
+}
 
 }  // namespace qx

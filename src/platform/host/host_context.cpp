@@ -1,5 +1,8 @@
 #include "platform/host/host_context.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 
@@ -39,22 +42,55 @@ ScopedHostContext::~ScopedHostContext() { current() = previous_; }
 
 bool OperandTable::IsRegistered(int32_t type, int32_t address) const { return Find(type, address) != nullptr; }
 
+namespace {
+
+size_t linkHash(int32_t type, int32_t address) {
+    const uint64_t key = (static_cast<uint64_t>(static_cast<uint32_t>(type)) << 32) | static_cast<uint32_t>(address);
+    return static_cast<size_t>((key * 0x9E3779B97F4A7C15ULL) >> 20);
+}
+
+}  // namespace
+
+const OperandTable::Slot* OperandTable::slotOf(int32_t type, int32_t address) const {
+    if (slots_.empty()) return nullptr;
+    const size_t mask = slots_.size() - 1;
+    for (size_t i = linkHash(type, address) & mask;; i = (i + 1) & mask) {
+        const Slot& slot = slots_[i];
+        if (!slot.Used) return &slot;
+        if (slot.Type == type && slot.Address == address) return &slot;
+    }
+}
+
+OperandTable::Slot* OperandTable::slotOf(int32_t type, int32_t address) {
+    return const_cast<Slot*>(std::as_const(*this).slotOf(type, address));
+}
+
 const OperandTable::Entry* OperandTable::Find(int32_t type, int32_t address) const {
-    auto it = links_.find(linkKey(type, address));
-    return it == links_.end() ? nullptr : &it->second;
+    const Slot* slot = slotOf(type, address);
+    return slot && slot->Used && slot->Link.Count > 0 ? &slot->Link : nullptr;
 }
 
 void OperandTable::Register(int32_t type, int32_t address, int32_t mode, int32_t format) {
-    auto& entry = links_[linkKey(type, address)];
-    ++entry.Count;
-    entry.Mode = mode;
-    entry.Format = format;
+    // At most half full, so that every search ends at a free slot soon.
+    if (2 * (usedSlots_ + 1) > slots_.size()) {
+        std::vector<Slot> old(std::max<size_t>(64, 2 * slots_.size()));
+        old.swap(slots_);
+        for (const Slot& slot : old)
+            if (slot.Used) *slotOf(slot.Type, slot.Address) = slot;
+    }
+    Slot& slot = *slotOf(type, address);
+    if (!slot.Used) {
+        slot = Slot{type, address, true, Entry{}};
+        ++usedSlots_;
+    }
+    ++slot.Link.Count;
+    slot.Link.Mode = mode;
+    slot.Link.Format = format;
 }
 
 void OperandTable::Release(int32_t type, int32_t address) {
-    auto it = links_.find(linkKey(type, address));
-    if (it == links_.end()) return;
-    if (--it->second.Count <= 0) links_.erase(it);
+    Slot* slot = slotOf(type, address);
+    if (slot && slot->Used && slot->Link.Count > 0) --slot->Link.Count;
 }
 
 void OperandTable::RegisterConstant(int32_t address, int32_t type, int64_t value) {

@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -120,12 +119,19 @@ public:
     const Entry* Find(int32_t type, int32_t address) const;
 
 private:
-    // By type (high half) and address (low half); looked up at every operand
-    // an image load links.
-    static uint64_t linkKey(int32_t type, int32_t address) {
-        return (static_cast<uint64_t>(static_cast<uint32_t>(type)) << 32) | static_cast<uint32_t>(address);
-    }
-    std::unordered_map<uint64_t, Entry> links_;
+    // Looked up at every operand an image load links, so kept in one flat
+    // block, open addressing by type and address. A link released to a count
+    // of 0 keeps its slot and is found by no one until registered again.
+    struct Slot {
+        int32_t Type = 0;
+        int32_t Address = 0;
+        bool Used = false;
+        Entry Link;
+    };
+    Slot* slotOf(int32_t type, int32_t address);
+    const Slot* slotOf(int32_t type, int32_t address) const;
+    std::vector<Slot> slots_;
+    size_t usedSlots_ = 0;
     std::map<int32_t, std::pair<int32_t, int64_t>> constants_;
     int32_t nextConstantAddress_ = 1;
 };

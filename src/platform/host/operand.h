@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/basics/object_arena.h"
 #include "platform/basics/object_count.h"
 #include "platform/basics/variant.h"
 
@@ -98,7 +99,8 @@ private:
     // kept in the object itself: every field of a loaded image makes one.
     // Any beyond the inline ones go to allowedMore_.
     static constexpr size_t InlineAllowedTypes = 12;
-    std::array<AllowedType, InlineAllowedTypes> allowed_{};
+    // Only the first allowedCount_ entries are ever read, so none is set up front.
+    std::array<AllowedType, InlineAllowedTypes> allowed_;
     size_t allowedCount_ = 0;
     std::vector<AllowedType> allowedMore_;
 };
@@ -106,7 +108,7 @@ private:
 using OperandPtr = std::shared_ptr<clsOperand>;
 
 // A fresh operand of the host, as a plain create of the closed class makes it.
-inline OperandPtr newOperand() { return std::make_shared<clsOperand>(); }
+inline OperandPtr newOperand() { return makeShared<clsOperand>(); }
 
 // What an operand link is in the host's table: its identity.
 struct OperandChoice {
