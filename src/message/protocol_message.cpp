@@ -294,8 +294,10 @@ void clsProtocolMessage::setTextBytes(int32_t start, const uint8_t* values, int3
     // Loops without a branch a position, so that they vectorise. Windows-1252
     // keeps ASCII as it is, so a run of ASCII needs no table.
     uint8_t allBits = 0;
-    for (size_t i = 0; i < n; ++i) allBits |= values[i];
-    for (size_t i = 0; i < n; ++i) controls[i] = values[i] < FirstPrintable ? values[i] : NoControlChar;
+    for (size_t i = 0; i < n; ++i) {
+        allBits |= values[i];
+        controls[i] = values[i] < FirstPrintable ? values[i] : NoControlChar;
+    }
     if (allBits < 0x80) {
         for (size_t i = 0; i < n; ++i) text[i] = values[i] < FirstPrintable ? Blank : static_cast<wchar_t>(values[i]);
     } else {

@@ -70,12 +70,7 @@ void clsOperand::SetOperandState(const VariantArray& state) {
     }
 }
 
-void clsOperand::AddAllowedType(int32_t mode, int32_t operandType, bool allowed) {
-    if (allowedCount_ < allowed_.size())
-        allowed_[allowedCount_++] = {mode, operandType, allowed};
-    else
-        allowedMore_.push_back({mode, operandType, allowed});
-}
+void clsOperand::addAllowedTypeBeyondInline(const AllowedType& type) { allowedMore_.push_back(type); }
 
 void clsOperand::ClearAllowedTypes() {
     allowedCount_ = 0;

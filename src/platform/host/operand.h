@@ -35,7 +35,13 @@ public:
     std::wstring OperandValueText() const;
     VariantArray GetOperandState() const;
     void SetOperandState(const VariantArray& state);
-    void AddAllowedType(int32_t mode, int32_t operandType, bool allowed);
+    // Inline: every field of a loaded image adds several.
+    void AddAllowedType(int32_t mode, int32_t operandType, bool allowed) {
+        if (allowedCount_ < allowed_.size())
+            allowed_[allowedCount_++] = {mode, operandType, allowed};
+        else
+            addAllowedTypeBeyondInline({mode, operandType, allowed});
+    }
     void OperandTitle(const std::wstring& v) { title_ = v; }
     std::wstring OperandTitle() const { return title_; }
     bool IsNew() const { return isNew_; }
@@ -103,6 +109,7 @@ private:
     std::array<AllowedType, InlineAllowedTypes> allowed_;
     size_t allowedCount_ = 0;
     std::vector<AllowedType> allowedMore_;
+    void addAllowedTypeBeyondInline(const AllowedType& type);
 };
 
 using OperandPtr = std::shared_ptr<clsOperand>;
