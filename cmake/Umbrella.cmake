@@ -1,10 +1,11 @@
 # The umbrella header <qxfbcom2/qxfbcom2.h>: made at configure time from every
 # header under src/, so it cannot fall behind the tree (the glob is checked
-# again at each build). The view layer, which needs Qt, stays out: headers in
-# a folder named qt/ or views/, and any header that includes a Qt header.
+# again at each build). It is the core's: the view layer (Qt) and the project
+# store (SQLite), libraries of their own, stay out: headers in a folder named
+# qt/, views/ or project/, and any header that includes a Qt header.
 file(GLOB_RECURSE QXFB_UMBRELLA_HEADERS CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src
      ${PROJECT_SOURCE_DIR}/src/*.h)
-list(FILTER QXFB_UMBRELLA_HEADERS EXCLUDE REGEX "(^|/)(qt|views)/")
+list(FILTER QXFB_UMBRELLA_HEADERS EXCLUDE REGEX "(^|/)(qt|views|project)/")
 list(SORT QXFB_UMBRELLA_HEADERS)
 set(QXFB_UMBRELLA_INCLUDES "")
 foreach(header IN LISTS QXFB_UMBRELLA_HEADERS)

@@ -93,6 +93,19 @@ TEST(HostServices, BeepIsCounted) {
     EXPECT_EQ(context->BeepCount, 2);
 }
 
+TEST(HostServices, TheBeepSoundsThroughTheModalDriver) {
+    struct Listener : ScriptedModalDriver {
+        void Beep() override { ++heard; }
+        int heard = 0;
+    };
+    ScopedHostContext context;
+    auto listener = std::make_shared<Listener>();
+    context->Driver = listener;
+    systemBeep();
+    EXPECT_EQ(listener->heard, 1);
+    EXPECT_EQ(context->BeepCount, 1);
+}
+
 TEST(HostServices, ErrorReporterRecordsEveryReport) {
     ScopedHostContext context;
     clsErrorReporter().Report({L"Name", 0x80040000, L"text", L"src", L"mod", L"proc", 16});

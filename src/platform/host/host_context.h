@@ -67,6 +67,8 @@ public:
     virtual bool PickOperand(clsOperand& operand) = 0;
     // A message box of the host; returns the button pressed (1 is OK / Yes).
     virtual int32_t AnswerMessage(const ShownMessage& message) = 0;
+    // The system beep; a person in a script hears nothing.
+    virtual void Beep() {}
 };
 
 // The person of a test or of the CLI: answers come from queues; what is not

@@ -199,7 +199,10 @@ uint32_t GetPrivateProfileStringA(const std::string& section, const std::string&
     return static_cast<uint32_t>(value.size());
 }
 
-void systemBeep() { ++host().BeepCount; }
+void systemBeep() {
+    ++host().BeepCount;
+    if (host().Driver) host().Driver->Beep();
+}
 
 int32_t GetDeviceCaps(int32_t index) {
     if (index == 88) return host().DpiX;

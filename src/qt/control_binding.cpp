@@ -1,0 +1,365 @@
+#include "qt/control_binding.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QEvent>
+#include <QFont>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <string>
+
+#include "platform/controls/combo_box.h"
+#include "platform/controls/controls.h"
+#include "platform/controls/text_box.h"
+#include "qt/colours.h"
+#include "qt/qt_text.h"
+
+namespace qx {
+
+namespace {
+
+bool is(std::string_view property, std::string_view name) { return property.empty() || property == name; }
+
+// The palette roles a kind of widget paints its background and text with.
+struct ColourRoles {
+    QPalette::ColorRole Back;
+    QPalette::ColorRole Fore;
+};
+
+void showColours(Control& control, QWidget& widget, ColourRoles roles) {
+    QPalette palette = widget.palette();
+    const QPalette system = QApplication::palette(&widget);
+    palette.setColor(roles.Back, toQColor(control.BackColor(), system));
+    palette.setColor(roles.Fore, toQColor(control.ForeColor(), system));
+    widget.setPalette(palette);
+}
+
+class LabelBinding : public ControlBinding {
+public:
+    LabelBinding(Label& label, QLabel& widget) : ControlBinding(label, widget), label_(label), widget_(widget) {
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Caption")) widget_.setText(toQString(label_.Caption()));
+        if (is(property, "BackColor") || is(property, "ForeColor")) {
+            // A label with a colour of its own fills its background, as the host's does.
+            widget_.setAutoFillBackground((label_.BackColor() & 0x80000000) == 0);
+            showColours(label_, widget_, {QPalette::Window, QPalette::WindowText});
+        }
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonRelease &&
+            static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
+            widget_.rect().contains(static_cast<QMouseEvent*>(event)->position().toPoint())) {
+            label_.UserClick();
+            return true;
+        }
+        return ControlBinding::eventFilter(watched, event);
+    }
+
+private:
+    Label& label_;
+    QLabel& widget_;
+};
+
+class ButtonBinding : public ControlBinding {
+public:
+    ButtonBinding(CommandButton& button, QAbstractButton& widget)
+        : ControlBinding(button, widget), button_(button), widget_(widget) {
+        QObject::connect(&widget, &QAbstractButton::clicked, this, [this] { button_.UserClick(); });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Caption")) widget_.setText(toQString(button_.Caption()));
+    }
+
+private:
+    CommandButton& button_;
+    QAbstractButton& widget_;
+};
+
+class FrameBinding : public ControlBinding {
+public:
+    FrameBinding(Frame& frame, QGroupBox& widget) : ControlBinding(frame, widget), frame_(frame), widget_(widget) {
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Caption")) widget_.setTitle(toQString(frame_.Caption()));
+    }
+
+private:
+    Frame& frame_;
+    QGroupBox& widget_;
+};
+
+class CheckBoxBinding : public ControlBinding {
+public:
+    CheckBoxBinding(CheckBox& box, QCheckBox& widget) : ControlBinding(box, widget), box_(box), widget_(widget) {
+        widget.setTristate(true);
+        // Qt has toggled its own state by now; the model decides and is shown again.
+        QObject::connect(&widget, &QCheckBox::clicked, this, [this] {
+            box_.UserClick();
+            showProperty("Value");
+        });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Caption")) widget_.setText(toQString(box_.Caption()));
+        if (is(property, "Value")) {
+            const QSignalBlocker quiet(widget_);
+            widget_.setCheckState(box_.Value() == CheckBox::Checked  ? Qt::Checked
+                                  : box_.Value() == CheckBox::Grayed ? Qt::PartiallyChecked
+                                                                     : Qt::Unchecked);
+        }
+    }
+
+private:
+    CheckBox& box_;
+    QCheckBox& widget_;
+};
+
+class OptionBinding : public ControlBinding {
+public:
+    OptionBinding(OptionButton& option, QRadioButton& widget)
+        : ControlBinding(option, widget), option_(option), widget_(widget) {
+        // The model keeps the group: Qt must not switch the others itself.
+        widget.setAutoExclusive(false);
+        QObject::connect(&widget, &QRadioButton::clicked, this, [this] {
+            option_.UserClick();
+            showProperty("Value");
+        });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Caption")) widget_.setText(toQString(option_.Caption()));
+        if (is(property, "Value")) {
+            const QSignalBlocker quiet(widget_);
+            widget_.setChecked(option_.Value());
+        }
+    }
+
+private:
+    OptionButton& option_;
+    QRadioButton& widget_;
+};
+
+class ComboBinding : public ControlBinding {
+public:
+    ComboBinding(ComboBox& combo, QComboBox& widget) : ControlBinding(combo, widget), combo_(combo), widget_(widget) {
+        widget.setEditable(false);
+        QObject::connect(&widget, &QComboBox::activated, this, [this](int index) {
+            combo_.UserSelect(index);
+            showProperty("ListIndex");
+        });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        const QSignalBlocker quiet(widget_);
+        if (is(property, "List")) {
+            widget_.clear();
+            for (int32_t i = 0; i < combo_.ListCount(); ++i)
+                widget_.addItem(toQString(combo_.List(i)), QVariant(combo_.ItemData(i)));
+        }
+        if (is(property, "List") || is(property, "ListIndex")) widget_.setCurrentIndex(combo_.ListIndex());
+        if (is(property, "BackColor") || is(property, "ForeColor"))
+            showColours(combo_, widget_, {QPalette::Base, QPalette::Text});
+    }
+
+private:
+    ComboBox& combo_;
+    QComboBox& widget_;
+};
+
+class TextBoxBinding : public ControlBinding {
+public:
+    TextBoxBinding(TextBox& box, QLineEdit& widget) : ControlBinding(box, widget), box_(box), widget_(widget) {
+        // Everything that changes the text goes through the model: no menu,
+        // no drag and drop, no undo of the widget's own.
+        widget.setContextMenuPolicy(Qt::NoContextMenu);
+        widget.setDragEnabled(false);
+        widget.setAcceptDrops(false);
+        QObject::connect(&widget, &QLineEdit::selectionChanged, this, [this] { takeSelection(); });
+        QObject::connect(&widget, &QLineEdit::cursorPositionChanged, this, [this] { takeSelection(); });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        const QSignalBlocker quiet(widget_);
+        if (is(property, "Text")) widget_.setText(toQString(box_.Text()));
+        if (is(property, "Locked")) widget_.setReadOnly(box_.Locked());
+        if (is(property, "Text") || is(property, "SelStart") || is(property, "SelLength")) {
+            if (box_.SelLength() > 0)
+                widget_.setSelection(box_.SelStart(), box_.SelLength());
+            else
+                widget_.setCursorPosition(box_.SelStart());
+        }
+        if (is(property, "BackColor") || is(property, "ForeColor"))
+            showColours(box_, widget_, {QPalette::Base, QPalette::Text});
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::FocusIn) {
+            ControlBinding::eventFilter(watched, event);
+            // Reached by keys or from code, the whole text is selected; a
+            // click puts the caret where it was clicked.
+            if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) box_.UserSelectAll();
+            return false;
+        }
+        if (event->type() == QEvent::KeyPress) return keyPressed(*static_cast<QKeyEvent*>(event));
+        return ControlBinding::eventFilter(watched, event);
+    }
+
+private:
+    // True when the key stroke was the model's; moving keys stay the widget's.
+    bool keyPressed(const QKeyEvent& key) {
+        switch (key.key()) {
+            case Qt::Key_Tab:
+            case Qt::Key_Backtab:
+            case Qt::Key_Left:
+            case Qt::Key_Right:
+            case Qt::Key_Home:
+            case Qt::Key_End:
+                return false;
+            case Qt::Key_Delete:
+                deleteForward();
+                return true;
+            default:
+                break;
+        }
+        if (key.matches(QKeySequence::Copy)) return false;
+        if (key.matches(QKeySequence::Paste)) {
+            box_.UserPaste(fromQString(QApplication::clipboard()->text()));
+            return true;
+        }
+        if (key.matches(QKeySequence::SelectAll)) {
+            box_.UserSelectAll();
+            return true;
+        }
+        if (const int32_t code = keyAsciiOf(key.key(), key.text()); code != 0) box_.UserKeyPress(code);
+        return true;
+    }
+
+    // The Delete key raises no key press: it removes the selection, or the
+    // character after the caret, as an edit of the text.
+    void deleteForward() {
+        if (!box_.CanAct() || box_.Locked()) return;
+        if (box_.SelLength() == 0) {
+            if (box_.SelStart() >= static_cast<int32_t>(box_.Text().size())) return;
+            box_.SelLength(1);
+        }
+        box_.SelText(L"");
+    }
+
+    // Where a person put the caret or the selection with keys or the mouse.
+    void takeSelection() {
+        if (widget_.hasSelectedText()) {
+            box_.SelStart(widget_.selectionStart());
+            box_.SelLength(static_cast<int32_t>(widget_.selectedText().size()));
+        } else {
+            box_.SelStart(widget_.cursorPosition());
+        }
+    }
+
+    TextBox& box_;
+    QLineEdit& widget_;
+};
+
+template <class Model, class View, class Binding>
+std::unique_ptr<ControlBinding> bindAs(Control& control, QWidget& widget) {
+    auto* model = dynamic_cast<Model*>(&control);
+    auto* view = qobject_cast<View*>(&widget);
+    if (!model || !view) return nullptr;
+    return std::make_unique<Binding>(*model, *view);
+}
+
+}  // namespace
+
+int32_t keyAsciiOf(int key, const QString& text) {
+    switch (key) {
+        case Qt::Key_Backspace:
+            return 8;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return 13;
+        case Qt::Key_Escape:
+            return 27;
+        default:
+            break;
+    }
+    const QList<uint> characters = text.toUcs4();
+    if (characters.isEmpty() || characters.front() < 32 || characters.front() == 127) return 0;
+    return static_cast<int32_t>(characters.front());
+}
+
+ControlBinding::ControlBinding(Control& control, QWidget& widget) : control_(control), widget_(widget) {}
+
+ControlBinding::~ControlBinding() {
+    control_.Unsubscribe(token_);
+    widget_.removeEventFilter(this);
+}
+
+void ControlBinding::start() {
+    widget_.installEventFilter(this);
+    token_ = control_.Subscribe([this](std::string_view property) { showProperty(property); });
+    showProperty("");
+}
+
+void ControlBinding::showProperty(std::string_view property) {
+    if (is(property, "Enabled")) widget_.setEnabled(control_.Enabled());
+    if (is(property, "Visible")) widget_.setVisible(control_.Visible());
+    if (is(property, "ToolTipText")) widget_.setToolTip(toQString(control_.ToolTipText()));
+    if (is(property, "Font") && control_.HasFont()) {
+        const qx::Font font = control_.Font();
+        QFont shown = widget_.font();
+        shown.setFamily(toQString(font.Name));
+        shown.setPointSizeF(font.Size);
+        widget_.setFont(shown);
+    }
+}
+
+bool ControlBinding::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::FocusIn) control_.SetFocus();
+    return false;
+}
+
+std::unique_ptr<ControlBinding> ControlBinding::bind(Control& control, QWidget& widget) {
+    // Check boxes and option buttons are buttons too: they come first.
+    if (auto bound = bindAs<CheckBox, QCheckBox, CheckBoxBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<OptionButton, QRadioButton, OptionBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<CommandButton, QAbstractButton, ButtonBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<Label, QLabel, LabelBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<Frame, QGroupBox, FrameBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<TextBox, QLineEdit, TextBoxBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<ComboBox, QComboBox, ComboBinding>(control, widget)) return bound;
+    return nullptr;
+}
+
+}  // namespace qx

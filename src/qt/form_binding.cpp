@@ -1,0 +1,56 @@
+#include "qt/form_binding.h"
+
+#include <QFont>
+#include <QIcon>
+#include <set>
+
+#include "qt/colours.h"
+#include "qt/qt_text.h"
+
+namespace qx {
+
+FormBinding::FormBinding(Form& form, QWidget& window) : form_(form), window_(window) {
+    std::set<QString> bound;
+    for (Control* control : form.Controls()) {
+        const QString name = toQString(control->Name());
+        auto* widget = window.findChild<QWidget*>(name);
+        std::unique_ptr<ControlBinding> binding = widget ? ControlBinding::bind(*control, *widget) : nullptr;
+        if (!binding) {
+            controlsWithoutWidget_.push_back(control->Name());
+            continue;
+        }
+        bound.insert(name);
+        bindings_.push_back(std::move(binding));
+    }
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const QString name = widget->objectName();
+        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")) || bound.count(name)) continue;
+        widgetsWithoutControl_.push_back(name);
+    }
+    token_ = form.Subscribe([this](std::string_view property) { showForm(property); });
+    showForm("");
+}
+
+FormBinding::~FormBinding() { form_.Unsubscribe(token_); }
+
+QWidget* FormBinding::WidgetOf(const Control& control) const {
+    for (const auto& binding : bindings_)
+        if (&binding->BoundControl() == &control) return &binding->Widget();
+    return nullptr;
+}
+
+void FormBinding::showForm(std::string_view property) {
+    if (property.empty() || property == "Caption") window_.setWindowTitle(toQString(form_.Caption()));
+    if (property.empty() || property == "Icon") {
+        const QPixmap icon = toQPixmap(form_.Icon());
+        if (!icon.isNull()) window_.setWindowIcon(QIcon(icon));
+    }
+    if (property.empty() || property == "Font") {
+        QFont font = window_.font();
+        font.setFamily(toQString(form_.Font().Name));
+        font.setPointSizeF(form_.Font().Size);
+        window_.setFont(font);
+    }
+}
+
+}  // namespace qx

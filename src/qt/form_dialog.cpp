@@ -1,0 +1,33 @@
+#include "qt/form_dialog.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPushButton>
+
+#include "qt/control_binding.h"
+
+namespace qx {
+
+FormDialog::FormDialog(Form& form, QWidget* parent) : QDialog(parent), form_(form) {
+    setObjectName(QString::fromStdWString(form.Name()));
+}
+
+void FormDialog::keyPressEvent(QKeyEvent* event) {
+    // Enter and Escape are the form's keys, not Qt's default and cancel buttons.
+    if (const int32_t code = keyAsciiOf(event->key(), event->text()); code != 0) {
+        form_.UserKeyPress(code);
+        event->accept();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void FormDialog::closeEvent(QCloseEvent* event) {
+    // The control box: the form may refuse; when it ends, the driver closes the window.
+    event->ignore();
+    form_.UserClose();
+}
+
+void FormDialog::reject() { form_.UserClose(); }
+
+}  // namespace qx

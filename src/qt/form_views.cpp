@@ -1,0 +1,44 @@
+#include "qt/form_views.h"
+
+#include <QPushButton>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "ui_frm_protocol_config.h"
+
+namespace qx {
+
+namespace {
+
+template <class Ui>
+void setUp(FormDialog& dialog) {
+    Ui ui;
+    ui.setupUi(&dialog);
+}
+
+using SetUp = std::function<void(FormDialog&)>;
+
+const std::map<std::wstring, SetUp>& views() {
+    static const std::map<std::wstring, SetUp> table = {
+        {L"frmProtocolConfig", setUp<Ui::frmProtocolConfig>},
+    };
+    return table;
+}
+
+}  // namespace
+
+std::unique_ptr<FormDialog> createFormView(Form& form, QWidget* parent) {
+    const auto it = views().find(form.Name());
+    if (it == views().end()) return nullptr;
+    auto dialog = std::make_unique<FormDialog>(form, parent);
+    it->second(*dialog);
+    // Enter is the form's key: no button of Qt's presses itself on it.
+    for (QPushButton* button : dialog->findChildren<QPushButton*>()) {
+        button->setAutoDefault(false);
+        button->setDefault(false);
+    }
+    return dialog;
+}
+
+}  // namespace qx

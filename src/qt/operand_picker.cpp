@@ -1,0 +1,95 @@
+#include "qt/operand_picker.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <cmath>
+
+#include "platform/host/host_services.h"
+#include "qt/qt_text.h"
+
+namespace qx {
+
+namespace {
+
+constexpr int32_t ConstantMode = 2;
+// Constants are fixed point, their value times 10000.
+constexpr double FixedPointScale = 10000.0;
+
+// The kind of an item: mode in the high half of the data, type in the low.
+int kindData(int32_t mode, int32_t type) { return mode * 0x10000 + type; }
+int32_t modeOf(int data) { return data / 0x10000; }
+int32_t typeOf(int data) { return data % 0x10000; }
+
+}  // namespace
+
+OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
+    : QDialog(parent),
+      cbKind_(new QComboBox(this)),
+      spAddress_(new QSpinBox(this)),
+      spValue_(new QDoubleSpinBox(this)),
+      txtDescription_(new QLineEdit(this)) {
+    setObjectName(QStringLiteral("OperandPicker"));
+    setWindowTitle(operand.OperandTitle().empty() ? QStringLiteral("Operand") : toQString(operand.OperandTitle()));
+    cbKind_->setObjectName(QStringLiteral("cbKind"));
+    spAddress_->setObjectName(QStringLiteral("spAddress"));
+    spValue_->setObjectName(QStringLiteral("spValue"));
+    txtDescription_->setObjectName(QStringLiteral("txtDescription"));
+
+    const clsOperandTypeNames names;
+    for (const AllowedType& allowed : operand.AllowedTypes()) {
+        if (!allowed.Allowed) continue;
+        QString text = toQString(names.GetName(allowed.OperandType));
+        if (allowed.Mode == ConstantMode) text += QStringLiteral(" (constant)");
+        cbKind_->addItem(text, kindData(allowed.Mode, allowed.OperandType));
+    }
+    // A linked operand opens on its own kind and address.
+    const int current = cbKind_->findData(kindData(operand.OperandMode(), operand.OperandType()));
+    if (current >= 0 && !operand.IsNew()) cbKind_->setCurrentIndex(current);
+    spAddress_->setRange(0, 65535);
+    if (!operand.IsNew() && operand.OperandAddress() >= 0) spAddress_->setValue(operand.OperandAddress());
+    spValue_->setRange(-214748.3648, 214748.3647);
+    spValue_->setDecimals(4);
+    spValue_->setValue(static_cast<double>(operand.OperandConstantValue()) / FixedPointScale);
+    txtDescription_->setText(toQString(operand.OperandDescription()));
+
+    auto* form = new QFormLayout;
+    form->addRow(QStringLiteral("Operand"), cbKind_);
+    form->addRow(QStringLiteral("Address"), spAddress_);
+    form->addRow(QStringLiteral("Value"), spValue_);
+    form->addRow(QStringLiteral("Description"), txtDescription_);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->setObjectName(QStringLiteral("buttons"));
+    buttons->button(QDialogButtonBox::Ok)->setEnabled(cbKind_->count() > 0);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    // Wide enough for a description of the host's usual length.
+    txtDescription_->setMinimumWidth(txtDescription_->fontMetrics().averageCharWidth() * 32);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(buttons);
+    connect(cbKind_, &QComboBox::currentIndexChanged, this, [this] { kindChanged(); });
+    kindChanged();
+}
+
+void OperandPicker::kindChanged() {
+    const bool constant = modeOf(cbKind_->currentData().toInt()) == ConstantMode;
+    spAddress_->setEnabled(!constant);
+    spValue_->setEnabled(constant);
+}
+
+bool OperandPicker::WriteChoice(clsOperand& operand) const {
+    if (cbKind_->currentIndex() < 0) return false;
+    const int data = cbKind_->currentData().toInt();
+    operand.OperandMode(modeOf(data));
+    operand.OperandType(typeOf(data));
+    operand.OperandDescription(fromQString(txtDescription_->text()));
+    if (modeOf(data) == ConstantMode)
+        operand.OperandConstantValue(static_cast<int64_t>(std::llround(spValue_->value() * FixedPointScale)));
+    else
+        operand.OperandAddress(spAddress_->value());
+    return true;
+}
+
+}  // namespace qx

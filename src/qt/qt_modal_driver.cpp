@@ -1,0 +1,62 @@
+#include "qt/qt_modal_driver.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <stdexcept>
+#include <string>
+
+#include "platform/basics/ansi.h"
+#include "platform/controls/form.h"
+#include "qt/form_binding.h"
+#include "qt/form_views.h"
+#include "qt/operand_picker.h"
+#include "qt/qt_text.h"
+
+namespace qx {
+
+QWidget* QtModalDriver::topWindow() const { return shown_.empty() ? mainWindow_.data() : shown_.back().second; }
+
+void QtModalDriver::ShowModal(Form& form) {
+    std::unique_ptr<FormDialog> view = createFormView(form, topWindow());
+    if (!view) throw std::logic_error("the dialog " + toUtf8(form.Name()) + " has no view");
+    {
+        FormBinding binding(form, *view);
+        shown_.emplace_back(&form, view.get());
+        form.Load();
+        form.Show();
+        form.Activate();
+        if (form.Visible()) {
+            // The dialog ends when its form hides, whoever hid it.
+            const int32_t token = form.Subscribe([&form, window = view.get()](std::string_view property) {
+                if (property == "Visible" && !form.Visible()) window->done(0);
+            });
+            view->exec();
+            form.Unsubscribe(token);
+        }
+        if (form.Visible()) form.Hide();
+        shown_.pop_back();
+    }
+    // The dialog below is the active one again.
+    if (!shown_.empty() && shown_.back().first->Visible()) shown_.back().first->Activate();
+}
+
+bool QtModalDriver::PickOperand(clsOperand& operand) {
+    OperandPicker picker(operand, topWindow());
+    return picker.exec() == QDialog::Accepted && picker.WriteChoice(operand);
+}
+
+int32_t QtModalDriver::AnswerMessage(const ShownMessage& message) {
+    QMessageBox box(topWindow());
+    box.setWindowTitle(QStringLiteral("QxFBCom2"));
+    box.setText(toQString(message.Text));
+    // A message that asks is answered Yes or No; any other is acknowledged.
+    const bool question = !message.Text.empty() && message.Text.back() == L'?';
+    box.setIcon(question ? QMessageBox::Question : QMessageBox::Information);
+    box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const int pressed = box.exec();
+    return pressed == QMessageBox::No ? AnswerNo : 1;
+}
+
+void QtModalDriver::Beep() { QApplication::beep(); }
+
+}  // namespace qx

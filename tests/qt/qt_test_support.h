@@ -1,0 +1,38 @@
+// Helpers of the Qt tests: acting on a modal window once it is up, and
+// writing screenshots.
+#pragma once
+#include <QApplication>
+#include <QDir>
+#include <QString>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+namespace qx::test {
+
+// Runs the action on the modal window of that object name as soon as it is
+// the active modal window; the nested event loop of its exec() runs it.
+inline void onModal(const QString& name, std::function<void(QWidget&)> action) {
+    auto* timer = new QTimer;
+    timer->setInterval(5);
+    QObject::connect(timer, &QTimer::timeout, [timer, name, action = std::move(action)] {
+        QWidget* window = QApplication::activeModalWidget();
+        if (!window || window->objectName() != name) return;
+        timer->stop();
+        timer->deleteLater();
+        action(*window);
+    });
+    timer->start();
+}
+
+// Writes a screenshot of the window into QXFB_SCREENSHOT_DIR (CTest and the
+// screenshots target set it); a run by hand without it writes nothing, so
+// that no folder appears wherever the tests happen to start.
+inline void saveScreenshot(QWidget& window, const QString& file) {
+    const QString folder = qEnvironmentVariable("QXFB_SCREENSHOT_DIR");
+    if (folder.isEmpty()) return;
+    QDir().mkpath(folder);
+    window.grab().save(QDir(folder).filePath(file));
+}
+
+}  // namespace qx::test
