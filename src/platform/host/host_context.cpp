@@ -108,6 +108,21 @@ int32_t OperandTable::LinkCount(int32_t type, int32_t address) const {
     return entry ? entry->Count : 0;
 }
 
+std::vector<OperandTable::Link> OperandTable::Links() const {
+    std::vector<Link> links;
+    for (const Slot& slot : slots_)
+        if (slot.Used && slot.Link.Count > 0) links.push_back({slot.Type, slot.Address, slot.Link});
+    std::sort(links.begin(), links.end(),
+              [](const Link& a, const Link& b) { return std::pair(a.Type, a.Address) < std::pair(b.Type, b.Address); });
+    return links;
+}
+
+void OperandTable::RestoreLink(int32_t type, int32_t address, const Entry& entry) {
+    if (entry.Count <= 0) return;
+    Register(type, address, entry.Mode, entry.Format);
+    slotOf(type, address)->Link.Count = entry.Count;
+}
+
 void ScriptedModalDriver::QueuePick(const OperandChoice& choice) {
     picks_.push_back([choice](clsOperand& operand) {
         operand.OperandMode(choice.Mode);

@@ -120,6 +120,22 @@ public:
     };
     const Entry* Find(int32_t type, int32_t address) const;
 
+    // The whole table, for a host that saves it with its project and
+    // restores it on opening.
+    struct Link {
+        int32_t Type = 0;
+        int32_t Address = 0;
+        Entry Link;
+    };
+    // Every identity that at least one link names, by type, then address.
+    std::vector<Link> Links() const;
+    // Sets an identity's entry as it was saved; a count of 0 or less leaves it out.
+    void RestoreLink(int32_t type, int32_t address, const Entry& entry);
+    // Constant-table address to type and value.
+    const std::map<int32_t, std::pair<int32_t, int64_t>>& Constants() const { return constants_; }
+    int32_t NextConstantAddress() const { return nextConstantAddress_; }
+    void NextConstantAddress(int32_t next) { nextConstantAddress_ = next; }
+
 private:
     // Looked up at every operand an image load links, so kept in one flat
     // block, open addressing by type and address. A link released to a count

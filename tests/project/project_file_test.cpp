@@ -1,0 +1,297 @@
+#include "project/project_file.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/basics/ansi.h"
+#include "support/scratch_files.h"
+
+namespace qx {
+namespace {
+
+namespace fs = std::filesystem;
+
+StoredOperand linkedOperand(const std::wstring& key, int32_t type, int32_t address) {
+    StoredOperand operand;
+    operand.Key = key;
+    operand.Caption = L"Status";
+    operand.Title = L"Status";
+    operand.Description = L"Zähler € 1";
+    operand.IsNew = false;
+    operand.Type = type;
+    operand.Address = address;
+    operand.Format = 3;
+    operand.AllowedTypes = {{1, 3, true}, {1, 65, false}};
+    return operand;
+}
+
+// A project touching every table: two nets, a Config with two links, a Send
+// with a constant that has a constant list, a Buffer reset with no image,
+// instances of both families, the host's tables and both settings.
+Project sampleProject() {
+    Project project;
+    project.Settings.ExtendedOperands = true;
+    project.Settings.AppFolder = L"/opt/rungs/bin";
+    StoredOperation config;
+    config.MethodID = 170101;
+    config.FatherInstanceNum = 1;
+    config.BinaryOperands = {0x02, 0x00};
+    config.OutOperands = {linkedOperand(L"1", 1, 10), linkedOperand(L"2", 3, 20)};
+    StoredOperation send;
+    send.MethodID = 170103;
+    send.HexFileVersion = 101;
+    send.FatherInstanceNum = 1;
+    send.IsConducting = true;
+    send.BinaryOperands.assign(70000, 0);
+    for (size_t i = 0; i < send.BinaryOperands.size(); ++i) send.BinaryOperands[i] = static_cast<uint8_t>(i * 7);
+    StoredOperand constant = linkedOperand(L"1", 34, 5);
+    constant.Mode = 2;
+    constant.ConstantValue = -123456789012;
+    constant.ConstantListMode = 1;
+    constant.ConstantListOnly = true;
+    constant.VectorLength = 5;
+    constant.ConstantList = {{1, L"Socket 1"}, {2, L"Socket 2"}};
+    send.InOperands = {linkedOperand(L"in", 5, 7)};
+    send.OutOperands = {constant};
+    StoredOperation reset;
+    reset.MethodID = 170105;
+    project.Nets = {LadderNet{L"Start", {config}}, LadderNet{L"", {send, reset}}, LadderNet{L"empty net", {}}};
+    project.Instances = {
+        {170100, 1, L"Printer", {}}, {170100, 3, L"Scale", {1, 2, 3}}, {170200, 1, L"Cell", Bytes(418, 0x20)}};
+    project.Constants = {{5, 34, -123456789012}};
+    project.Links = {{1, 10, 1, 3, 1}, {3, 20, 1, 3, 2}, {34, 5, 2, 3, 1}};
+    project.NextConstantAddress = 6;
+    return project;
+}
+
+// Runs SQL on a file directly, as another program would.
+void runSql(const fs::path& file, const std::string& sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+    char* message = nullptr;
+    const int code = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &message);
+    const std::string text = message ? message : "";
+    sqlite3_free(message);
+    sqlite3_close(db);
+    ASSERT_EQ(code, SQLITE_OK) << text;
+}
+
+// The error a call raises, with its number and description.
+template <class Call>
+RuntimeError errorOf(Call call) {
+    try {
+        call();
+    } catch (const RuntimeError& e) {
+        return e;
+    }
+    ADD_FAILURE() << "no error";
+    return RuntimeError(0, L"", L"");
+}
+
+std::string descriptionOf(const RuntimeError& e) { return toUtf8(e.Description()); }
+
+class ProjectFileTest : public ::testing::Test {
+protected:
+    test::ScratchFolder folder{"qxfb_project"};
+    fs::path file = folder.path() / "plant.qxfbproj";
+    std::string path = file.string();
+};
+
+TEST_F(ProjectFileTest, ASavedProjectLoadsBackEqualInEveryPart) {
+    const Project project = sampleProject();
+    saveProject(path, project);
+    const Project loaded = loadProject(path);
+    ASSERT_EQ(loaded.Nets.size(), 3u);
+    EXPECT_EQ(loaded.Nets[1].Operations[0].BinaryOperands, project.Nets[1].Operations[0].BinaryOperands);
+    EXPECT_TRUE(loaded.Nets[1].Operations[1].BinaryOperands.empty());
+    EXPECT_EQ(loaded.Nets[1].Operations[0].OutOperands[0].ConstantList,
+              project.Nets[1].Operations[0].OutOperands[0].ConstantList);
+    EXPECT_EQ(loaded.Nets[0].Operations[0].OutOperands[0].Description, L"Zähler € 1");
+    EXPECT_EQ(loaded.Settings, project.Settings);
+    EXPECT_EQ(loaded.Instances, project.Instances);
+    EXPECT_EQ(loaded, project);
+}
+
+TEST_F(ProjectFileTest, TheFileIsMarkedAsAProjectOfItsSchema) {
+    saveProject(path, sampleProject());
+    const std::string bytes = test::readFile(file);
+    ASSERT_GT(bytes.size(), 100u);
+    EXPECT_EQ(bytes.substr(0, 16), std::string("SQLite format 3\0", 16));
+    // The header's user version (offset 60) and application id (offset 68), big-endian.
+    EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\x01", 4));
+    EXPECT_EQ(bytes.substr(68, 4), "QxFB");
+}
+
+TEST_F(ProjectFileTest, SavingAgainReplacesTheWholeContent) {
+    saveProject(path, sampleProject());
+    Project smaller;
+    smaller.Nets = {LadderNet{L"only", {}}};
+    smaller.Settings.AppFolder = L"elsewhere";
+    saveProject(path, smaller);
+    EXPECT_EQ(loadProject(path), smaller);
+}
+
+TEST_F(ProjectFileTest, AnEmptyProjectRoundTrips) {
+    saveProject(path, Project{});
+    EXPECT_EQ(loadProject(path), Project{});
+}
+
+TEST_F(ProjectFileTest, AMissingFileIsNamedAsNotFound) {
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::FileNotFound);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": not found");
+}
+
+TEST_F(ProjectFileTest, AFolderOrFifoIsNoProjectFileAndIsNotOpened) {
+    const RuntimeError onFolder = errorOf([&] { loadProject(folder.path().string()); });
+    EXPECT_EQ(onFolder.Number(), err::PathFileAccessError);
+    EXPECT_NE(descriptionOf(onFolder).find("is not a regular file"), std::string::npos);
+    const fs::path fifo = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(errorOf([&] { loadProject(fifo.string()); }).Number(), err::PathFileAccessError);
+    EXPECT_EQ(errorOf([&] { saveProject(fifo.string(), Project{}); }).Number(), err::PathFileAccessError);
+    EXPECT_TRUE(fs::is_fifo(fifo));
+}
+
+TEST_F(ProjectFileTest, ATextFileIsNoProjectAndIsLeftAsItWas) {
+    test::writeFile(file, std::string(4096, 'x'));
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is not a project file (not an SQLite database)");
+    EXPECT_EQ(errorOf([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::readFile(file), std::string(4096, 'x'));
+}
+
+TEST_F(ProjectFileTest, AnotherProgramsDatabaseIsRefusedAndLeftAsItWas) {
+    runSql(file, "CREATE TABLE customers(name TEXT); INSERT INTO customers VALUES('Ada');");
+    const std::string before = test::readFile(file);
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e),
+              "project file \"" + path + "\": is an SQLite database of another program, not a project file");
+    EXPECT_EQ(errorOf([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::readFile(file), before);
+}
+
+TEST_F(ProjectFileTest, AProjectOfANewerSchemaIsRefusedAndLeftAsItWas) {
+    saveProject(path, sampleProject());
+    runSql(file, "PRAGMA user_version = 2;");
+    const std::string before = test::readFile(file);
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path +
+                                    "\": was written by a newer version of the program (project schema 2; this one "
+                                    "reads schema 1 and older)");
+    EXPECT_EQ(errorOf([&] { saveProject(path, Project{}); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::readFile(file), before);
+}
+
+TEST_F(ProjectFileTest, AnEmptyFileIsNoProjectButMayBecomeOne) {
+    test::writeFile(file, "");
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is empty, not a project file");
+    saveProject(path, sampleProject());
+    EXPECT_EQ(loadProject(path), sampleProject());
+}
+
+TEST_F(ProjectFileTest, ALockedFileIsNamedAsLockedAndSavingChangesNothing) {
+    saveProject(path, sampleProject());
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const RuntimeError onLoad = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(onLoad.Number(), err::PermissionDenied);
+    EXPECT_EQ(descriptionOf(onLoad), "project file \"" + path + "\": is locked by another program");
+    EXPECT_EQ(errorOf([&] { saveProject(path, Project{}); }).Number(), err::PermissionDenied);
+    sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    EXPECT_EQ(loadProject(path), sampleProject());
+}
+
+TEST_F(ProjectFileTest, ADamagedFileGivesAnErrorAndNeverACrash) {
+    saveProject(path, sampleProject());
+    const std::string good = test::readFile(file);
+    // Cut short, and pages overwritten at several places past the header.
+    std::vector<std::string> damaged{good.substr(0, good.size() / 2), good.substr(0, 4096 + 100)};
+    for (size_t at = 100; at < good.size(); at += 1024) {
+        std::string bytes = good;
+        for (size_t i = at; i < std::min(bytes.size(), at + 64); ++i) bytes[i] = static_cast<char>(0xA5 ^ i);
+        damaged.push_back(bytes);
+    }
+    int refused = 0;
+    for (const std::string& bytes : damaged) {
+        test::writeFile(file, bytes);
+        try {
+            loadProject(path);
+        } catch (const RuntimeError& e) {
+            ++refused;
+            EXPECT_TRUE(e.Number() == err::InvalidFileFormat || e.Number() == 57) << descriptionOf(e);
+            EXPECT_EQ(descriptionOf(e).rfind("project file \"" + path + "\": ", 0), 0u) << descriptionOf(e);
+        }
+    }
+    // A cut file and most overwritten pages are noticed; a page of the big
+    // image's bytes can change unnoticed, as in any file without checksums.
+    EXPECT_GT(refused, 2);
+}
+
+TEST_F(ProjectFileTest, AValueOfTheWrongTypeIsDamageNamedByItsColumn) {
+    saveProject(path, sampleProject());
+    // Another program may write what STRICT would refuse once the table is remade without it.
+    runSql(file,
+           "PRAGMA writable_schema = ON;"
+           "UPDATE sqlite_schema SET sql = replace(sql, ') STRICT', ')') WHERE name = 'operations';"
+           "PRAGMA writable_schema = OFF;");
+    runSql(file, "UPDATE operations SET method_id = 'Send' WHERE method_id = 170103;");
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (method_id holds no integer)");
+}
+
+TEST_F(ProjectFileTest, AnOperationOfNoNetIsDamage) {
+    saveProject(path, sampleProject());
+    runSql(file, "DELETE FROM nets WHERE comment = 'Start';");
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (an operation belongs to no net)");
+}
+
+TEST_F(ProjectFileTest, AMissingTableIsDamage) {
+    saveProject(path, sampleProject());
+    runSql(file, "DROP TABLE links;");
+    const RuntimeError e = errorOf([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (no such table: links)");
+}
+
+TEST_F(ProjectFileTest, ANewFileThatCannotBeMadeLeavesNothingBehind) {
+    const fs::path inMissingFolder = folder.path() / "missing" / "p.qxfbproj";
+    const RuntimeError e = errorOf([&] { saveProject(inMissingFolder.string(), sampleProject()); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_FALSE(fs::exists(inMissingFolder));
+}
+
+TEST_F(ProjectFileTest, APathThatIsNotUtf8IsUsedAsItsBytes) {
+    const std::string latin1 = (folder.path() /
+                                "Anlage M\xFC"
+                                "hle.qxfbproj")
+                                   .string();
+    saveProject(latin1, sampleProject());
+    EXPECT_TRUE(fs::exists(latin1));
+    EXPECT_EQ(loadProject(latin1), sampleProject());
+    const std::string missing = latin1 + "\xFF";
+    EXPECT_EQ(toUtf8(errorOf([&] { loadProject(missing); }).Description()),
+              "project file \"" + missing + "\": not found");
+}
+
+TEST_F(ProjectFileTest, ASettingThisProgramDoesNotKnowIsIgnored) {
+    saveProject(path, sampleProject());
+    runSql(file, "INSERT INTO settings VALUES('FutureSetting', 42);");
+    EXPECT_EQ(loadProject(path), sampleProject());
+}
+
+}  // namespace
+}  // namespace qx
