@@ -2,6 +2,7 @@
 // dlopen and reaches the library only through the exported entry points, as
 // the ladder IDE does: it lists the families and plays the road of a new
 // serial Config with a scripted person, and it registers the component.
+// It also shows a project file and writes its download bundle.
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,6 +27,10 @@
 #include "platform/basics/runtime_error.h"
 #include "platform/host/fb_instances_double.h"
 #include "platform/host/host_context.h"
+#include "platform/host/operand.h"
+#include "project/download_bundle.h"
+#include "project/project.h"
+#include "project/project_file.h"
 #include "serial/frm_protocol_config.h"
 
 #ifndef QXFB_DEFAULT_COMPONENT
@@ -62,6 +67,24 @@ Usage:
       library path) into the registry file, keeping its other entries.
   qxfb unregister [--component PATH]
       Calls DllUnregisterServer: removes exactly those entries again.
+  qxfb project info FILE
+      Shows the project file FILE without loading the component: its
+      settings, each net with its operations (MethodID, HexFileVersion,
+      FatherInstanceNum, the size of BinaryOperands, every operand with its
+      key, caption and link or constant value), the instances (FatherID,
+      InstanceNum, name, data size) and the sizes of the constant and operand
+      tables.
+  qxfb project bundle FILE DIR [--component PATH] [--app-folder DIR]
+      Writes the download bundle of the project FILE into the folder DIR,
+      which is made when missing and must be empty: every operation's
+      BinaryOperands (operations/net001_op001_170101.bin), every instance's
+      data (instances/170100_0001.bin), the runtime files of each family and
+      version in use, as the component gives them (runtime/170100V100.FBs and
+      .Jmp), and last manifest.json with the size, SHA-256 and meaning of
+      each file. The application folder is --app-folder, else the project's
+      own when it has one, else the component's; ExtendedOperands comes from
+      the project. Prints each file with its size and SHA-256, last the line
+      "Bundle: N files in DIR".
   qxfb --help
       Shows this text.
 
@@ -69,7 +92,8 @@ Options:
   --component PATH   the component to load; by default the one installed
                      beside qxfb (../lib/libQxFBCom2.so), else the
                      libQxFBCom2.so of the build that made qxfb
-  --app-folder DIR   the host's application folder inside the component; the
+  --app-folder DIR   the host's application folder inside the component (demo
+                     and project bundle); the
                      runtime files are read from DIR/../FB_Lib/RT/. By default
                      the component's own: $QXFB_APP_FOLDER, else for an
                      installed component share/QxFBCom2/bin of its prefix, else
@@ -80,7 +104,8 @@ Environment:
   QXFB_REGISTRY      registry file; default $XDG_CONFIG_HOME/QxFBCom2/registry.ini
                      or ~/.config/QxFBCom2/registry.ini
 
-Exit status: 0 on success, 1 when the component failed, 2 on a usage error.
+Exit status: 0 on success, 1 when the component or a file failed, 2 on a
+usage error.
 )";
 
 std::string hresultText(HRESULT hr) {
@@ -208,7 +233,9 @@ private:
 
 struct Options {
     std::string command;
+    std::vector<std::string> arguments;  // the words after the command
     std::string component;
+    bool componentGiven = false;
     std::string appFolder;
 };
 
@@ -363,6 +390,134 @@ int registration(const Options& options, bool add) {
     return 0;
 }
 
+std::string countOf(size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+void printStoredOperands(const char* name, const std::vector<StoredOperand>& operands) {
+    std::cout << "    " << name << ":";
+    if (operands.empty()) {
+        std::cout << " none\n";
+        return;
+    }
+    std::cout << "\n";
+    for (const StoredOperand& stored : operands) {
+        // The host's own operand object says how a link or a constant reads.
+        OperandPtr operand = newOperand();
+        restoreOperand(stored, *operand);
+        const std::wstring shown = GetOperandDisplayText(*operand);
+        std::cout << "      " << u8(stored.Key) << "  " << u8(stored.Caption) << "  "
+                  << (shown.empty() ? std::string("not linked") : u8(shown)) << "\n";
+    }
+}
+
+int projectInfo(const std::string& file) {
+    Project project;
+    try {
+        project = loadProject(file);
+    } catch (const RuntimeError& e) {
+        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
+        return 1;
+    }
+    // Links take their mode and format from the host's table, as in the IDE.
+    restoreOperandTable(project, host().Operands);
+    std::cout << "Project: " << file << "\n";
+    std::cout << "ExtendedOperands: " << (project.Settings.ExtendedOperands ? "on" : "off") << "\n";
+    std::cout << "AppFolder: "
+              << (project.Settings.AppFolder.empty() ? std::string("(the component's own)")
+                                                     : u8(project.Settings.AppFolder))
+              << "\n";
+    for (size_t n = 0; n < project.Nets.size(); ++n) {
+        const LadderNet& net = project.Nets[n];
+        std::cout << "Net " << n + 1 << (net.Comment.empty() ? "" : ": " + u8(net.Comment)) << "\n";
+        if (net.Operations.empty()) std::cout << "  no operations\n";
+        for (size_t i = 0; i < net.Operations.size(); ++i) {
+            const StoredOperation& op = net.Operations[i];
+            std::cout << "  Operation " << i + 1 << ": MethodID " << op.MethodID << "  HexFileVersion "
+                      << op.HexFileVersion << "  FatherInstanceNum " << op.FatherInstanceNum << "  BinaryOperands "
+                      << countOf(op.BinaryOperands.size(), "byte", "bytes") << (op.IsConducting ? "  conducting" : "")
+                      << "\n";
+            printStoredOperands("InOperands", op.InOperands);
+            printStoredOperands("OutOperands", op.OutOperands);
+        }
+    }
+    std::cout << "Instances:" << (project.Instances.empty() ? " none" : "") << "\n";
+    for (const StoredInstance& instance : project.Instances)
+        std::cout << "  FatherID " << instance.FatherID << "  InstanceNum " << instance.InstanceNum << "  "
+                  << u8(instance.Name) << "  Data " << countOf(instance.Data.size(), "byte", "bytes") << "\n";
+    std::cout << "Constants: " << project.Constants.size() << "\n";
+    std::cout << "Links: " << project.Links.size() << "\n";
+    return 0;
+}
+
+int projectBundle(const Options& options, const std::string& file, const std::string& folder) {
+    Project project;
+    try {
+        project = loadProject(file);
+    } catch (const RuntimeError& e) {
+        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
+        return 1;
+    }
+    LoadedComponent component;
+    if (!component.load(options.component)) return 1;
+    HostContext* context = component.Context();
+    if (!context) {
+        std::cerr << "qxfb: the component gave no host context\n";
+        return 1;
+    }
+    context->EchoReports = true;
+    if (!options.appFolder.empty())
+        context->AppFolder = fromUtf8(options.appFolder);
+    else if (!project.Settings.AppFolder.empty())
+        context->AppFolder = project.Settings.AppFolder;
+    context->ExtendedOperands = project.Settings.ExtendedOperands;
+
+    std::cout << "Project: " << file << "\n";
+    std::cout << "Component: " << component.path() << "\n";
+    std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
+    std::vector<BundleFile> files;
+    try {
+        GUID clsid{};
+        auto gate = component.create<itfFBGate>(L"QxFBCom2.clsGate", clsid);
+        if (!gate) return 1;
+        const RuntimeFilesOf runtimeFiles = [&](int32_t FatherID, int32_t HexFileVersion) {
+            const std::wstring which =
+                L"family " + std::to_wstring(FatherID) + L", version " + std::to_wstring(HexFileVersion);
+            // A family reports missing files and hands out placeholders; a
+            // bundle with those would download nothing that works.
+            const size_t reports = context->Reports.size();
+            FatherPtr father;
+            FBHexFileDetails details;
+            try {
+                // Making the family already reads its ini file.
+                father = gate->itfFBGate_GetFatherObject(FatherID);
+                if (father) details = father->itfFBFather_GetHexFileDetails(HexFileVersion);
+            } catch (const RuntimeError& e) {
+                throw RuntimeError(e.Number(), e.Source(),
+                                   L"the runtime files of " + which + L" cannot be read: " + e.Description());
+            }
+            if (!father) throw RuntimeError(err::InvalidProcedureCall, L"qxfb", L"the component has no " + which);
+            if (context->Reports.size() != reports)
+                throw RuntimeError(
+                    err::FileNotFound, L"qxfb",
+                    L"the runtime files of " + which + L" cannot be read from " + context->RuntimeFolder());
+            return details;
+        };
+        files = writeDownloadBundle(project, folder, runtimeFiles);
+    } catch (const RuntimeError& e) {
+        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
+        return 1;
+    } catch (const std::exception& e) {
+        std::cerr << "qxfb: " << e.what() << "\n";
+        return 1;
+    }
+    for (const BundleFile& written : files)
+        std::cout << "  " << written.Path << "  " << countOf(written.Size, "byte", "bytes") << "  " << written.Sha256
+                  << "\n";
+    std::cout << "Bundle: " << countOf(files.size(), "file", "files") << " in " << folder << std::endl;
+    return 0;
+}
+
 int usageError(const std::string& message) {
     std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
     return 2;
@@ -383,17 +538,36 @@ int main(int argc, char** argv) {
         if (arg == "--component" || arg == "--app-folder") {
             if (i + 1 >= args.size()) return usageError(arg + " needs a value");
             (arg == "--component" ? options.component : options.appFolder) = args[++i];
+            if (arg == "--component") options.componentGiven = true;
         } else if (arg.rfind("--", 0) == 0) {
             return usageError("unknown option " + arg);
         } else if (options.command.empty()) {
             options.command = arg;
         } else {
-            return usageError("unexpected argument " + arg);
+            options.arguments.push_back(arg);
         }
     }
     if (options.command.empty()) return usageError("no command given");
+    const std::vector<std::string>& words = options.arguments;
+    if (options.command == "project") {
+        const std::string what = words.empty() ? "" : words[0];
+        if (what == "info") {
+            if (words.size() < 2) return usageError("project info needs a project file");
+            if (words.size() > 2) return usageError("unexpected argument " + words[2]);
+            if (options.componentGiven || !options.appFolder.empty())
+                return usageError("project info loads no component and takes no options");
+            return projectInfo(words[1]);
+        }
+        if (what == "bundle") {
+            if (words.size() < 3) return usageError("project bundle needs a project file and a folder");
+            if (words.size() > 3) return usageError("unexpected argument " + words[3]);
+            return projectBundle(options, words[1], words[2]);
+        }
+        return usageError(what.empty() ? "project needs a command: info or bundle" : "unknown project command " + what);
+    }
+    if (!words.empty()) return usageError("unexpected argument " + words[0]);
     if (options.command == "demo") return demo(options);
-    if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo command");
+    if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo and project bundle commands");
     if (options.command == "classes") return classes(options);
     if (options.command == "register") return registration(options, true);
     if (options.command == "unregister") return registration(options, false);

@@ -1,0 +1,56 @@
+// The download bundle of a project: everything the host sends to the
+// controller, as plain files in one folder, with a manifest that says what
+// each file is and holds its size and SHA-256, so that a downloader (or a
+// person) can check the folder before it goes out.
+//
+// Layout of the folder:
+//   operations/net001_op002_170103.bin   an operation's BinaryOperands; nets
+//                                        and operations numbered from 1 in
+//                                        project order, then the MethodID
+//   instances/170100_0001.bin            an instance's data: FatherID, InstanceNum
+//   runtime/170100V100.FBs, .Jmp         the runtime files of every family and
+//                                        version the operations use, once each,
+//                                        named as in the runtime folder
+//   manifest.json                        written last: a folder without it is
+//                                        not a complete bundle
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/host/host_contract.h"
+#include "project/project.h"
+
+namespace qx {
+
+// The runtime files of one version of a family, as the family hands them out
+// (itfFBFather_GetHexFileDetails).
+using RuntimeFilesOf = std::function<FBHexFileDetails(int32_t FatherID, int32_t HexFileVersion)>;
+
+struct BundleFile {
+    std::string Path;  // relative to the folder, '/'-separated
+    uint64_t Size = 0;
+    std::string Sha256;  // 64 lowercase hexadecimal digits
+    bool operator==(const BundleFile&) const = default;
+};
+
+// Writes the bundle into folder, which is created with its parents when
+// missing and must be empty when it exists. runtimeFiles is asked once per
+// (FatherID, HexFileVersion) pair, before anything is written, so a family
+// that fails leaves no files behind. Returns every file written in the order
+// written: operations, instances, runtime files, and last manifest.json.
+// Raises RuntimeError 75 when folder is no folder or not empty, and a
+// RuntimeError naming the file and the cause when a file cannot be written
+// (the half-written file is removed; the ones before it stay).
+std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::string& folder,
+                                            const RuntimeFilesOf& runtimeFiles);
+
+// The name of the manifest inside the folder.
+inline constexpr const char* BundleManifestName = "manifest.json";
+
+// A JSON string literal of the text, quotes included: UTF-8, with quotes,
+// backslashes and control characters escaped.
+std::string jsonString(const std::wstring& text);
+
+}  // namespace qx

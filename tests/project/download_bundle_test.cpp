@@ -1,0 +1,262 @@
+#include "project/download_bundle.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "project/project_file.h"
+#include "project/sha256.h"
+#include "support/scratch_files.h"
+
+namespace qx {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::readFile;
+using test::writeFile;
+
+Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+StoredOperation operation(int32_t methodId, int32_t instanceNum, Bytes image) {
+    StoredOperation op;
+    op.MethodID = methodId;
+    op.FatherInstanceNum = instanceNum;
+    op.BinaryOperands = std::move(image);
+    return op;
+}
+
+// Two nets: a serial Config and Send, then a Buffer reset with no image and
+// a TCP/IP Config; an instance of each family.
+Project sampleProject() {
+    Project project;
+    project.Nets = {
+        LadderNet{L"Start", {operation(170101, 1, {0x02, 0x00}), operation(170103, 1, {0x01, 0x41, 0x42, 0x0D, 0xFF})}},
+        LadderNet{L"", {operation(170105, 1, {}), operation(170201, 2, {0x01, 0x00, 0x07})}}};
+    project.Instances = {{170100, 1, L"Printer", {0x10, 0x20, 0x30}}, {170200, 2, L"Cell", {0xAA}}};
+    return project;
+}
+
+// A family's runtime files as known text, counting what was asked.
+struct FakeRuntime {
+    std::map<std::pair<int32_t, int32_t>, int> calls;
+
+    RuntimeFilesOf function() {
+        return [this](int32_t fatherId, int32_t version) {
+            ++calls[{fatherId, version}];
+            const std::string tail = std::to_string(fatherId) + " V" + std::to_string(version) + "\n";
+            FBHexFileDetails details;
+            details.FBs = bytesOf("FBs " + tail);
+            details.Jmp = bytesOf("Jmp " + tail);
+            details.FBsSize = static_cast<int32_t>(details.FBs.size());
+            details.MinBiosVersion = fatherId == 170100 ? 310 : 320;
+            details.RealTimeMemorySize = fatherId == 170100 ? 2048 : 4096;
+            return details;
+        };
+    }
+};
+
+template <class Call>
+RuntimeError errorOf(Call call) {
+    try {
+        call();
+    } catch (const RuntimeError& e) {
+        return e;
+    }
+    ADD_FAILURE() << "no error";
+    return RuntimeError(0, L"", L"");
+}
+
+const char* const SampleManifest = R"({
+  "format": "QxFBCom2 download bundle",
+  "version": 1,
+  "files": [
+    {"path": "operations/net001_op001_170101.bin", "size": 2, "sha256": "99be5efb88ca2013bd8e4eb035fd42d5245468fe9afa70d8ba9c1c419a48c4e8", "kind": "operation", "net": 1, "position": 1, "FatherID": 170100, "MethodID": 170101, "HexFileVersion": 100, "FatherInstanceNum": 1},
+    {"path": "operations/net001_op002_170103.bin", "size": 5, "sha256": "be3a23145eecd5fcfb7e1f469068bdc0e86bde560d662bc23209bb92ff79a98e", "kind": "operation", "net": 1, "position": 2, "FatherID": 170100, "MethodID": 170103, "HexFileVersion": 100, "FatherInstanceNum": 1},
+    {"path": "operations/net002_op001_170105.bin", "size": 0, "sha256": "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855", "kind": "operation", "net": 2, "position": 1, "FatherID": 170100, "MethodID": 170105, "HexFileVersion": 100, "FatherInstanceNum": 1},
+    {"path": "operations/net002_op002_170201.bin", "size": 3, "sha256": "cc16a44529d2b5a92d014d63669540ce2f7dd654d97971b0b3b60edc44d457a7", "kind": "operation", "net": 2, "position": 2, "FatherID": 170200, "MethodID": 170201, "HexFileVersion": 100, "FatherInstanceNum": 2},
+    {"path": "instances/170100_0001.bin", "size": 3, "sha256": "8e1336ab78ebe687fd8056a37f2d3b0c32f4cf8fa8b691b653800fa693d570b9", "kind": "instance", "FatherID": 170100, "InstanceNum": 1, "Name": "Printer"},
+    {"path": "instances/170200_0002.bin", "size": 1, "sha256": "bceef655b5a034911f1c3718ce056531b45ef03b4c7b1f15629e867294011a7d", "kind": "instance", "FatherID": 170200, "InstanceNum": 2, "Name": "Cell"},
+    {"path": "runtime/170100V100.FBs", "size": 16, "sha256": "a69c016299f5bb93189d269f7a9ce21a5dda9faddcbd11bcea30589209d91f75", "kind": "runtime-code", "FatherID": 170100, "HexFileVersion": 100, "MinBiosVersion": 310, "RealTimeMemorySize": 2048},
+    {"path": "runtime/170100V100.Jmp", "size": 16, "sha256": "25ba993cc8c71ab168e25f64a9a53b6bcf61f9f4e0249c351efb1287292b2ffa", "kind": "runtime-jump", "FatherID": 170100, "HexFileVersion": 100, "MinBiosVersion": 310, "RealTimeMemorySize": 2048},
+    {"path": "runtime/170200V100.FBs", "size": 16, "sha256": "b222608855afb0b67e1fc0c408d04224802d82b894c4f128e0d3d213a32ca7e4", "kind": "runtime-code", "FatherID": 170200, "HexFileVersion": 100, "MinBiosVersion": 320, "RealTimeMemorySize": 4096},
+    {"path": "runtime/170200V100.Jmp", "size": 16, "sha256": "bcdb2b899d2dfad577a32f41288af02220ebe3f1cf9d029752e43c94cc306303", "kind": "runtime-jump", "FatherID": 170200, "HexFileVersion": 100, "MinBiosVersion": 320, "RealTimeMemorySize": 4096}
+  ]
+}
+)";
+
+class DownloadBundleTest : public ::testing::Test {
+protected:
+    test::ScratchFolder scratch{"qxfb_bundle_test"};
+    const fs::path folder = scratch.path() / "bundle";
+    FakeRuntime runtime;
+};
+
+TEST_F(DownloadBundleTest, WritesEveryImageInstanceAndRuntimeFileByteForByte) {
+    writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+    EXPECT_EQ(readFile(folder / "operations/net001_op001_170101.bin"), std::string("\x02\x00", 2));
+    EXPECT_EQ(readFile(folder / "operations/net001_op002_170103.bin"),
+              "\x01"
+              "AB\x0D\xFF");
+    EXPECT_TRUE(fs::is_regular_file(folder / "operations/net002_op001_170105.bin"));
+    EXPECT_EQ(fs::file_size(folder / "operations/net002_op001_170105.bin"), 0u);
+    EXPECT_EQ(readFile(folder / "operations/net002_op002_170201.bin"), std::string("\x01\x00\x07", 3));
+    EXPECT_EQ(readFile(folder / "instances/170100_0001.bin"), "\x10\x20\x30");
+    EXPECT_EQ(readFile(folder / "instances/170200_0002.bin"), "\xAA");
+    EXPECT_EQ(readFile(folder / "runtime/170100V100.FBs"), "FBs 170100 V100\n");
+    EXPECT_EQ(readFile(folder / "runtime/170100V100.Jmp"), "Jmp 170100 V100\n");
+    EXPECT_EQ(readFile(folder / "runtime/170200V100.FBs"), "FBs 170200 V100\n");
+    EXPECT_EQ(readFile(folder / "runtime/170200V100.Jmp"), "Jmp 170200 V100\n");
+    size_t count = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) count += entry.is_regular_file();
+    EXPECT_EQ(count, 11u);
+}
+
+TEST_F(DownloadBundleTest, ManifestListsEveryFileWithItsMeaning) {
+    writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+    EXPECT_EQ(readFile(folder / "manifest.json"), SampleManifest);
+}
+
+TEST_F(DownloadBundleTest, ReturnsTheFilesAsWrittenWithTheManifestLast) {
+    const std::vector<BundleFile> files = writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+    ASSERT_EQ(files.size(), 11u);
+    EXPECT_EQ(files[0].Path, "operations/net001_op001_170101.bin");
+    EXPECT_EQ(files[4].Path, "instances/170100_0001.bin");
+    EXPECT_EQ(files[9].Path, "runtime/170200V100.Jmp");
+    EXPECT_EQ(files[10].Path, "manifest.json");
+    EXPECT_EQ(files[10].Size, std::string(SampleManifest).size());
+    const std::string manifest = readFile(folder / "manifest.json");
+    for (const BundleFile& file : files) {
+        SCOPED_TRACE(file.Path);
+        const std::string bytes = readFile(folder / file.Path);
+        EXPECT_EQ(file.Size, bytes.size());
+        EXPECT_EQ(file.Sha256, sha256Hex(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
+        if (file.Path != "manifest.json") {
+            EXPECT_NE(manifest.find("{\"path\": \"" + file.Path + "\", \"size\": " + std::to_string(file.Size) +
+                                    ", \"sha256\": \"" + file.Sha256 + "\""),
+                      std::string::npos);
+        }
+    }
+}
+
+TEST_F(DownloadBundleTest, AsksForEachFamilyAndVersionOnce) {
+    Project project = sampleProject();
+    StoredOperation newer = operation(170102, 1, {0x05});
+    newer.HexFileVersion = 101;
+    project.Nets[1].Operations.push_back(newer);
+    const std::vector<BundleFile> files = writeDownloadBundle(project, folder.string(), runtime.function());
+    const std::map<std::pair<int32_t, int32_t>, int> expected = {
+        {{170100, 100}, 1}, {{170100, 101}, 1}, {{170200, 100}, 1}};
+    EXPECT_EQ(runtime.calls, expected);
+    EXPECT_EQ(readFile(folder / "runtime/170100V101.Jmp"), "Jmp 170100 V101\n");
+    EXPECT_EQ(files.size(), 14u);
+}
+
+TEST_F(DownloadBundleTest, AMissingFolderIsMadeWithItsParents) {
+    const fs::path deep = scratch.path() / "a" / "b" / "c";
+    writeDownloadBundle(sampleProject(), deep.string(), runtime.function());
+    EXPECT_EQ(readFile(deep / "manifest.json"), SampleManifest);
+}
+
+TEST_F(DownloadBundleTest, AnEmptyExistingFolderIsUsed) {
+    fs::create_directories(folder);
+    writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+    EXPECT_EQ(readFile(folder / "manifest.json"), SampleManifest);
+}
+
+TEST_F(DownloadBundleTest, AFolderWithAnythingInItIsRefusedAndLeftAlone) {
+    fs::create_directories(folder);
+    writeFile(folder / ".hidden", "keep");
+    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_EQ(toUtf8(e.Description()), "bundle folder \"" + folder.string() + "\" is not empty");
+    EXPECT_TRUE(runtime.calls.empty());
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+    EXPECT_EQ(names, std::vector<std::string>{".hidden"});
+    EXPECT_EQ(readFile(folder / ".hidden"), "keep");
+}
+
+TEST_F(DownloadBundleTest, APathThatIsARegularFileIsRefused) {
+    writeFile(folder, "not a folder");
+    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_EQ(toUtf8(e.Description()), "bundle folder \"" + folder.string() + "\" is not a folder");
+    EXPECT_EQ(readFile(folder), "not a folder");
+    const fs::path below = folder / "bundle";
+    const RuntimeError under = errorOf([&] { writeDownloadBundle(Project{}, below.string(), runtime.function()); });
+    EXPECT_EQ(under.Number(), err::PathFileAccessError);
+    EXPECT_EQ(toUtf8(under.Description()), "bundle folder \"" + below.string() + "\" cannot be used (Not a directory)");
+}
+
+TEST_F(DownloadBundleTest, NamesAreEscapedForJson) {
+    Project project;
+    project.Instances = {{170100, 7, L"K\u00fchl \"A\\B\" \u20ac\t\x01", {}}};
+    writeDownloadBundle(project, folder.string(), runtime.function());
+    const std::string manifest = readFile(folder / "manifest.json");
+    const std::string name = "\"Name\": \"K\xC3\xBChl \\\"A\\\\B\\\" \xE2\x82\xAC\\t\\u0001\"}";
+    EXPECT_NE(manifest.find(name), std::string::npos) << manifest;
+}
+
+TEST(JsonStringTest, EscapesQuotesBackslashesAndControlsAndKeepsLettersAsUtf8) {
+    EXPECT_EQ(jsonString(L""), "\"\"");
+    EXPECT_EQ(jsonString(L"a\"b\\c/d"), "\"a\\\"b\\\\c/d\"");
+    EXPECT_EQ(jsonString(L"\n\r\t\x1f\x7f"), "\"\\n\\r\\t\\u001f\x7f\"");
+    EXPECT_EQ(jsonString(L"\u00e9\U0001F600"), "\"\xC3\xA9\xF0\x9F\x98\x80\"");
+    // A byte of a file name that was not UTF-8 has no UTF-8 form of its own.
+    EXPECT_EQ(jsonString(fromUtf8("x\xFFy")), "\"x\\udcffy\"");
+}
+
+TEST_F(DownloadBundleTest, AnEmptyProjectGivesAnEmptyManifestOnly) {
+    const std::vector<BundleFile> files = writeDownloadBundle(Project{}, folder.string(), runtime.function());
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(readFile(folder / "manifest.json"),
+              "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n  \"files\": []\n}\n");
+    EXPECT_TRUE(runtime.calls.empty());
+}
+
+TEST_F(DownloadBundleTest, AFamilyThatFailsLeavesTheFolderEmpty) {
+    const RuntimeError e = errorOf([&] {
+        writeDownloadBundle(sampleProject(), folder.string(), [](int32_t, int32_t) -> FBHexFileDetails {
+            throw RuntimeError(err::FileNotFound, L"test", L"no runtime files");
+        });
+    });
+    EXPECT_EQ(e.Number(), err::FileNotFound);
+    EXPECT_TRUE(fs::is_directory(folder));
+    EXPECT_TRUE(fs::is_empty(folder));
+}
+
+TEST_F(DownloadBundleTest, AFileThatCannotBeWrittenIsNamedWithTheCause) {
+    // Something takes the name of the operations folder while the runtime
+    // files are read.
+    const RuntimeFilesOf sneaky = [&](int32_t fatherId, int32_t version) {
+        if (!fs::exists(folder / "operations")) writeFile(folder / "operations", "in the way");
+        return runtime.function()(fatherId, version);
+    };
+    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), sneaky); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "operations/net001_op001_170101.bin").string() +
+                                           "\": cannot be written (Not a directory)");
+    EXPECT_FALSE(fs::exists(folder / "manifest.json"));
+    EXPECT_EQ(readFile(folder / "operations"), "in the way");
+}
+
+TEST_F(DownloadBundleTest, AFileAlreadyThereIsNeverOverwritten) {
+    Project project = sampleProject();
+    project.Instances.push_back(project.Instances[0]);  // the same family and number twice
+    const RuntimeError e = errorOf([&] { writeDownloadBundle(project, folder.string(), runtime.function()); });
+    EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "instances/170100_0001.bin").string() +
+                                           "\": cannot be written (File exists)");
+    EXPECT_EQ(readFile(folder / "instances/170100_0001.bin"), "\x10\x20\x30");
+    EXPECT_FALSE(fs::exists(folder / "manifest.json"));
+}
+
+}  // namespace
+}  // namespace qx
