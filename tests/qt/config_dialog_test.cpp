@@ -24,21 +24,6 @@ namespace {
 
 using testing_config::ConfigBench;
 
-// Chooses the memory type and address in the operand picker with keys, and
-// presses OK with the mouse.
-void pickWithKeys(QWidget& picker, int32_t operandType, int32_t address) {
-    auto* kind = picker.findChild<QComboBox*>(QStringLiteral("cbKind"));
-    ASSERT_NE(kind, nullptr);
-    QTest::keyClick(kind, Qt::Key_Home);
-    for (int i = 0; i < kind->count() && kind->currentData().toInt() != 0x10000 + operandType; ++i)
-        QTest::keyClick(kind, Qt::Key_Down);
-    auto* spin = picker.findChild<QSpinBox*>(QStringLiteral("spAddress"));
-    QTest::keyClick(spin, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(spin, QString::number(address));
-    auto* buttons = picker.findChild<QDialogButtonBox*>(QStringLiteral("buttons"));
-    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
-}
-
 class QtConfigDialogTest : public ::testing::Test {
 protected:
     ConfigBench bench;
@@ -68,8 +53,8 @@ TEST_F(QtConfigDialogTest, ANewConfigMadeWithKeysAndMouseEqualsTheOneMadeHeadles
     QString shownPort;
     test::onModal(QStringLiteral("OperandPicker"), [&](QWidget& picker) {
         test::saveScreenshot(picker, QStringLiteral("operand_picker.png"));
-        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& second) { pickWithKeys(second, 3, 200); });
-        pickWithKeys(picker, 1, 100);
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& second) { test::pickWithKeys(second, 3, 200); });
+        test::pickWithKeys(picker, 1, 100);
     });
     test::onModal(QStringLiteral("frmProtocolConfig"), [&](QWidget& window) {
         auto& view = static_cast<FormDialog&>(window);

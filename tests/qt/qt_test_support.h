@@ -1,9 +1,16 @@
 // Helpers of the Qt tests: acting on a modal window once it is up, and
 // writing screenshots.
 #pragma once
+#include <gtest/gtest.h>
+
 #include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QPushButton>
+#include <QSpinBox>
 #include <QString>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -33,6 +40,24 @@ inline void saveScreenshot(QWidget& window, const QString& file) {
     if (folder.isEmpty()) return;
     QDir().mkpath(folder);
     window.grab().save(QDir(folder).filePath(file));
+}
+
+// Chooses a memory type and address in the host's operand picker with keys,
+// and presses OK with the mouse.
+inline void pickWithKeys(QWidget& picker, int32_t operandType, int32_t address) {
+    auto* kind = picker.findChild<QComboBox*>(QStringLiteral("cbKind"));
+    auto* spin = picker.findChild<QSpinBox*>(QStringLiteral("spAddress"));
+    auto* buttons = picker.findChild<QDialogButtonBox*>(QStringLiteral("buttons"));
+    if (!kind || !spin || !buttons) {
+        ADD_FAILURE() << "not the operand picker";
+        return;
+    }
+    QTest::keyClick(kind, Qt::Key_Home);
+    for (int i = 0; i < kind->count() && kind->currentData().toInt() != 0x10000 + operandType; ++i)
+        QTest::keyClick(kind, Qt::Key_Down);
+    QTest::keyClick(spin, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(spin, QString::number(address));
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
 }
 
 }  // namespace qx::test

@@ -1,0 +1,175 @@
+#include "workbench_host.h"
+
+#include <stdexcept>
+
+namespace qx {
+
+namespace {
+
+std::vector<StoredOperand> storedOperands(const OperandCollectionPtr& operands) {
+    std::vector<StoredOperand> stored;
+    if (!operands) return stored;
+    for (int32_t i = 1; i <= operands->Count(); ++i)
+        stored.push_back(storeOperand(*operands->Item(i), operands->KeyAt(i)));
+    return stored;
+}
+
+// The host's own copies of the links, which it gives the reopened operation.
+OperandCollectionPtr operandsOf(const std::vector<StoredOperand>& stored) {
+    auto operands = std::make_shared<OperandCollection>();
+    for (const StoredOperand& each : stored) {
+        OperandPtr operand = newOperand();
+        restoreOperand(each, *operand);
+        // BuildOperands gives the allowed types back, as after any reopen.
+        operand->ClearAllowedTypes();
+        operands->Add(operand, each.Key);
+    }
+    return operands;
+}
+
+}  // namespace
+
+WorkbenchHost::WorkbenchHost(LoadedComponent& component) : context_(component.Context ? component.Context() : nullptr) {
+    if (!context_) throw std::runtime_error("the component gave no host context");
+    gate_ = component.Create<itfFBGate>(L"QxFBCom2.clsGate");
+    if (!gate_) throw std::runtime_error(component.Error());
+    FatherCollectionPtr fathers = gate_->itfFBGate_GetFathersCollection();
+    for (int32_t i = 1; i <= fathers->Count(); ++i) {
+        families_.push_back(fathers->Item(i));
+        const int32_t id = families_.back()->itfFBFather_FatherID();
+        instances_[id] = std::make_shared<HostInstances>(id);
+    }
+}
+
+WorkbenchHost::~WorkbenchHost() = default;
+
+FatherPtr WorkbenchHost::Family(int32_t fatherId) const {
+    for (const FatherPtr& family : families_)
+        if (family->itfFBFather_FatherID() == fatherId) return family;
+    return nullptr;
+}
+
+HostInstances& WorkbenchHost::InstancesOf(int32_t fatherId) {
+    std::shared_ptr<HostInstances>& instances = instances_[fatherId];
+    if (!instances) instances = std::make_shared<HostInstances>(fatherId);
+    return *instances;
+}
+
+size_t WorkbenchHost::AddNet(const std::wstring& comment) {
+    nets_.push_back(Net{comment, {}});
+    modified_ = true;
+    return nets_.size() - 1;
+}
+
+MethodPtr WorkbenchHost::PlaceOperation(size_t net, int32_t methodId) {
+    if (net >= nets_.size()) return nullptr;
+    const FatherPtr family = Family(methodId / 100 * 100);
+    if (!family) return nullptr;
+    MethodPtr operation = family->itfFBFather_GetFBMethodObject(methodId);
+    if (!operation) return nullptr;
+    HostInstances& instances = *instances_.at(family->itfFBFather_FatherID());
+    const std::vector<StoredInstance> before = instances.Stored();
+    operation->itfFBMethod_Init(instances_.at(family->itfFBFather_FatherID()));
+    operation->itfFBMethod_CreateDummyOperands();
+    operation->itfFBMethod_BuildOperands();
+    operation->itfFBMethod_EditOperands();
+    if (operation->itfFBMethod_IsCanceled()) {
+        // A Config cancelled on its first edit leaves the instance it added;
+        // the operation is dropped, and so is that instance.
+        if (instances.Stored().size() != before.size()) instances.Restore(before);
+        return nullptr;
+    }
+    nets_[net].Operations.push_back(operation);
+    modified_ = true;
+    return operation;
+}
+
+bool WorkbenchHost::EditOperation(const MethodPtr& operation) {
+    operation->itfFBMethod_EditOperands();
+    if (operation->itfFBMethod_IsCanceled()) return false;
+    modified_ = true;
+    return true;
+}
+
+void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
+    if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
+    // The operation's links leave the host's table with it.
+    for (const auto& operands : {nets_[net].Operations[index]->itfFBMethod_InOperands(),
+                                 nets_[net].Operations[index]->itfFBMethod_OutOperands()})
+        if (operands)
+            for (int32_t i = 1; i <= operands->Count(); ++i)
+                if (!operands->Item(i)->IsNew()) operands->Item(i)->ReleaseOperand();
+    nets_[net].Operations.erase(nets_[net].Operations.begin() + static_cast<std::ptrdiff_t>(index));
+    modified_ = true;
+}
+
+Project WorkbenchHost::ToProject() const {
+    Project project;
+    project.Settings.ExtendedOperands = context_->ExtendedOperands;
+    project.Settings.AppFolder = context_->AppFolder;
+    for (const Net& net : nets_) {
+        LadderNet stored{net.Comment, {}};
+        for (const MethodPtr& operation : net.Operations) {
+            StoredOperation each;
+            each.MethodID = operation->itfFBMethod_MethodID();
+            each.HexFileVersion = operation->itfFBMethod_HexFileVersion();
+            each.FatherInstanceNum = operation->itfFBMethod_FatherInstanceNum();
+            each.IsConducting = operation->itfFBMethod_IsConducting();
+            each.BinaryOperands = operation->itfFBMethod_BinaryOperands();
+            each.InOperands = storedOperands(operation->itfFBMethod_InOperands());
+            each.OutOperands = storedOperands(operation->itfFBMethod_OutOperands());
+            stored.Operations.push_back(std::move(each));
+        }
+        project.Nets.push_back(std::move(stored));
+    }
+    for (const auto& [father, instances] : instances_)
+        for (StoredInstance& instance : instances->Stored()) project.Instances.push_back(std::move(instance));
+    storeOperandTable(context_->Operands, project);
+    return project;
+}
+
+MethodPtr WorkbenchHost::reopen(const StoredOperation& stored) {
+    const FatherPtr family = Family(stored.FatherID());
+    MethodPtr operation = family ? family->itfFBFather_GetFBMethodObject(stored.MethodID) : nullptr;
+    if (!operation) return nullptr;
+    operation->itfFBMethod_Init(instances_.at(stored.FatherID()));
+    operation->itfFBMethod_InOperands(operandsOf(stored.InOperands));
+    operation->itfFBMethod_OutOperands(operandsOf(stored.OutOperands));
+    operation->itfFBMethod_BinaryOperands(stored.BinaryOperands);
+    operation->itfFBMethod_HexFileVersion(stored.HexFileVersion);
+    operation->itfFBMethod_FatherInstanceNum(stored.FatherInstanceNum);
+    operation->itfFBMethod_IsConducting(stored.IsConducting);
+    operation->itfFBMethod_BuildOperands();
+    return operation;
+}
+
+void WorkbenchHost::Clear() {
+    nets_.clear();
+    for (auto& [father, instances] : instances_) instances->Restore({});
+    context_->Operands = OperandTable{};
+    modified_ = false;
+}
+
+std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
+    std::vector<std::wstring> leftOut;
+    Clear();
+    context_->ExtendedOperands = project.Settings.ExtendedOperands;
+    if (!project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
+    for (auto& [father, instances] : instances_) instances->Restore(project.Instances);
+    restoreOperandTable(project, context_->Operands);
+    for (const LadderNet& stored : project.Nets) {
+        Net net{stored.Comment, {}};
+        for (const StoredOperation& operation : stored.Operations) {
+            if (MethodPtr reopened = reopen(operation))
+                net.Operations.push_back(std::move(reopened));
+            else
+                leftOut.push_back(L"net " + std::to_wstring(nets_.size() + 1) + L": operation " +
+                                  std::to_wstring(operation.MethodID) + L" is unknown to the component");
+        }
+        nets_.push_back(std::move(net));
+    }
+    modified_ = false;
+    return leftOut;
+}
+
+}  // namespace qx

@@ -1,0 +1,74 @@
+// The workbench as a host of the component, without its window: the
+// families from the gate, the project's ladder nets with their operations,
+// each family's instances, and the roads the ladder IDE drives an operation
+// along (new, reopened, edited again, saved). The window shows this and
+// calls it; tests drive it the same way.
+#pragma once
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "component_loader.h"
+#include "host_instances.h"
+#include "platform/host/host_context.h"
+#include "project/project.h"
+
+namespace qx {
+
+class WorkbenchHost {
+public:
+    struct Net {
+        std::wstring Comment;
+        std::vector<MethodPtr> Operations;
+    };
+
+    // Creates the gate of a loaded component and takes its families.
+    // Throws std::runtime_error when the component gives no gate.
+    explicit WorkbenchHost(LoadedComponent& component);
+    ~WorkbenchHost();
+
+    // The component's own host context: its settings, operand table and driver.
+    HostContext& Context() { return *context_; }
+    const std::vector<FatherPtr>& Families() const { return families_; }
+    FatherPtr Family(int32_t fatherId) const;
+    HostInstances& InstancesOf(int32_t fatherId);
+    const std::map<int32_t, std::shared_ptr<HostInstances>>& AllInstances() const { return instances_; }
+
+    std::vector<Net>& Nets() { return nets_; }
+    size_t AddNet(const std::wstring& comment = L"");
+
+    // A new operation at the end of the net: GetFBMethodObject, Init,
+    // CreateDummyOperands, BuildOperands, EditOperands. Dropped (nullptr)
+    // when that first edit is cancelled or the MethodID is unknown.
+    MethodPtr PlaceOperation(size_t net, int32_t methodId);
+    // Edited again; true when the edit ended with OK.
+    bool EditOperation(const MethodPtr& operation);
+    void RemoveOperation(size_t net, size_t index);
+
+    // The whole project as the file keeps it, and back: a reopen is
+    // GetFBMethodObject, Init, the Lets of the stored blocks, BuildOperands.
+    Project ToProject() const;
+    // Returns what could not be reopened (an operation of a family this
+    // component does not have), one line each; those are not kept.
+    std::vector<std::wstring> Open(const Project& project);
+    void Clear();
+
+    // Unsaved changes since the last Open, Clear or MarkSaved.
+    bool Modified() const { return modified_; }
+    void MarkSaved() { modified_ = false; }
+    void MarkModified() { modified_ = true; }
+
+private:
+    MethodPtr reopen(const StoredOperation& stored);
+
+    HostContext* context_;
+    std::shared_ptr<itfFBGate> gate_;
+    std::vector<FatherPtr> families_;
+    std::map<int32_t, std::shared_ptr<HostInstances>> instances_;
+    std::vector<Net> nets_;
+    bool modified_ = false;
+};
+
+}  // namespace qx

@@ -1,0 +1,481 @@
+#include "workbench_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDockWidget>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "framework/shared_helpers.h"
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "project/project_file.h"
+#include "qt/colours.h"
+#include "qt/qt_modal_driver.h"
+#include "qt/qt_text.h"
+
+namespace qx {
+
+namespace {
+
+// What a palette or ladder item stands for.
+constexpr int MethodIdRole = Qt::UserRole;
+constexpr int NetRole = Qt::UserRole + 1;
+constexpr int PlaceRole = Qt::UserRole + 2;
+
+// A block's visible operands, each a row under the block: its caption and
+// what it is linked to.
+void addOperandRows(QTreeWidgetItem& block, const OperandCollectionPtr& operands) {
+    if (!operands) return;
+    for (int32_t i = 1; i <= operands->Count(); ++i) {
+        const clsOperand& operand = *operands->Item(i);
+        auto* row = new QTreeWidgetItem(&block);
+        row->setText(0, toQString(operand.OperandCaption()));
+        row->setText(2, operand.IsNew() ? QStringLiteral("(not linked)") : toQString(GetOperandDisplayText(operand)));
+        row->setData(0, NetRole, block.data(0, NetRole));
+        row->setData(0, PlaceRole, block.data(0, PlaceRole));
+        row->setFlags(row->flags() & ~Qt::ItemIsSelectable);
+    }
+}
+
+// The block's ladder image; the component gives none for some operations,
+// which then show their menu icon, or their family's.
+QIcon blockIcon(itfFBMethod& operation, const WorkbenchHost& host) {
+    for (const PicturePtr& picture : {operation.itfFBMethod_LadderImage(), operation.itfFBMethod_MenuIcon()})
+        if (picture) return QIcon(toQPixmap(picture));
+    const FatherPtr family = host.Family(operation.itfFBMethod_MethodID() / 100 * 100);
+    return family ? QIcon(toQPixmap(family->itfFBFather_MenuIcon())) : QIcon();
+}
+
+QTreeWidget* newTree(const QString& name, const QStringList& headers, QWidget* parent) {
+    auto* tree = new QTreeWidget(parent);
+    tree->setObjectName(name);
+    tree->setHeaderLabels(headers);
+    tree->setIconSize(QSize(16, 16));
+    tree->setExpandsOnDoubleClick(false);
+    return tree;
+}
+
+}  // namespace
+
+WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
+    : QMainWindow(parent),
+      host_(host),
+      palette_(newTree(QStringLiteral("palette"), {QStringLiteral("Operation")}, this)),
+      ladder_(newTree(QStringLiteral("ladder"),
+                      {QStringLiteral("Block"), QStringLiteral("Config"), QStringLiteral("Operation / operand")},
+                      this)),
+      instances_(newTree(QStringLiteral("instances"),
+                         {QStringLiteral("No."), QStringLiteral("Name"), QStringLiteral("Data")}, this)) {
+    setObjectName(QStringLiteral("WorkbenchWindow"));
+    // Every dialog of the component opens over this window from now on.
+    previousDriver_ = host_.Context().Driver;
+    host_.Context().Driver = std::make_shared<QtModalDriver>(this);
+    for (const auto& [father, instances] : host_.AllInstances()) {
+        const int32_t id = father;
+        instances->Choose = [this, id](const std::vector<FBInstanceRecord>& records, int32_t current) {
+            return chooseInstance(id, records, current);
+        };
+        instances->Help = [this](int32_t fatherId) { showFamilyHelp(fatherId); };
+        instances->Changed = [this] { refreshInstances(); };
+    }
+
+    setCentralWidget(ladder_);
+    ladder_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    instances_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    auto* paletteDock = new QDockWidget(QStringLiteral("Operations"), this);
+    paletteDock->setObjectName(QStringLiteral("paletteDock"));
+    paletteDock->setWidget(palette_);
+    paletteDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    addDockWidget(Qt::LeftDockWidgetArea, paletteDock);
+    auto* instancesDock = new QDockWidget(QStringLiteral("Instances"), this);
+    instancesDock->setObjectName(QStringLiteral("instancesDock"));
+    instancesDock->setWidget(instances_);
+    instancesDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    addDockWidget(Qt::RightDockWidgetArea, instancesDock);
+
+    buildMenus();
+    fillPalette();
+    connect(palette_, &QTreeWidget::itemDoubleClicked, this, [this] { placeCurrent(); });
+    connect(palette_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+        if (item) statusBar()->showMessage(item->toolTip(0));
+    });
+    connect(ladder_, &QTreeWidget::itemDoubleClicked, this, [this] { editCurrent(); });
+    resize(1100, 520);
+    refresh();
+}
+
+WorkbenchWindow::~WorkbenchWindow() {
+    host_.Context().Driver = previousDriver_;
+    // The host outlives the window: nothing of it may call back into it.
+    for (const auto& [father, instances] : host_.AllInstances()) {
+        instances->Choose = nullptr;
+        instances->Help = nullptr;
+        instances->Changed = nullptr;
+    }
+}
+
+void WorkbenchWindow::buildMenus() {
+    auto add = [this](QMenu* menu, const QString& name, const QString& text, const QKeySequence& keys, auto slot) {
+        QAction* action = menu->addAction(text);
+        action->setObjectName(name);
+        if (!keys.isEmpty()) action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, slot);
+        return action;
+    };
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    add(file, QStringLiteral("actionNew"), QStringLiteral("&New project"), QKeySequence::New, [this] { newProject(); });
+    add(file, QStringLiteral("actionOpen"), QStringLiteral("&Open..."), QKeySequence::Open, [this] { openProject(); });
+    add(file, QStringLiteral("actionSave"), QStringLiteral("&Save"), QKeySequence::Save, [this] { saveProject(); });
+    add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence::SaveAs,
+        [this] { saveProjectAs(); });
+    file->addSeparator();
+    add(file, QStringLiteral("actionQuit"), QStringLiteral("&Quit"), QKeySequence::Quit, [this] { close(); });
+
+    QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
+    add(edit, QStringLiteral("actionAddNet"), QStringLiteral("Add &net"), QKeySequence(Qt::CTRL | Qt::Key_R), [this] {
+        host_.AddNet();
+        refresh();
+        ladder_->setCurrentItem(ladder_->topLevelItem(ladder_->topLevelItemCount() - 1));
+    });
+    add(edit, QStringLiteral("actionPlace"), QStringLiteral("&Place operation"), QKeySequence(Qt::Key_Insert),
+        [this] { placeCurrent(); });
+    add(edit, QStringLiteral("actionEdit"), QStringLiteral("&Edit operation..."), QKeySequence(Qt::Key_F2),
+        [this] { editCurrent(); });
+    add(edit, QStringLiteral("actionDelete"), QStringLiteral("&Delete operation"), QKeySequence::Delete,
+        [this] { deleteCurrent(); });
+    add(edit, QStringLiteral("actionRuntimeVersion"), QStringLiteral("&Runtime version..."), QKeySequence(),
+        [this] { chooseRuntimeVersion(); });
+
+    QMenu* settings = menuBar()->addMenu(QStringLiteral("&Settings"));
+    actionExtendedOperands_ = add(settings, QStringLiteral("actionExtendedOperands"),
+                                  QStringLiteral("&Extended operands"), QKeySequence(), [this](bool on) {
+                                      host_.Context().ExtendedOperands = on;
+                                      host_.MarkModified();
+                                      updateTitle();
+                                  });
+    actionExtendedOperands_->setCheckable(true);
+    add(settings, QStringLiteral("actionAppFolder"), QStringLiteral("&Application folder..."), QKeySequence(),
+        [this] { chooseAppFolder(); });
+
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+    add(help, QStringLiteral("actionFamilyHelp"), QStringLiteral("Help on the &family"), QKeySequence::HelpContents,
+        [this] {
+            QTreeWidgetItem* item = palette_->currentItem();
+            const int32_t method = item ? item->data(0, MethodIdRole).toInt() : 0;
+            // The operations ask their family's help as the dialogs do.
+            showFamilyHelp(method ? method / 100 * 100 : host_.Families().front()->itfFBFather_FatherID());
+        });
+}
+
+void WorkbenchWindow::fillPalette() {
+    for (const FatherPtr& family : host_.Families()) {
+        auto* familyItem = new QTreeWidgetItem(palette_, {toQString(family->itfFBFather_Title())});
+        const QIcon familyIcon(toQPixmap(family->itfFBFather_MenuIcon()));
+        familyItem->setIcon(0, familyIcon);
+        familyItem->setToolTip(0, toQString(family->itfFBFather_Description()));
+        const MethodCollectionPtr methods = family->itfFBFather_GetFBmethodsCollection();
+        for (int32_t i = 1; i <= methods->Count(); ++i) {
+            const MethodPtr& method = methods->Item(i);
+            auto* item = new QTreeWidgetItem(familyItem, {toQString(method->itfFBMethod_MethodName())});
+            // Operations without an icon of their own show their family's.
+            const QPixmap icon = toQPixmap(method->itfFBMethod_MenuIcon());
+            item->setIcon(0, icon.isNull() ? familyIcon : QIcon(icon));
+            item->setToolTip(0, toQString(method->itfFBMethod_Description()));
+            item->setData(0, MethodIdRole, method->itfFBMethod_MethodID());
+        }
+    }
+    palette_->expandAll();
+}
+
+void WorkbenchWindow::refresh() {
+    const auto place = currentPlace();
+    ladder_->clear();
+    for (size_t n = 0; n < host_.Nets().size(); ++n) {
+        const WorkbenchHost::Net& net = host_.Nets()[n];
+        QString title = QStringLiteral("Net %1").arg(n + 1);
+        if (!net.Comment.empty()) title += QStringLiteral(": ") + toQString(net.Comment);
+        auto* netItem = new QTreeWidgetItem(ladder_, {title});
+        netItem->setData(0, NetRole, static_cast<qulonglong>(n));
+        netItem->setData(0, PlaceRole, -1);
+        for (size_t i = 0; i < net.Operations.size(); ++i) {
+            itfFBMethod& operation = *net.Operations[i];
+            const int32_t instance = operation.itfFBMethod_FatherInstanceNum();
+            auto* item = new QTreeWidgetItem(netItem, {toQString(operation.itfFBMethod_Title()),
+                                                       instance ? QStringLiteral("%1 %2").arg(instance).arg(toQString(
+                                                                      operation.itfFBMethod_FatherInstanceName()))
+                                                                : QString(),
+                                                       toQString(operation.itfFBMethod_MethodName())});
+            item->setIcon(0, blockIcon(operation, host_));
+            item->setToolTip(0, toQString(operation.itfFBMethod_Description()));
+            item->setData(0, NetRole, static_cast<qulonglong>(n));
+            item->setData(0, PlaceRole, static_cast<qulonglong>(i));
+            item->setData(0, MethodIdRole, operation.itfFBMethod_MethodID());
+            addOperandRows(*item, operation.itfFBMethod_VisbleOutOperands());
+            if (place && place->first == n && place->second == i) ladder_->setCurrentItem(item);
+        }
+        if (place && place->first == n && !ladder_->currentItem()) ladder_->setCurrentItem(netItem);
+    }
+    ladder_->expandAll();
+    actionExtendedOperands_->setChecked(host_.Context().ExtendedOperands);
+    refreshInstances();
+    updateTitle();
+}
+
+void WorkbenchWindow::refreshInstances() {
+    instances_->clear();
+    for (const auto& [father, instances] : host_.AllInstances()) {
+        const FatherPtr family = host_.Family(father);
+        auto* familyItem = new QTreeWidgetItem(
+            instances_, {family ? toQString(family->itfFBFather_Title()) : QString::number(father)});
+        for (const StoredInstance& instance : instances->Stored())
+            new QTreeWidgetItem(familyItem, {QString::number(instance.InstanceNum), toQString(instance.Name),
+                                             QStringLiteral("%1 bytes").arg(instance.Data.size())});
+    }
+    instances_->expandAll();
+}
+
+void WorkbenchWindow::updateTitle() {
+    const QString name = filePath_.isEmpty() ? QStringLiteral("untitled") : QFileInfo(filePath_).fileName();
+    setWindowTitle(name + (host_.Modified() ? QStringLiteral(" *") : QString()) +
+                   QStringLiteral(" - QxFBCom2 workbench"));
+}
+
+std::optional<std::pair<size_t, size_t>> WorkbenchWindow::currentPlace() const {
+    const QTreeWidgetItem* item = ladder_->currentItem();
+    if (!item) return std::nullopt;
+    const int place = item->data(0, PlaceRole).toInt();
+    return std::pair<size_t, size_t>(item->data(0, NetRole).toULongLong(),
+                                     place < 0 ? SIZE_MAX : static_cast<size_t>(place));
+}
+
+MethodPtr WorkbenchWindow::CurrentOperation() const {
+    const auto place = currentPlace();
+    if (!place || place->second == SIZE_MAX) return nullptr;
+    const auto& operations = host_.Nets()[place->first].Operations;
+    return place->second < operations.size() ? operations[place->second] : nullptr;
+}
+
+bool WorkbenchWindow::PlaceOperation(int32_t methodId) {
+    auto place = currentPlace();
+    const size_t net = place ? place->first : host_.AddNet();
+    try {
+        const MethodPtr placed = host_.PlaceOperation(net, methodId);
+        refresh();
+        if (!placed) return false;
+        QTreeWidgetItem* netItem = ladder_->topLevelItem(static_cast<int>(net));
+        ladder_->setCurrentItem(netItem->child(netItem->childCount() - 1));
+        return true;
+    } catch (const RuntimeError& e) {
+        refresh();
+        showError(toQString(e.Description()));
+        return false;
+    }
+}
+
+void WorkbenchWindow::placeCurrent() {
+    QTreeWidgetItem* item = palette_->currentItem();
+    const int32_t method = item ? item->data(0, MethodIdRole).toInt() : 0;
+    if (method) PlaceOperation(method);
+}
+
+void WorkbenchWindow::editCurrent() {
+    const MethodPtr operation = CurrentOperation();
+    if (!operation) return;
+    try {
+        host_.EditOperation(operation);
+    } catch (const RuntimeError& e) {
+        showError(toQString(e.Description()));
+    }
+    refresh();
+}
+
+void WorkbenchWindow::deleteCurrent() {
+    const auto place = currentPlace();
+    if (!place || place->second == SIZE_MAX) return;
+    host_.RemoveOperation(place->first, place->second);
+    refresh();
+}
+
+void WorkbenchWindow::chooseRuntimeVersion() {
+    const MethodPtr operation = CurrentOperation();
+    if (!operation) return;
+    const FatherPtr family = host_.Family(operation->itfFBMethod_MethodID() / 100 * 100);
+    QStringList versions;
+    for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+    if (versions.isEmpty()) {
+        showError(QStringLiteral("The runtime folder has no version of this family."));
+        return;
+    }
+    bool ok = false;
+    const QString current = QString::number(operation->itfFBMethod_HexFileVersion());
+    const QString chosen =
+        QInputDialog::getItem(this, QStringLiteral("Runtime version"), QStringLiteral("Version of the runtime:"),
+                              versions, std::max<int>(0, static_cast<int>(versions.indexOf(current))), false, &ok);
+    if (!ok || chosen == current) return;
+    operation->itfFBMethod_HexFileVersion(chosen.toInt());
+    host_.MarkModified();
+    refresh();
+}
+
+void WorkbenchWindow::chooseAppFolder() {
+    const QString folder = QFileDialog::getExistingDirectory(this, QStringLiteral("Application folder"),
+                                                             toQString(host_.Context().AppFolder));
+    if (folder.isEmpty()) return;
+    host_.Context().AppFolder = fromQString(folder);
+    host_.MarkModified();
+    updateTitle();
+}
+
+void WorkbenchWindow::showFamilyHelp(int32_t fatherId) {
+    const FatherPtr family = host_.Family(fatherId);
+    if (!family) return;
+    QString text = QStringLiteral("<b>%1</b> (FatherID %2)<p>%3</p><p>Operations:</p><ul>")
+                       .arg(toQString(family->itfFBFather_Title()).toHtmlEscaped())
+                       .arg(fatherId)
+                       .arg(toQString(family->itfFBFather_Description()).toHtmlEscaped());
+    const MethodCollectionPtr methods = family->itfFBFather_GetFBmethodsCollection();
+    for (int32_t i = 1; i <= methods->Count(); ++i)
+        text += QStringLiteral("<li><b>%1</b>: %2</li>")
+                    .arg(toQString(methods->Item(i)->itfFBMethod_MethodName()).toHtmlEscaped(),
+                         toQString(methods->Item(i)->itfFBMethod_Description()).toHtmlEscaped());
+    QStringList versions;
+    for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+    text += QStringLiteral("</ul><p>Runtime versions in %1: %2</p>")
+                .arg(toQString(host_.Context().RuntimeFolder()).toHtmlEscaped(),
+                     versions.isEmpty() ? QStringLiteral("none") : versions.join(QStringLiteral(", ")));
+    QMessageBox box(QMessageBox::Information, QStringLiteral("Help"), text, QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("FamilyHelp"));
+    box.setTextFormat(Qt::RichText);
+    box.exec();
+}
+
+std::optional<int32_t> WorkbenchWindow::chooseInstance(int32_t fatherId, const std::vector<FBInstanceRecord>& records,
+                                                       int32_t current) {
+    QDialog dialog(QApplication::activeModalWidget() ? QApplication::activeModalWidget() : this);
+    dialog.setObjectName(QStringLiteral("SelectInstance"));
+    const FatherPtr family = host_.Family(fatherId);
+    dialog.setWindowTitle(QStringLiteral("Select the %1 instance")
+                              .arg(family ? toQString(family->itfFBFather_Title()) : QString::number(fatherId)));
+    auto* list = new QListWidget(&dialog);
+    list->setObjectName(QStringLiteral("lstInstances"));
+    for (const FBInstanceRecord& record : records) {
+        auto* item = new QListWidgetItem(
+            QStringLiteral("%1  %2").arg(record.InstanceNum).arg(toQString(record.InstanceName)), list);
+        item->setData(Qt::UserRole, record.InstanceNum);
+        if (record.InstanceNum == current || (current == 0 && list->count() == 1)) list->setCurrentItem(item);
+    }
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
+    buttons->setObjectName(QStringLiteral("buttons"));
+    buttons->button(QDialogButtonBox::Ok)->setEnabled(list->currentItem() != nullptr);
+    connect(list, &QListWidget::currentItemChanged, buttons,
+            [buttons](QListWidgetItem* item) { buttons->button(QDialogButtonBox::Ok)->setEnabled(item != nullptr); });
+    connect(list, &QListWidget::itemDoubleClicked, &dialog, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&dialog);
+    if (records.empty())
+        layout->addWidget(new QLabel(QStringLiteral("There is no Config of this family yet."), &dialog));
+    layout->addWidget(list);
+    layout->addWidget(buttons);
+    if (dialog.exec() != QDialog::Accepted || !list->currentItem()) return std::nullopt;
+    return list->currentItem()->data(Qt::UserRole).toInt();
+}
+
+void WorkbenchWindow::showError(const QString& text) {
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("QxFBCom2 workbench"), text, QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("WorkbenchError"));
+    box.exec();
+}
+
+bool WorkbenchWindow::OpenFile(const QString& path) {
+    try {
+        const Project project = loadProject(QFile::encodeName(path).toStdString());
+        const std::vector<std::wstring> leftOut = host_.Open(project);
+        filePath_ = path;
+        refresh();
+        if (!leftOut.empty()) {
+            QStringList lines;
+            for (const std::wstring& line : leftOut) lines << toQString(line);
+            showError(QStringLiteral("Some operations could not be reopened and are not kept:\n") + lines.join('\n'));
+        }
+        return true;
+    } catch (const RuntimeError& e) {
+        showError(toQString(e.Description()));
+        return false;
+    }
+}
+
+bool WorkbenchWindow::SaveFile(const QString& path) {
+    try {
+        qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject());
+        filePath_ = path;
+        host_.MarkSaved();
+        updateTitle();
+        return true;
+    } catch (const RuntimeError& e) {
+        showError(toQString(e.Description()));
+        return false;
+    }
+}
+
+bool WorkbenchWindow::maySkipUnsaved() {
+    if (!host_.Modified()) return true;
+    QMessageBox box(QMessageBox::Question, QStringLiteral("QxFBCom2 workbench"),
+                    QStringLiteral("The project has changes that are not saved. Save them?"),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    box.setObjectName(QStringLiteral("UnsavedChanges"));
+    switch (box.exec()) {
+        case QMessageBox::Save:
+            return saveProject();
+        case QMessageBox::Discard:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void WorkbenchWindow::newProject() {
+    if (!maySkipUnsaved()) return;
+    host_.Clear();
+    filePath_.clear();
+    refresh();
+}
+
+void WorkbenchWindow::openProject() {
+    if (!maySkipUnsaved()) return;
+    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Open project"), QString(),
+                                                      QStringLiteral("Projects (*.qxfbproj);;All files (*)"));
+    if (!path.isEmpty()) OpenFile(path);
+}
+
+bool WorkbenchWindow::saveProject() { return filePath_.isEmpty() ? saveProjectAs() : SaveFile(filePath_); }
+
+bool WorkbenchWindow::saveProjectAs() {
+    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Save project"), filePath_,
+                                                QStringLiteral("Projects (*.qxfbproj)"));
+    if (path.isEmpty()) return false;
+    if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".qxfbproj");
+    return SaveFile(path);
+}
+
+void WorkbenchWindow::closeEvent(QCloseEvent* event) {
+    if (maySkipUnsaved())
+        event->accept();
+    else
+        event->ignore();
+}
+
+}  // namespace qx

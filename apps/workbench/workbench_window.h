@@ -1,0 +1,78 @@
+// The workbench's main window: the families and their operations from the
+// gate (left), the project's ladder nets with their blocks (middle), each
+// family's instances (right). Menus run the host's roads of WorkbenchHost;
+// the component's dialogs open through the Qt modal driver, which the
+// window installs in the component's host context for its lifetime.
+#pragma once
+#include <QAction>
+#include <QMainWindow>
+#include <QString>
+#include <QTreeWidget>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "workbench_host.h"
+
+namespace qx {
+
+class ModalDriver;
+
+class WorkbenchWindow : public QMainWindow {
+public:
+    explicit WorkbenchWindow(WorkbenchHost& host, QWidget* parent = nullptr);
+    ~WorkbenchWindow() override;
+
+    // File work without the file dialogs (tests, the command line); each
+    // shows its error in a message box and returns false on failure.
+    bool OpenFile(const QString& path);
+    bool SaveFile(const QString& path);
+    const QString& FilePath() const { return filePath_; }
+
+    // Places an operation of the palette in the current net (a new net when
+    // there is none); false when the first edit was cancelled.
+    bool PlaceOperation(int32_t methodId);
+    // The operation of the ladder view's current item, if it is one.
+    MethodPtr CurrentOperation() const;
+
+    QTreeWidget* Palette() const { return palette_; }
+    QTreeWidget* Ladder() const { return ladder_; }
+    QTreeWidget* Instances() const { return instances_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildMenus();
+    void fillPalette();
+    void refresh();
+    void refreshInstances();
+    void updateTitle();
+    void placeCurrent();
+    void editCurrent();
+    void deleteCurrent();
+    void newProject();
+    void openProject();
+    bool saveProject();
+    bool saveProjectAs();
+    void chooseAppFolder();
+    void chooseRuntimeVersion();
+    void showFamilyHelp(int32_t fatherId);
+    std::optional<int32_t> chooseInstance(int32_t fatherId, const std::vector<FBInstanceRecord>& records,
+                                          int32_t current);
+    // Asks about unsaved changes; false when the person cancels.
+    bool maySkipUnsaved();
+    void showError(const QString& text);
+    // The net and place of the ladder view's current item.
+    std::optional<std::pair<size_t, size_t>> currentPlace() const;
+
+    WorkbenchHost& host_;
+    std::shared_ptr<ModalDriver> previousDriver_;
+    QTreeWidget* palette_;
+    QTreeWidget* ladder_;
+    QTreeWidget* instances_;
+    QAction* actionExtendedOperands_ = nullptr;
+    QString filePath_;
+};
+
+}  // namespace qx

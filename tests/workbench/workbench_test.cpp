@@ -1,0 +1,246 @@
+// The workbench driven as a person drives it: real key and mouse events on
+// its window and on the component's dialogs, which it loads through the
+// component's entry points.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <filesystem>
+
+#include "framework/shared_helpers.h"
+#include "platform/basics/ansi.h"
+#include "project/project_file.h"
+#include "qt/qt_text.h"
+#include "qt_test_support.h"
+#include "support/scratch_files.h"
+#include "workbench_window.h"
+
+namespace qx {
+namespace {
+
+QTreeWidgetItem* paletteItem(QTreeWidget& palette, int32_t methodId) {
+    for (int f = 0; f < palette.topLevelItemCount(); ++f)
+        for (int m = 0; m < palette.topLevelItem(f)->childCount(); ++m)
+            if (palette.topLevelItem(f)->child(m)->data(0, Qt::UserRole).toInt() == methodId)
+                return palette.topLevelItem(f)->child(m);
+    return nullptr;
+}
+
+void doubleClick(QTreeWidget& tree, QTreeWidgetItem* item) {
+    tree.scrollToItem(item);
+    const QPoint at = tree.visualItemRect(item).center();
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+}
+
+// The person's part of a new serial Config: both operands through the
+// picker (the dialog asks for them at once), a name with a forbidden
+// character on the way, the third port, OK.
+struct ConfigPerson {
+    int beepsAfterBadKey = -1;
+    QString nameAfterBadKey = QStringLiteral("unchanged");
+
+    void act(HostContext& context, const QString& name) {
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) {
+            test::onModal(QStringLiteral("OperandPicker"), [](QWidget& second) { test::pickWithKeys(second, 3, 200); });
+            test::pickWithKeys(picker, 1, 100);
+        });
+        test::onModal(QStringLiteral("frmProtocolConfig"), [this, &context, name](QWidget& window) {
+            auto* text = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+            QApplication::setActiveWindow(&window);
+            text->setFocus(Qt::TabFocusReason);
+            const int beepsBefore = context.BeepCount;
+            QTest::keyClicks(text, QStringLiteral("Pr|"));
+            beepsAfterBadKey = context.BeepCount - beepsBefore;
+            nameAfterBadKey = text->text();
+            QTest::keyClicks(text, name);
+            auto* port = window.findChild<QComboBox*>(QStringLiteral("cbComport"));
+            QTest::keyClick(port, Qt::Key_Down);
+            QTest::keyClick(port, Qt::Key_Down);
+            QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdOk")), Qt::LeftButton);
+        });
+    }
+};
+
+class WorkbenchTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(component.Load(QXFB_BUILT_COMPONENT)) << component.Error();
+        host = std::make_unique<WorkbenchHost>(component);
+        host->Context().AppFolder = fromUtf8(QXFB_SOURCE_TREE "/runtime/bin");
+        window = std::make_unique<WorkbenchWindow>(*host);
+        window->show();
+        QApplication::setActiveWindow(window.get());
+    }
+    void TearDown() override {
+        if (host) host->MarkSaved();  // no question about unsaved changes at the end
+        window.reset();
+        if (host) host->Clear();
+        host.reset();
+    }
+
+    // Places a serial Config through the palette, as the person above fills it.
+    bool placeConfig(ConfigPerson& person, const QString& name = QStringLiteral("Printer")) {
+        person.act(host->Context(), name);
+        doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170101));
+        return !host->Nets().empty() && !host->Nets().back().Operations.empty();
+    }
+
+    LoadedComponent component;
+    std::unique_ptr<WorkbenchHost> host;
+    std::unique_ptr<WorkbenchWindow> window;
+    test::ScratchFolder folder{"qxfb_workbench"};
+};
+
+TEST_F(WorkbenchTest, ThePaletteShowsTheFamiliesAndOperationsOfTheGate) {
+    QTreeWidget& palette = *window->Palette();
+    ASSERT_EQ(palette.topLevelItemCount(), 2);
+    EXPECT_EQ(palette.topLevelItem(0)->childCount(), 5);
+    EXPECT_EQ(palette.topLevelItem(1)->childCount(), 3);
+    for (int32_t method : {170101, 170102, 170103, 170104, 170105, 170201, 170202, 170203}) {
+        QTreeWidgetItem* item = paletteItem(palette, method);
+        ASSERT_NE(item, nullptr) << method;
+        EXPECT_FALSE(item->icon(0).isNull()) << method;
+        EXPECT_FALSE(item->toolTip(0).isEmpty()) << method;
+    }
+    const FatherPtr serial = host->Family(170100);
+    EXPECT_EQ(palette.topLevelItem(0)->text(0), toQString(serial->itfFBFather_Title()));
+    EXPECT_EQ(palette.topLevelItem(0)->toolTip(0), toQString(serial->itfFBFather_Description()));
+}
+
+TEST_F(WorkbenchTest, ASerialConfigPlacedWithKeysAndMouseGivesTheImageOfTheHeadlessRun) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    EXPECT_EQ(person.beepsAfterBadKey, 1);
+    EXPECT_EQ(person.nameAfterBadKey, QString());
+
+    const MethodPtr config = host->Nets()[0].Operations[0];
+    // The headless scripted run (qxfb demo's person, with port 3) gives 03 00.
+    EXPECT_EQ(config->itfFBMethod_BinaryOperands(), (Bytes{0x03, 0x00}));
+    EXPECT_EQ(config->itfFBMethod_FatherInstanceNum(), 1);
+    EXPECT_EQ(config->itfFBMethod_FatherInstanceName(), L"Printer");
+    const OperandCollectionPtr out = config->itfFBMethod_OutOperands();
+    EXPECT_EQ(out->Item(1)->OperandType(), 1);
+    EXPECT_EQ(out->Item(1)->OperandAddress(), 100);
+    EXPECT_EQ(out->Item(2)->OperandType(), 3);
+    EXPECT_EQ(out->Item(2)->OperandAddress(), 200);
+    EXPECT_EQ(host->Context().Operands.LinkCount(1, 100), 1);
+
+    // The block shows its title, its Config and its linked operands.
+    QTreeWidgetItem* block = window->Ladder()->topLevelItem(0)->child(0);
+    EXPECT_EQ(block->text(0), toQString(config->itfFBMethod_Title()));
+    EXPECT_EQ(block->text(1), QStringLiteral("1 Printer"));
+    ASSERT_EQ(block->childCount(), 2);
+    EXPECT_EQ(block->child(0)->text(0), toQString(out->Item(1)->OperandCaption()));
+    EXPECT_EQ(block->child(0)->text(2), toQString(GetOperandDisplayText(*out->Item(1))));
+    EXPECT_TRUE(block->child(1)->text(2).startsWith(QStringLiteral("MI 200")))
+        << block->child(1)->text(2).toStdString();
+    EXPECT_FALSE(block->icon(0).isNull());
+    EXPECT_EQ(window->Instances()->topLevelItem(0)->child(0)->text(1), QStringLiteral("Printer"));
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("untitled *")));
+    test::saveScreenshot(*window, QStringLiteral("workbench.png"));
+}
+
+TEST_F(WorkbenchTest, CancelOnANewOperationDropsItAndTheInstanceItAdded) {
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    test::onModal(QStringLiteral("frmProtocolConfig"),
+                  [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170101));
+    ASSERT_EQ(host->Nets().size(), 1u);
+    EXPECT_TRUE(host->Nets()[0].Operations.empty());
+    EXPECT_TRUE(host->InstancesOf(170100).Stored().empty());
+    EXPECT_EQ(window->Ladder()->topLevelItem(0)->childCount(), 0);
+}
+
+TEST_F(WorkbenchTest, BufferResetPicksItsConfigThroughTheHostsDialog) {
+    host->InstancesOf(170100).Restore({{170100, 1, L"Printer", {}}, {170100, 2, L"Scale", {}}});
+    QStringList offered;
+    test::onModal(QStringLiteral("SelectInstance"), [&](QWidget& dialog) {
+        auto* list = dialog.findChild<QListWidget*>(QStringLiteral("lstInstances"));
+        for (int i = 0; i < list->count(); ++i) offered << list->item(i)->text();
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Down);
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170105));
+    EXPECT_EQ(offered, (QStringList{QStringLiteral("1  Printer"), QStringLiteral("2  Scale")}));
+    ASSERT_EQ(host->Nets()[0].Operations.size(), 1u);
+    const MethodPtr reset = host->Nets()[0].Operations[0];
+    EXPECT_EQ(reset->itfFBMethod_FatherInstanceNum(), 2);
+    EXPECT_FALSE(reset->itfFBMethod_IsNew());
+    EXPECT_EQ(window->Ladder()->topLevelItem(0)->child(0)->text(1), QStringLiteral("2 Scale"));
+}
+
+TEST_F(WorkbenchTest, ASavedProjectReopensWithTheSameImagesLinksAndInstances) {
+    // Extended operands switched on in the settings menu first: the links
+    // then allow the extended twins, which the reopen must give back.
+    window->findChild<QAction*>(QStringLiteral("actionExtendedOperands"))->trigger();
+    ASSERT_TRUE(host->Context().ExtendedOperands);
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    const Project before = host->ToProject();
+    const QString file = QString::fromStdString((folder.path() / "plant.qxfbproj").string());
+    ASSERT_TRUE(window->SaveFile(file));
+    EXPECT_FALSE(host->Modified());
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("plant.qxfbproj -")));
+
+    // Closed and opened again in a fresh window, as on another day.
+    window.reset();
+    host->Clear();
+    host->Context().ExtendedOperands = false;
+    EXPECT_EQ(host->Context().Operands.LinkCount(1, 100), 0);
+    window = std::make_unique<WorkbenchWindow>(*host);
+    ASSERT_TRUE(window->OpenFile(file));
+    const Project after = host->ToProject();
+    EXPECT_EQ(after.Settings, before.Settings);
+    EXPECT_EQ(after.Instances, before.Instances);
+    EXPECT_EQ(after.Links, before.Links);
+    EXPECT_EQ(after.Constants, before.Constants);
+    ASSERT_EQ(after.Nets.size(), 1u);
+    EXPECT_EQ(after.Nets[0].Operations[0].BinaryOperands, before.Nets[0].Operations[0].BinaryOperands);
+    EXPECT_EQ(after.Nets[0].Operations[0].OutOperands[0].AllowedTypes.size(), 2u);
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(host->Nets()[0].Operations[0]->itfFBMethod_BinaryOperands(), (Bytes{0x03, 0x00}));
+    EXPECT_EQ(host->Nets()[0].Operations[0]->itfFBMethod_FatherInstanceName(), L"Printer");
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 200), 1);
+    EXPECT_TRUE(host->Context().ExtendedOperands);
+    EXPECT_EQ(window->Ladder()->topLevelItem(0)->child(0)->text(1), QStringLiteral("1 Printer"));
+}
+
+TEST_F(WorkbenchTest, ABadFileShowsItsErrorAndChangesNothing) {
+    host->AddNet(L"kept");
+    const std::filesystem::path text = folder.path() / "notes.qxfbproj";
+    test::writeFile(text, "not a project");
+    QString shown;
+    test::onModal(QStringLiteral("WorkbenchError"), [&](QWidget& box) {
+        shown = static_cast<QMessageBox&>(box).text();
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_FALSE(window->OpenFile(QString::fromStdString(text.string())));
+    EXPECT_EQ(shown, QStringLiteral("project file \"%1\": is not a project file (not an SQLite database)")
+                         .arg(QString::fromStdString(text.string())));
+    ASSERT_EQ(host->Nets().size(), 1u);
+    EXPECT_EQ(host->Nets()[0].Comment, L"kept");
+    EXPECT_EQ(test::readFile(text), "not a project");
+}
+
+TEST_F(WorkbenchTest, ClosingWithUnsavedChangesAsksAndCancelKeepsTheWindow) {
+    host->AddNet();
+    test::onModal(QStringLiteral("UnsavedChanges"), [](QWidget& box) {
+        QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::Cancel), Qt::LeftButton);
+    });
+    EXPECT_FALSE(window->close());
+    EXPECT_TRUE(window->isVisible());
+    test::onModal(QStringLiteral("UnsavedChanges"), [](QWidget& box) {
+        QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::Discard), Qt::LeftButton);
+    });
+    EXPECT_TRUE(window->close());
+}
+
+}  // namespace
+}  // namespace qx
