@@ -22,6 +22,7 @@
 #include "component/com_abi.h"
 #include "component/com_server.h"
 #include "component/registry.h"
+#include "component_loader.h"
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
@@ -108,12 +109,6 @@ Exit status: 0 on success, 1 when the component or a file failed, 2 on a
 usage error.
 )";
 
-std::string hresultText(HRESULT hr) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(hr));
-    return text;
-}
-
 std::string hexBytes(const Bytes& bytes) {
     std::string text;
     char byte[4];
@@ -126,110 +121,6 @@ std::string hexBytes(const Bytes& bytes) {
 }
 
 std::string u8(const std::wstring& text) { return toUtf8(text); }
-
-std::string executableFolder() {
-    char path[PATH_MAX];
-    ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
-    if (length <= 0) return ".";
-    path[length] = 0;
-    return std::filesystem::path(path).parent_path().string();
-}
-
-// The component installed beside qxfb when there is one, else the one of the
-// build that made qxfb. The installed one comes first, so that an installed
-// qxfb never loads the component of a build tree still on the machine.
-std::string defaultComponent() {
-    std::error_code ec;
-    const std::string installed = executableFolder() + "/" + QXFB_INSTALLED_COMPONENT;
-    if (std::filesystem::exists(installed, ec)) return installed;
-    if (*QXFB_DEFAULT_COMPONENT && std::filesystem::exists(QXFB_DEFAULT_COMPONENT, ec)) return QXFB_DEFAULT_COMPONENT;
-    return installed;
-}
-
-// Why the file at path cannot be a component, or nothing: dlopen would block
-// on a FIFO until a writer comes and read a device without end, so only a
-// regular file goes to it.
-std::string faultOfComponentFile(const std::string& path) {
-    if (path.empty()) return "the path is empty";
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) return std::strerror(errno);
-    if (!S_ISREG(info.st_mode)) return "not a regular file";
-    return "";
-}
-
-// The component as a host holds it: the library handle and its entry points.
-class LoadedComponent {
-public:
-    ~LoadedComponent() {
-        // A host unloads only when the component agrees.
-        if (handle_ && CanUnloadNow && CanUnloadNow() == S_OK) dlclose(handle_);
-    }
-
-    bool load(const std::string& path) {
-        path_ = path;
-        if (const std::string fault = faultOfComponentFile(path); !fault.empty()) {
-            std::cerr << "qxfb: cannot load the component \"" << path << "\": " << fault << "\n";
-            return false;
-        }
-        // A name without a slash names a file of the current folder, as any
-        // path on the command line does, and not one that dlopen searches for.
-        const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
-        handle_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (!handle_) {
-            std::cerr << "qxfb: cannot load the component \"" << path << "\": " << dlerror() << "\n";
-            return false;
-        }
-        GetClassObject = reinterpret_cast<DllGetClassObjectFn>(dlsym(handle_, "DllGetClassObject"));
-        CanUnloadNow = reinterpret_cast<DllCanUnloadNowFn>(dlsym(handle_, "DllCanUnloadNow"));
-        RegisterServer = reinterpret_cast<DllRegisterServerFn>(dlsym(handle_, "DllRegisterServer"));
-        UnregisterServer = reinterpret_cast<DllUnregisterServerFn>(dlsym(handle_, "DllUnregisterServer"));
-        CLSIDFromProgID = reinterpret_cast<CLSIDFromProgIDFn>(dlsym(handle_, "QxFBCom2_CLSIDFromProgID"));
-        Context = reinterpret_cast<HostContextFn>(dlsym(handle_, "QxFBCom2_HostContext"));
-        if (!GetClassObject || !CanUnloadNow || !RegisterServer || !UnregisterServer || !CLSIDFromProgID || !Context) {
-            std::cerr << "qxfb: " << path << " does not export the entry points of the component\n";
-            return false;
-        }
-        return true;
-    }
-
-    // A new object of the class named by its ProgID, as the interface T.
-    template <class T>
-    std::shared_ptr<T> create(const std::wstring& progId, GUID& clsid) {
-        HRESULT hr = CLSIDFromProgID(progId.c_str(), &clsid);
-        if (FAILED(hr)) return fail<T>("CLSIDFromProgID(" + u8(progId) + ")", hr);
-        void* pv = nullptr;
-        hr = GetClassObject(&clsid, &IID_IClassFactory, &pv);
-        if (FAILED(hr)) return fail<T>("DllGetClassObject", hr);
-        auto* factory = static_cast<IClassFactory*>(pv);
-        void* handle = nullptr;
-        hr = factory->CreateInstance(nullptr, IID_IUnknown, &handle);
-        factory->Release();
-        if (FAILED(hr)) return fail<T>("CreateInstance", hr);
-        std::shared_ptr<T> object = objectFromHandle<T>(static_cast<IUnknown*>(handle));
-        static_cast<IUnknown*>(handle)->Release();
-        if (!object) return fail<T>("QueryInterface", E_NOINTERFACE);
-        return object;
-    }
-
-    const std::string& path() const { return path_; }
-
-    DllGetClassObjectFn GetClassObject = nullptr;
-    DllCanUnloadNowFn CanUnloadNow = nullptr;
-    DllRegisterServerFn RegisterServer = nullptr;
-    DllUnregisterServerFn UnregisterServer = nullptr;
-    CLSIDFromProgIDFn CLSIDFromProgID = nullptr;
-    HostContextFn Context = nullptr;
-
-private:
-    template <class T>
-    std::shared_ptr<T> fail(const std::string& what, HRESULT hr) {
-        std::cerr << "qxfb: " << what << " failed with " << hresultText(hr) << "\n";
-        return nullptr;
-    }
-
-    void* handle_ = nullptr;
-    std::string path_;
-};
 
 struct Options {
     std::string command;
@@ -303,7 +194,10 @@ void scriptConfigPerson(HostContext& context) {
 
 int demo(const Options& options) {
     LoadedComponent component;
-    if (!component.load(options.component)) return 1;
+    if (!component.Load(options.component)) {
+        std::cerr << "qxfb: " << component.Error() << "\n";
+        return 1;
+    }
     HostContext* context = component.Context();
     if (!context) {
         std::cerr << "qxfb: the component gave no host context\n";
@@ -312,15 +206,19 @@ int demo(const Options& options) {
     context->EchoReports = true;
     if (!options.appFolder.empty()) context->AppFolder = fromUtf8(options.appFolder);
 
-    std::cout << "Component: " << component.path() << "\n";
+    std::cout << "Component: " << component.Path() << "\n";
     std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
 
     MethodPtr config;
     Bytes image;
     try {
         GUID clsid{};
-        auto gate = component.create<itfFBGate>(L"QxFBCom2.clsGate", clsid);
-        if (!gate) return 1;
+        component.CLSIDFromProgID(L"QxFBCom2.clsGate", &clsid);
+        auto gate = component.Create<itfFBGate>(L"QxFBCom2.clsGate");
+        if (!gate) {
+            std::cerr << "qxfb: " << component.Error() << "\n";
+            return 1;
+        }
         std::cout << "Gate: QxFBCom2.clsGate " << guidToText(clsid) << ", GateID " << gate->itfFBGate_GateID() << "\n";
         auto fathers = gate->itfFBGate_GetFathersCollection();
         for (int32_t i = 1; i <= fathers->Count(); ++i) printFamily(*fathers->Item(i));
@@ -361,13 +259,17 @@ int demo(const Options& options) {
 
 int classes(const Options& options) {
     LoadedComponent component;
-    if (!component.load(options.component)) return 1;
+    if (!component.Load(options.component)) {
+        std::cerr << "qxfb: " << component.Error() << "\n";
+        return 1;
+    }
     for (const auto& cls : PublicClasses) {
         const std::wstring progId = std::wstring(ProgIDPrefix) + cls.Name;
         GUID clsid{};
         HRESULT hr = component.CLSIDFromProgID(progId.c_str(), &clsid);
         if (FAILED(hr)) {
-            std::cerr << "qxfb: " << u8(progId) << " is unknown to the component (" << hresultText(hr) << ")\n";
+            std::cerr << "qxfb: " << u8(progId) << " is unknown to the component (" << LoadedComponent::hresultText(hr)
+                      << ")\n";
             return 1;
         }
         std::cout << guidToText(clsid) << "  " << u8(progId) << "\n";
@@ -377,16 +279,19 @@ int classes(const Options& options) {
 
 int registration(const Options& options, bool add) {
     LoadedComponent component;
-    if (!component.load(options.component)) return 1;
+    if (!component.Load(options.component)) {
+        std::cerr << "qxfb: " << component.Error() << "\n";
+        return 1;
+    }
     HRESULT hr = add ? component.RegisterServer() : component.UnregisterServer();
     const char* entryPoint = add ? "DllRegisterServer" : "DllUnregisterServer";
     if (FAILED(hr)) {
-        std::cerr << "qxfb: " << entryPoint << " failed with " << hresultText(hr) << " (registry file "
+        std::cerr << "qxfb: " << entryPoint << " failed with " << LoadedComponent::hresultText(hr) << " (registry file "
                   << registryFilePath() << ")\n";
         return 1;
     }
     std::cout << entryPoint << ": " << (add ? "registered " : "unregistered ") << std::size(PublicClasses)
-              << " classes of " << component.path() << (add ? " in " : " from ") << registryFilePath() << "\n";
+              << " classes of " << component.Path() << (add ? " in " : " from ") << registryFilePath() << "\n";
     return 0;
 }
 
@@ -459,7 +364,10 @@ int projectBundle(const Options& options, const std::string& file, const std::st
         return 1;
     }
     LoadedComponent component;
-    if (!component.load(options.component)) return 1;
+    if (!component.Load(options.component)) {
+        std::cerr << "qxfb: " << component.Error() << "\n";
+        return 1;
+    }
     HostContext* context = component.Context();
     if (!context) {
         std::cerr << "qxfb: the component gave no host context\n";
@@ -473,37 +381,16 @@ int projectBundle(const Options& options, const std::string& file, const std::st
     context->ExtendedOperands = project.Settings.ExtendedOperands;
 
     std::cout << "Project: " << file << "\n";
-    std::cout << "Component: " << component.path() << "\n";
+    std::cout << "Component: " << component.Path() << "\n";
     std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
     std::vector<BundleFile> files;
     try {
-        GUID clsid{};
-        auto gate = component.create<itfFBGate>(L"QxFBCom2.clsGate", clsid);
-        if (!gate) return 1;
-        const RuntimeFilesOf runtimeFiles = [&](int32_t FatherID, int32_t HexFileVersion) {
-            const std::wstring which =
-                L"family " + std::to_wstring(FatherID) + L", version " + std::to_wstring(HexFileVersion);
-            // A family reports missing files and hands out placeholders; a
-            // bundle with those would download nothing that works.
-            const size_t reports = context->Reports.size();
-            FatherPtr father;
-            FBHexFileDetails details;
-            try {
-                // Making the family already reads its ini file.
-                father = gate->itfFBGate_GetFatherObject(FatherID);
-                if (father) details = father->itfFBFather_GetHexFileDetails(HexFileVersion);
-            } catch (const RuntimeError& e) {
-                throw RuntimeError(e.Number(), e.Source(),
-                                   L"the runtime files of " + which + L" cannot be read: " + e.Description());
-            }
-            if (!father) throw RuntimeError(err::InvalidProcedureCall, L"qxfb", L"the component has no " + which);
-            if (context->Reports.size() != reports)
-                throw RuntimeError(
-                    err::FileNotFound, L"qxfb",
-                    L"the runtime files of " + which + L" cannot be read from " + context->RuntimeFolder());
-            return details;
-        };
-        files = writeDownloadBundle(project, folder, runtimeFiles);
+        auto gate = component.Create<itfFBGate>(L"QxFBCom2.clsGate");
+        if (!gate) {
+            std::cerr << "qxfb: " << component.Error() << "\n";
+            return 1;
+        }
+        files = writeDownloadBundle(project, folder, runtimeFilesFrom(*gate, *context));
     } catch (const RuntimeError& e) {
         std::cerr << "qxfb: " << u8(e.Description()) << "\n";
         return 1;
@@ -527,7 +414,7 @@ int usageError(const std::string& message) {
 
 int main(int argc, char** argv) {
     Options options;
-    options.component = defaultComponent();
+    options.component = defaultComponentPath(QXFB_INSTALLED_COMPONENT, QXFB_DEFAULT_COMPONENT);
     std::vector<std::string> args(argv + 1, argv + argc);
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];

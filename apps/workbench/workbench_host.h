@@ -31,6 +31,7 @@ public:
 
     // The component's own host context: its settings, operand table and driver.
     HostContext& Context() { return *context_; }
+    itfFBGate& Gate() { return *gate_; }
     const std::vector<FatherPtr>& Families() const { return families_; }
     FatherPtr Family(int32_t fatherId) const;
     HostInstances& InstancesOf(int32_t fatherId);

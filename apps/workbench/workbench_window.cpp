@@ -21,6 +21,7 @@
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "project/download_bundle.h"
 #include "project/project_file.h"
 #include "qt/colours.h"
 #include "qt/qt_modal_driver.h"
@@ -141,6 +142,9 @@ void WorkbenchWindow::buildMenus() {
     add(file, QStringLiteral("actionSave"), QStringLiteral("&Save"), QKeySequence::Save, [this] { saveProject(); });
     add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence::SaveAs,
         [this] { saveProjectAs(); });
+    file->addSeparator();
+    add(file, QStringLiteral("actionExportBundle"), QStringLiteral("&Export download bundle..."),
+        QKeySequence(Qt::CTRL | Qt::Key_E), [this] { exportBundle(); });
     file->addSeparator();
     add(file, QStringLiteral("actionQuit"), QStringLiteral("&Quit"), QKeySequence::Quit, [this] { close(); });
 
@@ -429,6 +433,31 @@ bool WorkbenchWindow::SaveFile(const QString& path) {
         showError(toQString(e.Description()));
         return false;
     }
+}
+
+bool WorkbenchWindow::ExportBundle(const QString& folder) {
+    try {
+        const std::vector<BundleFile> files =
+            writeDownloadBundle(host_.ToProject(), QFile::encodeName(folder).toStdString(),
+                                runtimeFilesFrom(host_.Gate(), host_.Context()));
+        QMessageBox box(QMessageBox::Information, QStringLiteral("Export download bundle"),
+                        QStringLiteral("%1 files written to %2, listed with their sizes and SHA-256 in %3.")
+                            .arg(files.size())
+                            .arg(folder, QString::fromUtf8(BundleManifestName)),
+                        QMessageBox::Ok, this);
+        box.setObjectName(QStringLiteral("BundleWritten"));
+        box.exec();
+        return true;
+    } catch (const RuntimeError& e) {
+        showError(toQString(e.Description()));
+        return false;
+    }
+}
+
+void WorkbenchWindow::exportBundle() {
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, QStringLiteral("Export download bundle into an empty folder"));
+    if (!folder.isEmpty()) ExportBundle(folder);
 }
 
 bool WorkbenchWindow::maySkipUnsaved() {

@@ -28,6 +28,9 @@ public:
     bool OpenFile(const QString& path);
     bool SaveFile(const QString& path);
     const QString& FilePath() const { return filePath_; }
+    // Writes the download bundle of the project into the folder (new or
+    // empty) and says how many files it wrote.
+    bool ExportBundle(const QString& folder);
 
     // Places an operation of the palette in the current net (a new net when
     // there is none); false when the first edit was cancelled.
@@ -55,6 +58,7 @@ private:
     void openProject();
     bool saveProject();
     bool saveProjectAs();
+    void exportBundle();
     void chooseAppFolder();
     void chooseRuntimeVersion();
     void showFamilyHelp(int32_t fatherId);

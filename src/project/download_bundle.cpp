@@ -232,4 +232,28 @@ std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::s
     return std::move(writer.files());
 }
 
+RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context) {
+    return [&gate, &context](int32_t FatherID, int32_t HexFileVersion) {
+        const std::wstring which =
+            L"family " + std::to_wstring(FatherID) + L", version " + std::to_wstring(HexFileVersion);
+        const size_t reports = context.Reports.size();
+        FatherPtr father;
+        FBHexFileDetails details;
+        try {
+            // Making the family already reads its ini file.
+            father = gate.itfFBGate_GetFatherObject(FatherID);
+            if (father) details = father->itfFBFather_GetHexFileDetails(HexFileVersion);
+        } catch (const RuntimeError& e) {
+            throw RuntimeError(e.Number(), e.Source(),
+                               L"the runtime files of " + which + L" cannot be read: " + e.Description());
+        }
+        if (!father)
+            throw RuntimeError(err::InvalidProcedureCall, L"QxFBCom2 bundle", L"the component has no " + which);
+        if (context.Reports.size() != reports)
+            throw RuntimeError(err::FileNotFound, L"QxFBCom2 bundle",
+                               L"the runtime files of " + which + L" cannot be read from " + context.RuntimeFolder());
+        return details;
+    };
+}
+
 }  // namespace qx

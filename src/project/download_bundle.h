@@ -28,6 +28,12 @@ namespace qx {
 // (itfFBFather_GetHexFileDetails).
 using RuntimeFilesOf = std::function<FBHexFileDetails(int32_t FatherID, int32_t HexFileVersion)>;
 
+// The runtime files through the families of a gate. A family that reports
+// missing files (and hands out placeholders) raises a RuntimeError naming the
+// family, the version and the runtime folder of the host context: a bundle
+// of placeholders would download nothing that works.
+RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context);
+
 struct BundleFile {
     std::string Path;  // relative to the folder, '/'-separated
     uint64_t Size = 0;

@@ -212,6 +212,33 @@ TEST_F(WorkbenchTest, ASavedProjectReopensWithTheSameImagesLinksAndInstances) {
     EXPECT_EQ(window->Ladder()->topLevelItem(0)->child(0)->text(1), QStringLiteral("1 Printer"));
 }
 
+TEST_F(WorkbenchTest, TheDownloadBundleHoldsTheImagesTheInstancesAndTheRuntimeFiles) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    const std::filesystem::path bundle = folder.path() / "bundle";
+    QString said;
+    test::onModal(QStringLiteral("BundleWritten"), [&](QWidget& box) {
+        said = static_cast<QMessageBox&>(box).text();
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    ASSERT_TRUE(window->ExportBundle(QString::fromStdString(bundle.string())));
+    EXPECT_TRUE(said.startsWith(QStringLiteral("5 files written"))) << said.toStdString();
+    EXPECT_EQ(test::readFile(bundle / "operations/net001_op001_170101.bin"), std::string("\x03\x00", 2));
+    EXPECT_EQ(test::readFile(bundle / "instances/170100_0001.bin"), "");
+    EXPECT_EQ(test::readFile(bundle / "runtime/170100V100.FBs"),
+              test::readFile(QXFB_SOURCE_TREE "/runtime/FB_Lib/RT/170100V100.FBs"));
+    const std::string manifest = test::readFile(bundle / "manifest.json");
+    EXPECT_NE(manifest.find("\"Name\": \"Printer\""), std::string::npos) << manifest;
+
+    // A second export into the same folder is refused: it is not empty.
+    test::onModal(QStringLiteral("WorkbenchError"), [&](QWidget& box) {
+        said = static_cast<QMessageBox&>(box).text();
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_FALSE(window->ExportBundle(QString::fromStdString(bundle.string())));
+    EXPECT_TRUE(said.contains(QStringLiteral("is not empty"))) << said.toStdString();
+}
+
 TEST_F(WorkbenchTest, ABadFileShowsItsErrorAndChangesNothing) {
     host->AddNet(L"kept");
     const std::filesystem::path text = folder.path() / "notes.qxfbproj";
