@@ -10,6 +10,10 @@
 
 #include "bench_support.h"
 
+#ifdef QXFB_BENCH_WITH_QT
+#include <QApplication>
+#endif
+
 // Every allocation of a thread is counted, so that a benchmark can show how
 // many its operation makes (the counter allocs_per_op); the benchmarks time
 // the calling thread alone, and count it alone.
@@ -28,6 +32,11 @@ void operator delete(void* p) noexcept { std::free(p); }
 void operator delete(void* p, size_t) noexcept { std::free(p); }
 
 int main(int argc, char** argv) {
+#ifdef QXFB_BENCH_WITH_QT
+    // The workbench's benchmarks show their windows offscreen unless told otherwise.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+#endif
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     benchmark::RunSpecifiedBenchmarks();

@@ -94,8 +94,9 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     }
 
     setCentralWidget(ladder_);
-    ladder_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    instances_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    // Every row of a ladder is one line: Qt need not measure each of them.
+    ladder_->setUniformRowHeights(true);
+    instances_->setUniformRowHeights(true);
     auto* paletteDock = new QDockWidget(QStringLiteral("Operations"), this);
     paletteDock->setObjectName(QStringLiteral("paletteDock"));
     paletteDock->setWidget(palette_);
@@ -222,7 +223,11 @@ void WorkbenchWindow::refresh() {
                                                                       operation.itfFBMethod_FatherInstanceName()))
                                                                 : QString(),
                                                        toQString(operation.itfFBMethod_MethodName())});
-            item->setIcon(0, blockIcon(operation, host_));
+            // The images are those of the MethodID: made into icons once.
+            auto icon = blockIcons_.find(operation.itfFBMethod_MethodID());
+            if (icon == blockIcons_.end())
+                icon = blockIcons_.emplace(operation.itfFBMethod_MethodID(), blockIcon(operation, host_)).first;
+            item->setIcon(0, icon->second);
             item->setToolTip(0, toQString(operation.itfFBMethod_Description()));
             item->setData(0, NetRole, static_cast<qulonglong>(n));
             item->setData(0, PlaceRole, static_cast<qulonglong>(i));
@@ -233,6 +238,7 @@ void WorkbenchWindow::refresh() {
         if (place && place->first == n && !ladder_->currentItem()) ladder_->setCurrentItem(netItem);
     }
     ladder_->expandAll();
+    for (int column = 0; column < ladder_->columnCount(); ++column) ladder_->resizeColumnToContents(column);
     actionExtendedOperands_->setChecked(host_.Context().ExtendedOperands);
     refreshInstances();
     updateTitle();
@@ -249,6 +255,7 @@ void WorkbenchWindow::refreshInstances() {
                                              QStringLiteral("%1 bytes").arg(instance.Data.size())});
     }
     instances_->expandAll();
+    for (int column = 0; column < instances_->columnCount(); ++column) instances_->resizeColumnToContents(column);
 }
 
 void WorkbenchWindow::updateTitle() {

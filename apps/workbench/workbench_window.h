@@ -5,9 +5,11 @@
 // window installs in the component's host context for its lifetime.
 #pragma once
 #include <QAction>
+#include <QIcon>
 #include <QMainWindow>
 #include <QString>
 #include <QTreeWidget>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -77,6 +79,7 @@ private:
     QTreeWidget* instances_;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;
+    std::map<int32_t, QIcon> blockIcons_;
 };
 
 }  // namespace qx
