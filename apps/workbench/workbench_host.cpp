@@ -1,6 +1,8 @@
 #include "workbench_host.h"
 
+#include <map>
 #include <stdexcept>
+#include <tuple>
 
 namespace qx {
 
@@ -170,6 +172,79 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
     }
     modified_ = false;
     return leftOut;
+}
+
+std::vector<WorkbenchHost::OperandUse> WorkbenchHost::OperandUses() const {
+    std::map<std::tuple<int32_t, int32_t, int32_t>, OperandUse> uses;
+    auto useOf = [&uses](int32_t netId, int32_t type, int32_t address) -> OperandUse& {
+        OperandUse& use = uses[{type, address, netId}];
+        use.NetID = netId;
+        use.Type = type;
+        use.Address = address;
+        return use;
+    };
+    for (const OperandTable::Link& link : context_->Operands.Links()) {
+        OperandUse& use = useOf(0, link.Type, link.Address);
+        use.LinkCount = link.Link.Count;
+        use.Mode = link.Link.Mode;
+    }
+    for (size_t n = 0; n < nets_.size(); ++n)
+        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
+            itfFBMethod& operation = *nets_[n].Operations[i];
+            auto note = [&](const OperandCollectionPtr& operands, bool findOnly) {
+                if (!operands) return;
+                for (const OperandPtr& operand : *operands) {
+                    if (!operand || operand->IsNew()) continue;
+                    OperandUse& use = useOf(operand->OperandNetID(), operand->OperandType(), operand->OperandAddress());
+                    use.Mode = operand->OperandMode();
+                    if (use.Description.empty()) use.Description = operand->OperandDescription();
+                    auto& places = findOnly ? use.FindOnly : use.Links;
+                    if (places.empty() || places.back() != std::pair(n, i)) places.emplace_back(n, i);
+                }
+            };
+            note(operation.itfFBMethod_InOperands(), false);
+            note(operation.itfFBMethod_OutOperands(), false);
+            note(operation.itfFBMethod_OperandsForFindOnly(), true);
+        }
+    std::vector<OperandUse> all;
+    for (auto& [key, use] : uses) all.push_back(std::move(use));
+    return all;
+}
+
+std::vector<std::pair<size_t, size_t>> WorkbenchHost::MoveOperand(int32_t netId, int32_t type, int32_t address,
+                                                                  int32_t newAddress) {
+    OperandTable& table = context_->Operands;
+    if (newAddress == address) return {};
+    if (table.IsRegistered(type, newAddress)) throw std::invalid_argument("the new address is in use already");
+    if (const OperandTable::Entry* entry = table.Find(type, address)) {
+        const OperandTable::Entry moved = *entry;
+        for (int32_t i = 0; i < moved.Count; ++i) table.Release(type, address);
+        table.RestoreLink(type, newAddress, moved);
+    }
+    std::vector<std::pair<size_t, size_t>> changed;
+    for (size_t n = 0; n < nets_.size(); ++n)
+        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
+            itfFBMethod& operation = *nets_[n].Operations[i];
+            bool linked = false;
+            for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()})
+                if (operands)
+                    for (const OperandPtr& operand : *operands)
+                        if (operand && !operand->IsNew() && operand->OperandMode() == 1 &&
+                            operand->OperandNetID() == netId && operand->OperandType() == type &&
+                            operand->OperandAddress() == address) {
+                            operand->OperandAddress(newAddress);
+                            linked = true;
+                        }
+            // Every operation hears the command; those whose image names the
+            // operand change it, the others ignore it.
+            const Bytes before = operation.itfFBMethod_BinaryOperands();
+            VariantArray command{Variant(L"ReplaceFindOnlyOperand"), Variant(netId), Variant(type), Variant(address),
+                                 Variant(newAddress)};
+            operation.itfFBMethod_Execute(command);
+            if (linked || operation.itfFBMethod_BinaryOperands() != before) changed.emplace_back(n, i);
+        }
+    modified_ = true;
+    return changed;
 }
 
 }  // namespace qx

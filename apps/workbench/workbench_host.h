@@ -48,6 +48,28 @@ public:
     bool EditOperation(const MethodPtr& operation);
     void RemoveOperation(size_t net, size_t index);
 
+    // One operand identity and the operations that name it: by a link in
+    // their InOperands or OutOperands, or inside their image as their
+    // OperandsForFindOnly list it.
+    struct OperandUse {
+        int32_t NetID = 0;
+        int32_t Type = 0;
+        int32_t Address = 0;
+        int32_t Mode = 1;
+        int32_t LinkCount = 0;  // in the host's operand table
+        std::wstring Description;
+        std::vector<std::pair<size_t, size_t>> Links;     // net, place
+        std::vector<std::pair<size_t, size_t>> FindOnly;  // net, place
+    };
+    // Every identity of the host's table and of the operations, by type and address.
+    std::vector<OperandUse> OperandUses() const;
+    // Moves a memory operand to another address of its type: the host's
+    // table, every link that names it, and every image through the command
+    // "ReplaceFindOnlyOperand". Returns the operations that changed, or
+    // throws std::invalid_argument when the new address is in use already.
+    std::vector<std::pair<size_t, size_t>> MoveOperand(int32_t netId, int32_t type, int32_t address,
+                                                       int32_t newAddress);
+
     // The whole project as the file keeps it, and back: a reopen is
     // GetFBMethodObject, Init, the Lets of the stored blocks, BuildOperands.
     Project ToProject() const;

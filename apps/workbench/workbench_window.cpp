@@ -21,6 +21,7 @@
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "platform/host/host_services.h"
 #include "project/download_bundle.h"
 #include "project/project_file.h"
 #include "qt/colours.h"
@@ -79,7 +80,11 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
                       {QStringLiteral("Block"), QStringLiteral("Config"), QStringLiteral("Operation / operand")},
                       this)),
       instances_(newTree(QStringLiteral("instances"),
-                         {QStringLiteral("No."), QStringLiteral("Name"), QStringLiteral("Data")}, this)) {
+                         {QStringLiteral("No."), QStringLiteral("Name"), QStringLiteral("Data")}, this)),
+      operands_(newTree(QStringLiteral("operands"),
+                        {QStringLiteral("Operand"), QStringLiteral("Description"), QStringLiteral("Links"),
+                         QStringLiteral("Used by")},
+                        this)) {
     setObjectName(QStringLiteral("WorkbenchWindow"));
     // Every dialog of the component opens over this window from now on.
     previousDriver_ = host_.Context().Driver;
@@ -107,6 +112,14 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     instancesDock->setWidget(instances_);
     instancesDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
     addDockWidget(Qt::RightDockWidgetArea, instancesDock);
+    auto* operandsDock = new QDockWidget(QStringLiteral("Operands"), this);
+    operandsDock->setObjectName(QStringLiteral("operandsDock"));
+    operandsDock->setWidget(operands_);
+    operandsDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    addDockWidget(Qt::BottomDockWidgetArea, operandsDock);
+    resizeDocks({operandsDock}, {150}, Qt::Vertical);
+    operands_->setRootIsDecorated(false);
+    operands_->setUniformRowHeights(true);
 
     buildMenus();
     fillPalette();
@@ -115,7 +128,7 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
         if (item) statusBar()->showMessage(item->toolTip(0));
     });
     connect(ladder_, &QTreeWidget::itemDoubleClicked, this, [this] { editCurrent(); });
-    resize(1100, 520);
+    resize(1100, 640);
     refresh();
 }
 
@@ -161,6 +174,8 @@ void WorkbenchWindow::buildMenus() {
         [this] { editCurrent(); });
     add(edit, QStringLiteral("actionDelete"), QStringLiteral("&Delete operation"), QKeySequence::Delete,
         [this] { deleteCurrent(); });
+    add(edit, QStringLiteral("actionMoveOperand"), QStringLiteral("&Move operand..."),
+        QKeySequence(Qt::CTRL | Qt::Key_M), [this] { MoveCurrentOperand(); });
     add(edit, QStringLiteral("actionRuntimeVersion"), QStringLiteral("&Runtime version..."), QKeySequence(),
         [this] { chooseRuntimeVersion(); });
 
@@ -241,6 +256,7 @@ void WorkbenchWindow::refresh() {
     for (int column = 0; column < ladder_->columnCount(); ++column) ladder_->resizeColumnToContents(column);
     actionExtendedOperands_->setChecked(host_.Context().ExtendedOperands);
     refreshInstances();
+    refreshOperands();
     updateTitle();
 }
 
@@ -256,6 +272,62 @@ void WorkbenchWindow::refreshInstances() {
     }
     instances_->expandAll();
     for (int column = 0; column < instances_->columnCount(); ++column) instances_->resizeColumnToContents(column);
+}
+
+void WorkbenchWindow::refreshOperands() {
+    operands_->clear();
+    const clsOperandTypeNames names;
+    auto placeText = [this](const std::pair<size_t, size_t>& place) {
+        const MethodPtr& operation = host_.Nets()[place.first].Operations[place.second];
+        return QStringLiteral("net %1 %2").arg(place.first + 1).arg(toQString(operation->itfFBMethod_Title()));
+    };
+    for (const WorkbenchHost::OperandUse& use : host_.OperandUses()) {
+        QStringList users;
+        for (const auto& place : use.Links) users << placeText(place);
+        for (const auto& place : use.FindOnly) users << placeText(place) + QStringLiteral(" (in its image)");
+        auto* item = new QTreeWidgetItem(
+            operands_, {toQString(names.GetName(use.Type)) + QStringLiteral(" %1").arg(use.Address),
+                        toQString(use.Description), QString::number(use.LinkCount), users.join(QStringLiteral("; "))});
+        item->setData(0, Qt::UserRole, use.Type);
+        item->setData(0, Qt::UserRole + 1, use.Address);
+        item->setData(0, Qt::UserRole + 2, use.NetID);
+        item->setData(0, Qt::UserRole + 3, use.Mode);
+    }
+    for (int column = 0; column < operands_->columnCount(); ++column) operands_->resizeColumnToContents(column);
+}
+
+bool WorkbenchWindow::MoveCurrentOperand() {
+    const QTreeWidgetItem* item = operands_->currentItem();
+    if (!item) return false;
+    const int32_t type = item->data(0, Qt::UserRole).toInt();
+    const int32_t address = item->data(0, Qt::UserRole + 1).toInt();
+    const int32_t netId = item->data(0, Qt::UserRole + 2).toInt();
+    if (item->data(0, Qt::UserRole + 3).toInt() != 1) {
+        showError(QStringLiteral("%1 is a constant; only memory operands move.").arg(item->text(0)));
+        return false;
+    }
+    QInputDialog ask(this);
+    ask.setObjectName(QStringLiteral("MoveOperand"));
+    ask.setWindowTitle(QStringLiteral("Move operand"));
+    ask.setLabelText(QStringLiteral("New address of %1:").arg(item->text(0)));
+    ask.setInputMode(QInputDialog::IntInput);
+    ask.setIntRange(0, 65535);
+    ask.setIntValue(address);
+    if (ask.exec() != QDialog::Accepted) return false;
+    const QString from = item->text(0);
+    try {
+        const auto changed = host_.MoveOperand(netId, type, address, ask.intValue());
+        refresh();
+        statusBar()->showMessage(
+            QStringLiteral("%1 moved to %2; %3 operations changed.").arg(from).arg(ask.intValue()).arg(changed.size()));
+        return true;
+    } catch (const std::invalid_argument&) {
+        showError(
+            QStringLiteral("%1 cannot move to %2: that address is in use already.").arg(from).arg(ask.intValue()));
+    } catch (const RuntimeError& e) {
+        showError(toQString(e.Description()));
+    }
+    return false;
 }
 
 void WorkbenchWindow::updateTitle() {

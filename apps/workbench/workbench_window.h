@@ -43,6 +43,10 @@ public:
     QTreeWidget* Palette() const { return palette_; }
     QTreeWidget* Ladder() const { return ladder_; }
     QTreeWidget* Instances() const { return instances_; }
+    QTreeWidget* Operands() const { return operands_; }
+    // Moves the operand of the operands view's current row, asking for its
+    // new address; false when nothing moved.
+    bool MoveCurrentOperand();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -52,6 +56,7 @@ private:
     void fillPalette();
     void refresh();
     void refreshInstances();
+    void refreshOperands();
     void updateTitle();
     void placeCurrent();
     void editCurrent();
@@ -77,6 +82,7 @@ private:
     QTreeWidget* palette_;
     QTreeWidget* ladder_;
     QTreeWidget* instances_;
+    QTreeWidget* operands_;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;
     std::map<int32_t, QIcon> blockIcons_;

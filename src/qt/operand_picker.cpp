@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 
 #include "platform/host/host_services.h"
@@ -29,13 +30,17 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
       cbKind_(new QComboBox(this)),
       spAddress_(new QSpinBox(this)),
       spValue_(new QDoubleSpinBox(this)),
-      txtDescription_(new QLineEdit(this)) {
+      txtDescription_(new QLineEdit(this)),
+      cbConstantList_(new QComboBox(this)),
+      lblVector_(new QLabel(this)) {
     setObjectName(QStringLiteral("OperandPicker"));
     setWindowTitle(operand.OperandTitle().empty() ? QStringLiteral("Operand") : toQString(operand.OperandTitle()));
     cbKind_->setObjectName(QStringLiteral("cbKind"));
     spAddress_->setObjectName(QStringLiteral("spAddress"));
     spValue_->setObjectName(QStringLiteral("spValue"));
     txtDescription_->setObjectName(QStringLiteral("txtDescription"));
+    cbConstantList_->setObjectName(QStringLiteral("cbConstantList"));
+    lblVector_->setObjectName(QStringLiteral("lblVector"));
 
     const clsOperandTypeNames names;
     for (const AllowedType& allowed : operand.AllowedTypes()) {
@@ -53,11 +58,32 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
     spValue_->setDecimals(4);
     spValue_->setValue(static_cast<double>(operand.OperandConstantValue()) / FixedPointScale);
     txtDescription_->setText(toQString(operand.OperandDescription()));
+    for (const auto& [value, text] : operand.ConstantList())
+        cbConstantList_->addItem(QStringLiteral("%1 : %2").arg(value).arg(toQString(text)), value);
+    listOnly_ = operand.OperandConstantListOnly() && cbConstantList_->count() > 0;
+    // A constant of the list opens on its entry.
+    const double currentValue = spValue_->value();
+    for (int i = 0; i < cbConstantList_->count(); ++i)
+        if (cbConstantList_->itemData(i).toDouble() == currentValue) cbConstantList_->setCurrentIndex(i);
+    connect(cbConstantList_, &QComboBox::currentIndexChanged, this,
+            [this] { spValue_->setValue(cbConstantList_->currentData().toDouble()); });
+    if (listOnly_) spValue_->setValue(cbConstantList_->currentData().toDouble());
+    vectorLength_ = std::max(1, operand.OperandVectorLength());
+    spAddress_->setMaximum(65535 - (vectorLength_ - 1));
+    connect(spAddress_, &QSpinBox::valueChanged, this, [this] { showVector(); });
 
     auto* form = new QFormLayout;
     form->addRow(QStringLiteral("Operand"), cbKind_);
     form->addRow(QStringLiteral("Address"), spAddress_);
     form->addRow(QStringLiteral("Value"), spValue_);
+    if (cbConstantList_->count() > 0)
+        form->addRow(QStringLiteral("From the list"), cbConstantList_);
+    else
+        cbConstantList_->hide();
+    if (vectorLength_ > 1)
+        form->addRow(QString(), lblVector_);
+    else
+        lblVector_->hide();
     form->addRow(QStringLiteral("Description"), txtDescription_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->setObjectName(QStringLiteral("buttons"));
@@ -71,12 +97,22 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
     layout->addWidget(buttons);
     connect(cbKind_, &QComboBox::currentIndexChanged, this, [this] { kindChanged(); });
     kindChanged();
+    showVector();
 }
 
 void OperandPicker::kindChanged() {
     const bool constant = modeOf(cbKind_->currentData().toInt()) == ConstantMode;
     spAddress_->setEnabled(!constant);
-    spValue_->setEnabled(constant);
+    spValue_->setEnabled(constant && !listOnly_);
+    cbConstantList_->setEnabled(constant);
+    lblVector_->setEnabled(!constant);
+}
+
+void OperandPicker::showVector() {
+    lblVector_->setText(QStringLiteral("Takes %1 elements: %2 to %3")
+                            .arg(vectorLength_)
+                            .arg(spAddress_->value())
+                            .arg(spAddress_->value() + vectorLength_ - 1));
 }
 
 bool OperandPicker::WriteChoice(clsOperand& operand) const {

@@ -9,14 +9,18 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTest>
 #include <filesystem>
+#include <random>
 
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
 #include "project/project_file.h"
 #include "qt/qt_text.h"
 #include "qt_test_support.h"
+#include "sets/send_set.h"
+#include "support/random_sets.h"
 #include "support/scratch_files.h"
 #include "workbench_window.h"
 
@@ -237,6 +241,86 @@ TEST_F(WorkbenchTest, TheDownloadBundleHoldsTheImagesTheInstancesAndTheRuntimeFi
     });
     EXPECT_FALSE(window->ExportBundle(QString::fromStdString(bundle.string())));
     EXPECT_TRUE(said.contains(QStringLiteral("is not empty"))) << said.toStdString();
+}
+
+TEST_F(WorkbenchTest, TheOperandsViewListsEveryLinkAndMovesOneWithItsOperations) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    QTreeWidget& operands = *window->Operands();
+    ASSERT_EQ(operands.topLevelItemCount(), 2);
+    EXPECT_EQ(operands.topLevelItem(0)->text(0), QStringLiteral("MB 100"));
+    EXPECT_EQ(operands.topLevelItem(1)->text(0), QStringLiteral("MI 200"));
+    EXPECT_EQ(operands.topLevelItem(1)->text(2), QStringLiteral("1"));
+    EXPECT_EQ(operands.topLevelItem(1)->text(3), QStringLiteral("net 1 CONFIG"));
+
+    QTest::mouseClick(operands.viewport(), Qt::LeftButton, {},
+                      operands.visualItemRect(operands.topLevelItem(1)).center());
+    test::onModal(QStringLiteral("MoveOperand"), [](QWidget& ask) {
+        auto* spin = ask.findChild<QSpinBox*>();
+        QTest::keyClick(spin, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(spin, QStringLiteral("300"));
+        QTest::keyClick(&ask, Qt::Key_Return);
+    });
+    window->findChild<QAction*>(QStringLiteral("actionMoveOperand"))->trigger();
+
+    const MethodPtr config = host->Nets()[0].Operations[0];
+    EXPECT_EQ(config->itfFBMethod_OutOperands()->Item(2)->OperandAddress(), 300);
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 200), 0);
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 300), 1);
+    EXPECT_EQ(operands.topLevelItem(1)->text(0), QStringLiteral("MI 300"));
+    EXPECT_TRUE(window->Ladder()->topLevelItem(0)->child(0)->child(1)->text(2).startsWith(QStringLiteral("MI 300")));
+    EXPECT_TRUE(host->Modified());
+}
+
+TEST_F(WorkbenchTest, MovingAnOperandRewritesEverySendImageThatNamesIt) {
+    // A Send of a real image, as a project of another day holds it.
+    Bytes image;
+    OperandChoice named;
+    {
+        ScopedHostContext own;
+        clsProtocolSendSrv set;
+        std::mt19937 random(7);
+        test::RandomSetShape shape;
+        shape.MinMessages = 3;
+        test::fillRandomSendSet(set, random, shape);
+        image = set.BinaryData();
+        OperandCollection inImage;
+        set.AddOperandsToFindOnly(inImage);
+        ASSERT_GT(inImage.Count(), 0);
+        // The first MI the image names; constants do not move.
+        for (const OperandPtr& operand : inImage)
+            if (operand->OperandType() == 3 && named.OperandType == 0)
+                named = {1, 3, operand->OperandAddress(), operand->OperandNetID(), L"", 0};
+        ASSERT_EQ(named.OperandType, 3);
+    }
+    Project project;
+    StoredOperation send;
+    send.MethodID = 170103;
+    send.BinaryOperands = image;
+    project.Nets = {LadderNet{L"", {send}}};
+    ASSERT_TRUE(host->Open(project).empty());
+    const int32_t newAddress = named.OperandAddress == 65535 ? 65534 : named.OperandAddress + 1;
+
+    const auto changed = host->MoveOperand(named.OperandNetID, named.OperandType, named.OperandAddress, newAddress);
+    EXPECT_EQ(changed, (std::vector<std::pair<size_t, size_t>>{{0, 0}}));
+    ScopedHostContext own;
+    clsProtocolSendSrv reread;
+    reread.BinaryData(host->Nets()[0].Operations[0]->itfFBMethod_BinaryOperands());
+    OperandCollection inImage;
+    reread.AddOperandsToFindOnly(inImage);
+    int atNew = 0;
+    for (const OperandPtr& operand : inImage) {
+        EXPECT_FALSE(operand->OperandType() == named.OperandType && operand->OperandAddress() == named.OperandAddress);
+        atNew += operand->OperandType() == named.OperandType && operand->OperandAddress() == newAddress;
+    }
+    EXPECT_GT(atNew, 0);
+}
+
+TEST_F(WorkbenchTest, AnOperandCannotMoveOntoAnAddressInUse) {
+    host->Context().Operands.Register(3, 20, 1, 3);
+    host->Context().Operands.Register(3, 21, 1, 3);
+    EXPECT_THROW(host->MoveOperand(0, 3, 20, 21), std::invalid_argument);
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 20), 1);
 }
 
 TEST_F(WorkbenchTest, ABadFileShowsItsErrorAndChangesNothing) {
