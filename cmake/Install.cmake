@@ -22,3 +22,7 @@ configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/QxFBCom2Config.cmake.in
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/QxFBCom2ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/QxFBCom2Config.cmake ${CMAKE_BINARY_DIR}/QxFBCom2ConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)
+# The desktop host, when the view layer is built.
+if(TARGET qxfb-workbench)
+  install(TARGETS qxfb-workbench RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

@@ -104,10 +104,11 @@ std::string executableFolder() {
 
 // The installed one comes first, so that an installed host never loads the
 // component of a build tree still on the machine.
-std::string defaultComponentPath(const std::string& installedFromExe, const std::string& built) {
+std::string defaultComponentPath() {
     std::error_code ec;
-    const std::string installed = executableFolder() + "/" + installedFromExe;
+    const std::string installed = executableFolder() + "/" + QXFB_INSTALLED_COMPONENT;
     if (std::filesystem::exists(installed, ec)) return installed;
+    const std::string built = QXFB_BUILT_COMPONENT;
     if (!built.empty() && std::filesystem::exists(built, ec)) return built;
     return installed;
 }

@@ -55,9 +55,9 @@ private:
     std::string error_;
 };
 
-// The component a host finds by default: the one installed beside the
-// program (relative path installedFromExe), else the build's own.
-std::string defaultComponentPath(const std::string& installedFromExe, const std::string& built);
+// The component a host finds by default: the one installed in the library
+// folder beside the program's, else the one of the build that made it.
+std::string defaultComponentPath();
 
 // The folder of the running program.
 std::string executableFolder();

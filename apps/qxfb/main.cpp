@@ -34,13 +34,6 @@
 #include "project/project_file.h"
 #include "serial/frm_protocol_config.h"
 
-#ifndef QXFB_DEFAULT_COMPONENT
-#define QXFB_DEFAULT_COMPONENT ""
-#endif
-#ifndef QXFB_INSTALLED_COMPONENT
-#define QXFB_INSTALLED_COMPONENT "../lib/libQxFBCom2.so"
-#endif
-
 namespace {
 
 using namespace qx;
@@ -192,18 +185,26 @@ void scriptConfigPerson(HostContext& context) {
     });
 }
 
-int demo(const Options& options) {
-    LoadedComponent component;
+// Loads the component and gives its host context, with reports echoed to
+// standard error; nullptr (the cause printed) when that fails.
+HostContext* loadWithContext(LoadedComponent& component, const Options& options) {
     if (!component.Load(options.component)) {
         std::cerr << "qxfb: " << component.Error() << "\n";
-        return 1;
+        return nullptr;
     }
     HostContext* context = component.Context();
     if (!context) {
         std::cerr << "qxfb: the component gave no host context\n";
-        return 1;
+        return nullptr;
     }
     context->EchoReports = true;
+    return context;
+}
+
+int demo(const Options& options) {
+    LoadedComponent component;
+    HostContext* context = loadWithContext(component, options);
+    if (!context) return 1;
     if (!options.appFolder.empty()) context->AppFolder = fromUtf8(options.appFolder);
 
     std::cout << "Component: " << component.Path() << "\n";
@@ -364,16 +365,8 @@ int projectBundle(const Options& options, const std::string& file, const std::st
         return 1;
     }
     LoadedComponent component;
-    if (!component.Load(options.component)) {
-        std::cerr << "qxfb: " << component.Error() << "\n";
-        return 1;
-    }
-    HostContext* context = component.Context();
-    if (!context) {
-        std::cerr << "qxfb: the component gave no host context\n";
-        return 1;
-    }
-    context->EchoReports = true;
+    HostContext* context = loadWithContext(component, options);
+    if (!context) return 1;
     if (!options.appFolder.empty())
         context->AppFolder = fromUtf8(options.appFolder);
     else if (!project.Settings.AppFolder.empty())
@@ -414,7 +407,7 @@ int usageError(const std::string& message) {
 
 int main(int argc, char** argv) {
     Options options;
-    options.component = defaultComponentPath(QXFB_INSTALLED_COMPONENT, QXFB_DEFAULT_COMPONENT);
+    options.component = defaultComponentPath();
     std::vector<std::string> args(argv + 1, argv + argc);
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];

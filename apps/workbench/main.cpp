@@ -12,13 +12,6 @@
 #include "qt/qt_text.h"
 #include "workbench_window.h"
 
-#ifndef QXFB_DEFAULT_COMPONENT
-#define QXFB_DEFAULT_COMPONENT ""
-#endif
-#ifndef QXFB_INSTALLED_COMPONENT
-#define QXFB_INSTALLED_COMPONENT "../lib/libQxFBCom2.so"
-#endif
-
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("qxfb-workbench"));
@@ -36,9 +29,8 @@ int main(int argc, char** argv) {
     parser.process(app);
 
     qx::LoadedComponent loaded;
-    const std::string path = parser.isSet(component)
-                                 ? QFile::encodeName(parser.value(component)).toStdString()
-                                 : qx::defaultComponentPath(QXFB_INSTALLED_COMPONENT, QXFB_DEFAULT_COMPONENT);
+    const std::string path =
+        parser.isSet(component) ? QFile::encodeName(parser.value(component)).toStdString() : qx::defaultComponentPath();
     if (!loaded.Load(path)) {
         QMessageBox::critical(nullptr, QStringLiteral("qxfb-workbench"), QString::fromStdString(loaded.Error()));
         return 1;
