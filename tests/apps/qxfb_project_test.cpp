@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/cli_run.h"
 #include "component/built_paths.h"
 #include "platform/basics/ansi.h"
 #include "project/project_file.h"
@@ -22,27 +23,12 @@ namespace fs = std::filesystem;
 
 using test::readFile;
 
-std::string shellQuoted(const std::string& text) {
-    std::string out = "'";
-    for (char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
+using test::CliRun;
+using test::shellQuoted;
 
 std::string sha256Of(const std::string& bytes) {
     return sha256Hex(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
-
-struct CliRun {
-    int status = -1;
-    std::string out, err;
-
-    std::vector<std::string> lines() const {
-        std::vector<std::string> result;
-        std::istringstream in(out);
-        for (std::string line; std::getline(in, line);) result.push_back(line);
-        return result;
-    }
-};
 
 StoredOperand link(const std::wstring& key, const std::wstring& caption, int32_t type, int32_t address,
                    const std::wstring& description) {
@@ -98,17 +84,7 @@ protected:
         saveProject(projectFile.string(), sampleProject());
     }
 
-    CliRun run(const std::string& arguments) {
-        const fs::path out = folder / "stdout", err = folder / "stderr";
-        const std::string command = "timeout 60 " + shellQuoted(program) + " " + arguments + " </dev/null >" +
-                                    shellQuoted(out) + " 2>" + shellQuoted(err);
-        CliRun result;
-        const int raw = std::system(command.c_str());
-        result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        result.out = readFile(out);
-        result.err = readFile(err);
-        return result;
-    }
+    CliRun run(const std::string& arguments) { return test::runCli(program, arguments, folder); }
 
     std::string program;
     test::ScratchFolder scratch{"qxfb_project_cli_test"};

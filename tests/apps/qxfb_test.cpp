@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/cli_run.h"
 #include "component/built_paths.h"
 #include "support/scratch_files.h"
 
@@ -22,27 +23,8 @@ namespace fs = std::filesystem;
 
 using qx::test::readFile;
 
-std::string shellQuoted(const std::string& text) {
-    std::string out = "'";
-    for (char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
-
-struct CliRun {
-    int status = -1;
-    std::string out, err;
-
-    std::vector<std::string> lines() const {
-        std::vector<std::string> result;
-        std::istringstream in(out);
-        for (std::string line; std::getline(in, line);) result.push_back(line);
-        return result;
-    }
-    std::string lastLine() const {
-        auto all = lines();
-        return all.empty() ? "" : all.back();
-    }
-};
+using qx::test::CliRun;
+using qx::test::shellQuoted;
 
 class QxfbTest : public ::testing::Test {
 protected:
@@ -51,20 +33,8 @@ protected:
         ASSERT_FALSE(program.empty()) << "QXFB_CLI names the program under test";
     }
 
-    // Runs qxfb with the arguments, environment assignments first ("NAME=value"),
-    // in the folder current when one is given.
     CliRun run(const std::string& arguments, const std::string& environment = "", const fs::path& current = {}) {
-        const fs::path out = folder / "stdout", err = folder / "stderr";
-        // A qxfb that hangs fails the test after a minute instead of holding it.
-        std::string command = "timeout 60 env " + environment + " " + shellQuoted(program) + " " + arguments +
-                              " </dev/null >" + shellQuoted(out) + " 2>" + shellQuoted(err);
-        if (!current.empty()) command = "cd " + shellQuoted(current.string()) + " && " + command;
-        CliRun result;
-        int raw = std::system(command.c_str());
-        result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        result.out = readFile(out);
-        result.err = readFile(err);
-        return result;
+        return qx::test::runCli(program, arguments, folder, environment, current);
     }
 
     std::string program;

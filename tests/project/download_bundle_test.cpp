@@ -14,6 +14,7 @@
 #include "project/project_file.h"
 #include "project/sha256.h"
 #include "support/scratch_files.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -62,17 +63,6 @@ struct FakeRuntime {
         };
     }
 };
-
-template <class Call>
-RuntimeError errorOf(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& e) {
-        return e;
-    }
-    ADD_FAILURE() << "no error";
-    return RuntimeError(0, L"", L"");
-}
 
 const char* const SampleManifest = R"({
   "format": "QxFBCom2 download bundle",
@@ -174,7 +164,8 @@ TEST_F(DownloadBundleTest, AnEmptyExistingFolderIsUsed) {
 TEST_F(DownloadBundleTest, AFolderWithAnythingInItIsRefusedAndLeftAlone) {
     fs::create_directories(folder);
     writeFile(folder / ".hidden", "keep");
-    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
+    const RuntimeError e =
+        test::raisedError([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
     EXPECT_EQ(e.Number(), err::PathFileAccessError);
     EXPECT_EQ(toUtf8(e.Description()), "bundle folder \"" + folder.string() + "\" is not empty");
     EXPECT_TRUE(runtime.calls.empty());
@@ -186,12 +177,14 @@ TEST_F(DownloadBundleTest, AFolderWithAnythingInItIsRefusedAndLeftAlone) {
 
 TEST_F(DownloadBundleTest, APathThatIsARegularFileIsRefused) {
     writeFile(folder, "not a folder");
-    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
+    const RuntimeError e =
+        test::raisedError([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
     EXPECT_EQ(e.Number(), err::PathFileAccessError);
     EXPECT_EQ(toUtf8(e.Description()), "bundle folder \"" + folder.string() + "\" is not a folder");
     EXPECT_EQ(readFile(folder), "not a folder");
     const fs::path below = folder / "bundle";
-    const RuntimeError under = errorOf([&] { writeDownloadBundle(Project{}, below.string(), runtime.function()); });
+    const RuntimeError under =
+        test::raisedError([&] { writeDownloadBundle(Project{}, below.string(), runtime.function()); });
     EXPECT_EQ(under.Number(), err::PathFileAccessError);
     EXPECT_EQ(toUtf8(under.Description()), "bundle folder \"" + below.string() + "\" cannot be used (Not a directory)");
 }
@@ -223,7 +216,7 @@ TEST_F(DownloadBundleTest, AnEmptyProjectGivesAnEmptyManifestOnly) {
 }
 
 TEST_F(DownloadBundleTest, AFamilyThatFailsLeavesTheFolderEmpty) {
-    const RuntimeError e = errorOf([&] {
+    const RuntimeError e = test::raisedError([&] {
         writeDownloadBundle(sampleProject(), folder.string(), [](int32_t, int32_t) -> FBHexFileDetails {
             throw RuntimeError(err::FileNotFound, L"test", L"no runtime files");
         });
@@ -240,7 +233,7 @@ TEST_F(DownloadBundleTest, AFileThatCannotBeWrittenIsNamedWithTheCause) {
         if (!fs::exists(folder / "operations")) writeFile(folder / "operations", "in the way");
         return runtime.function()(fatherId, version);
     };
-    const RuntimeError e = errorOf([&] { writeDownloadBundle(sampleProject(), folder.string(), sneaky); });
+    const RuntimeError e = test::raisedError([&] { writeDownloadBundle(sampleProject(), folder.string(), sneaky); });
     EXPECT_EQ(e.Number(), err::PathFileAccessError);
     EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "operations/net001_op001_170101.bin").string() +
                                            "\": cannot be written (Not a directory)");
@@ -251,7 +244,8 @@ TEST_F(DownloadBundleTest, AFileThatCannotBeWrittenIsNamedWithTheCause) {
 TEST_F(DownloadBundleTest, AFileAlreadyThereIsNeverOverwritten) {
     Project project = sampleProject();
     project.Instances.push_back(project.Instances[0]);  // the same family and number twice
-    const RuntimeError e = errorOf([&] { writeDownloadBundle(project, folder.string(), runtime.function()); });
+    const RuntimeError e =
+        test::raisedError([&] { writeDownloadBundle(project, folder.string(), runtime.function()); });
     EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "instances/170100_0001.bin").string() +
                                            "\": cannot be written (File exists)");
     EXPECT_EQ(readFile(folder / "instances/170100_0001.bin"), "\x10\x20\x30");

@@ -9,6 +9,7 @@
 
 #include "platform/basics/ansi.h"
 #include "support/scratch_files.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -80,18 +81,6 @@ void runSql(const fs::path& file, const std::string& sql) {
     ASSERT_EQ(code, SQLITE_OK) << text;
 }
 
-// The error a call raises, with its number and description.
-template <class Call>
-RuntimeError errorOf(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& e) {
-        return e;
-    }
-    ADD_FAILURE() << "no error";
-    return RuntimeError(0, L"", L"");
-}
-
 std::string descriptionOf(const RuntimeError& e) { return toUtf8(e.Description()); }
 
 class ProjectFileTest : public ::testing::Test {
@@ -141,39 +130,39 @@ TEST_F(ProjectFileTest, AnEmptyProjectRoundTrips) {
 }
 
 TEST_F(ProjectFileTest, AMissingFileIsNamedAsNotFound) {
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::FileNotFound);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": not found");
 }
 
 TEST_F(ProjectFileTest, AFolderOrFifoIsNoProjectFileAndIsNotOpened) {
-    const RuntimeError onFolder = errorOf([&] { loadProject(folder.path().string()); });
+    const RuntimeError onFolder = test::raisedError([&] { loadProject(folder.path().string()); });
     EXPECT_EQ(onFolder.Number(), err::PathFileAccessError);
     EXPECT_NE(descriptionOf(onFolder).find("is not a regular file"), std::string::npos);
     const fs::path fifo = folder.path() / "pipe";
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    EXPECT_EQ(errorOf([&] { loadProject(fifo.string()); }).Number(), err::PathFileAccessError);
-    EXPECT_EQ(errorOf([&] { saveProject(fifo.string(), Project{}); }).Number(), err::PathFileAccessError);
+    EXPECT_EQ(test::raisedError([&] { loadProject(fifo.string()); }).Number(), err::PathFileAccessError);
+    EXPECT_EQ(test::raisedError([&] { saveProject(fifo.string(), Project{}); }).Number(), err::PathFileAccessError);
     EXPECT_TRUE(fs::is_fifo(fifo));
 }
 
 TEST_F(ProjectFileTest, ATextFileIsNoProjectAndIsLeftAsItWas) {
     test::writeFile(file, std::string(4096, 'x'));
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is not a project file (not an SQLite database)");
-    EXPECT_EQ(errorOf([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
     EXPECT_EQ(test::readFile(file), std::string(4096, 'x'));
 }
 
 TEST_F(ProjectFileTest, AnotherProgramsDatabaseIsRefusedAndLeftAsItWas) {
     runSql(file, "CREATE TABLE customers(name TEXT); INSERT INTO customers VALUES('Ada');");
     const std::string before = test::readFile(file);
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e),
               "project file \"" + path + "\": is an SQLite database of another program, not a project file");
-    EXPECT_EQ(errorOf([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
     EXPECT_EQ(test::readFile(file), before);
 }
 
@@ -181,18 +170,18 @@ TEST_F(ProjectFileTest, AProjectOfANewerSchemaIsRefusedAndLeftAsItWas) {
     saveProject(path, sampleProject());
     runSql(file, "PRAGMA user_version = 2;");
     const std::string before = test::readFile(file);
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path +
                                     "\": was written by a newer version of the program (project schema 2; this one "
                                     "reads schema 1 and older)");
-    EXPECT_EQ(errorOf([&] { saveProject(path, Project{}); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, Project{}); }).Number(), err::InvalidFileFormat);
     EXPECT_EQ(test::readFile(file), before);
 }
 
 TEST_F(ProjectFileTest, AnEmptyFileIsNoProjectButMayBecomeOne) {
     test::writeFile(file, "");
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is empty, not a project file");
     saveProject(path, sampleProject());
@@ -204,10 +193,10 @@ TEST_F(ProjectFileTest, ALockedFileIsNamedAsLockedAndSavingChangesNothing) {
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-    const RuntimeError onLoad = errorOf([&] { loadProject(path); });
+    const RuntimeError onLoad = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(onLoad.Number(), err::PermissionDenied);
     EXPECT_EQ(descriptionOf(onLoad), "project file \"" + path + "\": is locked by another program");
-    EXPECT_EQ(errorOf([&] { saveProject(path, Project{}); }).Number(), err::PermissionDenied);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, Project{}); }).Number(), err::PermissionDenied);
     sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_close(other);
     EXPECT_EQ(loadProject(path), sampleProject());
@@ -247,7 +236,7 @@ TEST_F(ProjectFileTest, AValueOfTheWrongTypeIsDamageNamedByItsColumn) {
            "UPDATE sqlite_schema SET sql = replace(sql, ') STRICT', ')') WHERE name = 'operations';"
            "PRAGMA writable_schema = OFF;");
     runSql(file, "UPDATE operations SET method_id = 'Send' WHERE method_id = 170103;");
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (method_id holds no integer)");
 }
@@ -255,21 +244,21 @@ TEST_F(ProjectFileTest, AValueOfTheWrongTypeIsDamageNamedByItsColumn) {
 TEST_F(ProjectFileTest, AnOperationOfNoNetIsDamage) {
     saveProject(path, sampleProject());
     runSql(file, "DELETE FROM nets WHERE comment = 'Start';");
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (an operation belongs to no net)");
 }
 
 TEST_F(ProjectFileTest, AMissingTableIsDamage) {
     saveProject(path, sampleProject());
     runSql(file, "DROP TABLE links;");
-    const RuntimeError e = errorOf([&] { loadProject(path); });
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (no such table: links)");
 }
 
 TEST_F(ProjectFileTest, ANewFileThatCannotBeMadeLeavesNothingBehind) {
     const fs::path inMissingFolder = folder.path() / "missing" / "p.qxfbproj";
-    const RuntimeError e = errorOf([&] { saveProject(inMissingFolder.string(), sampleProject()); });
+    const RuntimeError e = test::raisedError([&] { saveProject(inMissingFolder.string(), sampleProject()); });
     EXPECT_EQ(e.Number(), err::PathFileAccessError);
     EXPECT_FALSE(fs::exists(inMissingFolder));
 }
@@ -283,7 +272,7 @@ TEST_F(ProjectFileTest, APathThatIsNotUtf8IsUsedAsItsBytes) {
     EXPECT_TRUE(fs::exists(latin1));
     EXPECT_EQ(loadProject(latin1), sampleProject());
     const std::string missing = latin1 + "\xFF";
-    EXPECT_EQ(toUtf8(errorOf([&] { loadProject(missing); }).Description()),
+    EXPECT_EQ(toUtf8(test::raisedError([&] { loadProject(missing); }).Description()),
               "project file \"" + missing + "\": not found");
 }
 

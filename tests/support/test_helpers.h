@@ -49,6 +49,19 @@ int32_t runtimeErrorOf(F&& call) {
     return kNoRuntimeError;
 }
 
+// The RuntimeError the call raised, to look at its number and words; a
+// failure of the test (and an error numbered 0) when it raised none.
+template <class F>
+RuntimeError raisedError(F&& call) {
+    try {
+        call();
+    } catch (const RuntimeError& error) {
+        return error;
+    }
+    ADD_FAILURE() << "no RuntimeError was raised";
+    return RuntimeError(0, L"", L"");
+}
+
 // A family that answers only what an operation asks of it at InitProperties.
 class FatherStub : public itfFBFather {
 public:
