@@ -2,6 +2,7 @@
 // its window and on the component's dialogs, which it loads through the
 // component's entry points.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <QApplication>
 #include <QComboBox>
@@ -12,6 +13,7 @@
 #include <QSpinBox>
 #include <QTest>
 #include <filesystem>
+#include <functional>
 #include <random>
 
 #include "framework/shared_helpers.h"
@@ -323,21 +325,81 @@ TEST_F(WorkbenchTest, AnOperandCannotMoveOntoAnAddressInUse) {
     EXPECT_EQ(host->Context().Operands.LinkCount(3, 20), 1);
 }
 
-TEST_F(WorkbenchTest, ABadFileShowsItsErrorAndChangesNothing) {
+// Runs SQL on a file as another program would.
+void runSql(const std::filesystem::path& file, const char* sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+    sqlite3_close(db);
+}
+
+TEST_F(WorkbenchTest, EveryBadFileShowsItsErrorAndChangesNothing) {
+    const std::filesystem::path file = folder.path() / "plant.qxfbproj";
+    struct Case {
+        const char* name;
+        std::function<void()> make;
+        QString cause;
+    };
+    sqlite3* locker = nullptr;
+    const std::vector<Case> cases{
+        {"missing", [] {}, QStringLiteral("not found")},
+        {"text", [&] { test::writeFile(file, "not a project"); },
+         QStringLiteral("is not a project file (not an SQLite database)")},
+        {"foreign", [&] { runSql(file, "CREATE TABLE customers(name TEXT);"); },
+         QStringLiteral("is an SQLite database of another program, not a project file")},
+        {"newer",
+         [&] {
+             saveProject(file.string(), Project{});
+             runSql(file, "PRAGMA user_version = 2;");
+         },
+         QStringLiteral("was written by a newer version of the program (project schema 2; this one reads schema 1 "
+                        "and older)")},
+        {"damaged",
+         [&] {
+             saveProject(file.string(), Project{});
+             runSql(file, "DROP TABLE links;");
+         },
+         QStringLiteral("is damaged (no such table: links)")},
+        {"locked",
+         [&] {
+             saveProject(file.string(), Project{});
+             ASSERT_EQ(sqlite3_open(file.c_str(), &locker), SQLITE_OK);
+             ASSERT_EQ(sqlite3_exec(locker, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+         },
+         QStringLiteral("is locked by another program")},
+    };
     host->AddNet(L"kept");
-    const std::filesystem::path text = folder.path() / "notes.qxfbproj";
-    test::writeFile(text, "not a project");
-    QString shown;
-    test::onModal(QStringLiteral("WorkbenchError"), [&](QWidget& box) {
-        shown = static_cast<QMessageBox&>(box).text();
-        QTest::keyClick(&box, Qt::Key_Return);
-    });
-    EXPECT_FALSE(window->OpenFile(QString::fromStdString(text.string())));
-    EXPECT_EQ(shown, QStringLiteral("project file \"%1\": is not a project file (not an SQLite database)")
-                         .arg(QString::fromStdString(text.string())));
-    ASSERT_EQ(host->Nets().size(), 1u);
-    EXPECT_EQ(host->Nets()[0].Comment, L"kept");
-    EXPECT_EQ(test::readFile(text), "not a project");
+    for (const Case& each : cases) {
+        std::filesystem::remove(file);
+        each.make();
+        const std::string before = std::filesystem::exists(file) ? test::readFile(file) : "";
+        QString shown;
+        test::onModal(QStringLiteral("WorkbenchError"), [&](QWidget& box) {
+            shown = static_cast<QMessageBox&>(box).text();
+            QTest::keyClick(&box, Qt::Key_Return);
+        });
+        EXPECT_FALSE(window->OpenFile(QString::fromStdString(file.string()))) << each.name;
+        EXPECT_EQ(shown,
+                  QStringLiteral("project file \"%1\": ").arg(QString::fromStdString(file.string())) + each.cause)
+            << each.name;
+        ASSERT_EQ(host->Nets().size(), 1u) << each.name;
+        EXPECT_EQ(host->Nets()[0].Comment, L"kept") << each.name;
+        if (std::filesystem::exists(file)) {
+            EXPECT_EQ(test::readFile(file), before) << each.name;
+        }
+        // Saving over it is refused as well, and leaves it as it was.
+        if (std::string(each.name) != "missing") {
+            test::onModal(QStringLiteral("WorkbenchError"),
+                          [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+            EXPECT_FALSE(window->SaveFile(QString::fromStdString(file.string()))) << each.name;
+            EXPECT_EQ(test::readFile(file), before) << each.name;
+        }
+        if (locker) {
+            sqlite3_exec(locker, "COMMIT", nullptr, nullptr, nullptr);
+            sqlite3_close(locker);
+            locker = nullptr;
+        }
+    }
 }
 
 TEST_F(WorkbenchTest, ClosingWithUnsavedChangesAsksAndCancelKeepsTheWindow) {
