@@ -2,9 +2,13 @@
 // library's own writers, from hand-built sets (the documented worked
 // examples, every field kind, frames, checksums, copy after ETX, empty sets)
 // and from random valid sets. Each file is one input as the targets take it:
-// the settings byte (bit 0: extended operands), then the image.
+// the settings byte (bit 0: extended operands), then the image. The project
+// file target's seeds are whole project files, saved by the project store.
 //
 // Usage: qxfb_fuzz_seeds CORPUS_ROOT   (writes CORPUS_ROOT/fuzz_<name>/seed_*)
+#include <sqlite3.h>
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +16,8 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "message/protocol_binary_var.h"
@@ -22,6 +28,7 @@
 #include "message/protocol_scan_numeric_var.h"
 #include "message/protocol_time_var.h"
 #include "platform/host/host_context.h"
+#include "project/project_file.h"
 #include "serial/protocol_config.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
@@ -235,6 +242,107 @@ void everyScanFieldKind(clsProtocolScanSrv& set) {
     place(third, lone, q);
 }
 
+// A linked operand of a Config, with the types it allows.
+StoredOperand configOperand(const std::wstring& key, int32_t type, int32_t address) {
+    StoredOperand operand;
+    operand.Key = key;
+    operand.Caption = L"Port";
+    operand.Title = L"Port";
+    operand.Description = L"Z\xe4hler \x20ac 1";
+    operand.IsNew = false;
+    operand.Type = type;
+    operand.Address = address;
+    operand.Format = 3;
+    operand.AllowedTypes = {{1, 3, true}, {1, 65, false}};
+    return operand;
+}
+
+// One net with a Config on port 2 and two links (one a constant with a
+// constant list), the family's instances, the host's tables, both settings.
+Project configProject() {
+    Project project;
+    project.Settings.ExtendedOperands = true;
+    project.Settings.AppFolder = L"/opt/rungs/bin";
+    StoredOperation config;
+    config.MethodID = 170101;
+    config.FatherInstanceNum = 1;
+    config.IsConducting = true;
+    config.BinaryOperands = {0x02, 0x00};
+    StoredOperand constant = configOperand(L"2", 34, 5);
+    constant.Mode = 2;
+    constant.HasValue = true;
+    constant.ConstantValue = 20000;
+    constant.ConstantListMode = 1;
+    constant.ConstantListOnly = true;
+    constant.ConstantList = {{1, L"COM1"}, {2, L"COM2"}};
+    config.InOperands = {constant};
+    config.OutOperands = {configOperand(L"1", 1, 10)};
+    project.Nets = {LadderNet{L"Start", {config}}};
+    project.Instances = {{170100, 1, L"Printer", {0x02, 0x00}}, {170100, 3, L"Scale", {}}};
+    project.Constants = {{5, 34, 20000}};
+    project.Links = {{1, 10, 1, 3, 1}, {34, 5, 2, 3, 1}};
+    project.NextConstantAddress = 6;
+    return project;
+}
+
+// Several nets: an empty one, a Send with a short image, an operation with no image.
+Project netsProject() {
+    Project project;
+    StoredOperation send;
+    send.MethodID = 170103;
+    send.HexFileVersion = 101;
+    send.FatherInstanceNum = 2;
+    send.BinaryOperands = {0x01, 0x00, 0x41, 0x42, 0x0D};
+    send.InOperands = {configOperand(L"in", 5, 7)};
+    StoredOperation reset;
+    reset.MethodID = 170105;
+    project.Nets = {LadderNet{L"", {}}, LadderNet{L"Send \x20ac", {send, reset}}, LadderNet{L"end", {reset}}};
+    project.Links = {{5, 7, 1, 3, 1}};
+    return project;
+}
+
+std::string readWhole(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+void writeFileSeed(const std::string& target, const std::string& name, const std::string& bytes) {
+    fs::path folder = corpusRoot / target;
+    fs::create_directories(folder);
+    std::ofstream out(folder / ("seed_" + name), std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    ++written;
+}
+
+// The file the project store saves, rewritten in pages of 512 bytes instead
+// of its own 4 KiB: a tenth of the size, mostly structure rather than free
+// space, for the fuzzer to mutate.
+std::string projectFile(const Project& project) {
+    const fs::path file = fs::temp_directory_path() / ("qxfb_fuzz_seeds_" + std::to_string(::getpid()) + ".qxfbproj");
+    fs::remove(file);
+    saveProject(file.string(), project);
+    sqlite3* db = nullptr;
+    const bool rewritten = sqlite3_open(file.c_str(), &db) == SQLITE_OK &&
+                           sqlite3_exec(db, "PRAGMA page_size = 512; VACUUM;", nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(db);
+    if (!rewritten) throw std::runtime_error("cannot rewrite " + file.string());
+    std::string bytes = readWhole(file);
+    fs::remove(file);
+    return bytes;
+}
+
+void writeProjectSeeds() {
+    const std::string target = "fuzz_project_file";
+    writeFileSeed(target, "empty_project", projectFile(Project{}));
+    const std::string config = projectFile(configProject());
+    writeFileSeed(target, "config_project", config);
+    writeFileSeed(target, "nets_project", projectFile(netsProject()));
+    writeFileSeed(target, "truncated", config.substr(0, config.size() / 2));
+    writeFileSeed(target, "text_file", "[Project]\nName=plant\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -314,6 +422,8 @@ int main(int argc, char** argv) {
         writeSeed(config, "port_" + std::to_string(port), port == 2, srv.BinaryData());
     }
     writeSeed(config, "one_byte", false, Bytes{2});
+
+    writeProjectSeeds();
 
     std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());
     return 0;

@@ -240,6 +240,12 @@ FileKind kindOf(Database& db) {
              "was written by a newer version of the program (project schema " + std::to_string(schema) +
                  "; this one reads schema " + std::to_string(project_file::SchemaVersion) + " and older)");
     if (schema < 1) damaged(db.path(), "no schema version");
+    // The reader's queries may take their values from an index rather than
+    // the table, so a damaged index would give wrong values that no type
+    // or range check sees: the whole file is checked first.
+    Statement check(db, "PRAGMA integrity_check(1)");
+    if (!check.step()) damaged(db.path(), "its integrity check gave no answer");
+    if (const std::wstring verdict = check.text(0); verdict != L"ok") damaged(db.path(), toUtf8(verdict));
     return FileKind::Project;
 }
 

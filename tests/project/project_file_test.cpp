@@ -228,6 +228,38 @@ TEST_F(ProjectFileTest, ADamagedFileGivesAnErrorAndNeverACrash) {
     EXPECT_GT(refused, 2);
 }
 
+// The page of a table or index, as the schema names it.
+int64_t rootPageOf(const fs::path& file, const std::string& name) {
+    sqlite3* db = nullptr;
+    EXPECT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+    sqlite3_stmt* query = nullptr;
+    sqlite3_prepare_v2(db, ("SELECT rootpage FROM sqlite_schema WHERE name = '" + name + "'").c_str(), -1, &query,
+                       nullptr);
+    const int64_t page = sqlite3_step(query) == SQLITE_ROW ? sqlite3_column_int64(query, 0) : 0;
+    sqlite3_finalize(query);
+    sqlite3_close(db);
+    return page;
+}
+
+TEST_F(ProjectFileTest, AnIndexThatNoLongerMatchesItsTableIsDamage) {
+    saveProject(path, sampleProject());
+    // The keys of the instances live in an index too; change the last bytes
+    // of its page, where its records are, and leave the table as it was.
+    const int64_t page = rootPageOf(file, "sqlite_autoindex_instances_1");
+    ASSERT_GT(page, 1);
+    std::string bytes = test::readFile(file);
+    const size_t pageSize = static_cast<uint8_t>(bytes[16]) * 256 + static_cast<uint8_t>(bytes[17]);
+    const size_t end = static_cast<size_t>(page) * pageSize;
+    ASSERT_LE(end, bytes.size());
+    for (size_t i = end - 3; i < end; ++i) bytes[i] = static_cast<char>(bytes[i] ^ 0x5A);
+    test::writeFile(file, bytes);
+    const RuntimeError e = test::raisedError([&] { loadProject(path); });
+    EXPECT_EQ(e.Number(), err::InvalidFileFormat);
+    EXPECT_EQ(descriptionOf(e).rfind("project file \"" + path + "\": is damaged (", 0), 0u) << descriptionOf(e);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, sampleProject()); }).Number(), err::InvalidFileFormat);
+    EXPECT_EQ(test::readFile(file), bytes);
+}
+
 TEST_F(ProjectFileTest, AValueOfTheWrongTypeIsDamageNamedByItsColumn) {
     saveProject(path, sampleProject());
     // Another program may write what STRICT would refuse once the table is remade without it.
