@@ -95,12 +95,15 @@ bool WorkbenchHost::EditOperation(const MethodPtr& operation) {
 
 void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
     if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
-    // The operation's links leave the host's table with it.
+    // The operation's links leave the host's table with it. The table is
+    // the component's: this program's own copy of the operand code would
+    // reach the table of this program's context, so it is not asked.
     for (const auto& operands : {nets_[net].Operations[index]->itfFBMethod_InOperands(),
                                  nets_[net].Operations[index]->itfFBMethod_OutOperands()})
         if (operands)
-            for (int32_t i = 1; i <= operands->Count(); ++i)
-                if (!operands->Item(i)->IsNew()) operands->Item(i)->ReleaseOperand();
+            for (const OperandPtr& operand : *operands)
+                if (operand && !operand->IsNew())
+                    context_->Operands.Release(operand->OperandType(), operand->OperandAddress());
     nets_[net].Operations.erase(nets_[net].Operations.begin() + static_cast<std::ptrdiff_t>(index));
     modified_ = true;
 }

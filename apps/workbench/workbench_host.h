@@ -3,6 +3,12 @@
 // each family's instances, and the roads the ladder IDE drives an operation
 // along (new, reopened, edited again, saved). The window shows this and
 // calls it; tests drive it the same way.
+//
+// The component carries its own copy of the host's services, and this
+// program another: an operand member that reaches them (ReleaseOperand,
+// RegisterOperand, IsRegistered, EditOperand) would, called from here, reach
+// this program's context instead of the component's. The workbench reaches
+// the host's table through Context() alone.
 #pragma once
 #include <cstdint>
 #include <map>

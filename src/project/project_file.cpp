@@ -145,7 +145,12 @@ class Database {
 public:
     Database(const std::string& path, int flags) : path_(path) {
         const int code = sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOFOLLOW, nullptr);
-        if (code != SQLITE_OK) failWithSqlite(path_, code, db_ ? sqlite3_errmsg(db_) : nullptr);
+        if (code != SQLITE_OK) {
+            // A failed open still gives a handle, which only a close frees.
+            const std::string detail = db_ ? sqlite3_errmsg(db_) : "";
+            sqlite3_close_v2(db_);
+            failWithSqlite(path_, code, detail.c_str());
+        }
         sqlite3_extended_result_codes(db_, 1);
         sqlite3_busy_timeout(db_, LockWaitMilliseconds);
     }

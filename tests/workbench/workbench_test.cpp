@@ -18,9 +18,11 @@
 
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
+#include "platform/controls/form.h"
 #include "project/project_file.h"
 #include "qt/qt_text.h"
 #include "qt_test_support.h"
+#include "serial/frm_protocol_config.h"
 #include "sets/send_set.h"
 #include "support/random_sets.h"
 #include "support/scratch_files.h"
@@ -97,6 +99,32 @@ protected:
         return !host->Nets().empty() && !host->Nets().back().Operations.empty();
     }
 
+    // The same Config made headless in the same component, by the scripted
+    // person of the library's own tests: both links, a name (another one:
+    // names of instances are unique), the third port, OK. The Config is
+    // placed in a net of its own and removed again.
+    Bytes headlessConfigImage() {
+        auto person = std::make_shared<ScriptedModalDriver>();
+        person->QueuePick(OperandChoice{1, 1, 100, 0, L"", 0});
+        person->QueuePick(OperandChoice{1, 3, 200, 0, L"", 0});
+        person->QueueDialog(
+            scriptFor<frmProtocolConfig>(std::function<void(frmProtocolConfig&)>([](frmProtocolConfig& dialog) {
+                dialog.txtInstanceName.UserType(L"Scale");
+                dialog.cbComport.UserSelect(2);
+                dialog.cmdOk.UserClick();
+            })));
+        const std::shared_ptr<ModalDriver> onScreen = host->Context().Driver;
+        host->Context().Driver = person;
+        const size_t net = host->AddNet();
+        const MethodPtr config = host->PlaceOperation(net, 170101);
+        host->Context().Driver = onScreen;
+        EXPECT_EQ(person->PendingDialogs(), 0u);
+        if (!config) return {};
+        const Bytes image = config->itfFBMethod_BinaryOperands();
+        host->RemoveOperation(net, 0);
+        return image;
+    }
+
     LoadedComponent component;
     std::unique_ptr<WorkbenchHost> host;
     std::unique_ptr<WorkbenchWindow> window;
@@ -126,8 +154,8 @@ TEST_F(WorkbenchTest, ASerialConfigPlacedWithKeysAndMouseGivesTheImageOfTheHeadl
     EXPECT_EQ(person.nameAfterBadKey, QString());
 
     const MethodPtr config = host->Nets()[0].Operations[0];
-    // The headless scripted run (qxfb demo's person, with port 3) gives 03 00.
     EXPECT_EQ(config->itfFBMethod_BinaryOperands(), (Bytes{0x03, 0x00}));
+    EXPECT_EQ(config->itfFBMethod_BinaryOperands(), headlessConfigImage());
     EXPECT_EQ(config->itfFBMethod_FatherInstanceNum(), 1);
     EXPECT_EQ(config->itfFBMethod_FatherInstanceName(), L"Printer");
     const OperandCollectionPtr out = config->itfFBMethod_OutOperands();
