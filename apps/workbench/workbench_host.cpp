@@ -1,8 +1,12 @@
 #include "workbench_host.h"
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
+
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 
@@ -33,6 +37,7 @@ OperandCollectionPtr operandsOf(const std::vector<StoredOperand>& stored) {
 
 WorkbenchHost::WorkbenchHost(LoadedComponent& component) : context_(component.Context ? component.Context() : nullptr) {
     if (!context_) throw std::runtime_error("the component gave no host context");
+    componentAppFolder_ = context_->AppFolder;
     gate_ = component.Create<itfFBGate>(L"QxFBCom2.clsGate");
     if (!gate_) throw std::runtime_error(component.Error());
     FatherCollectionPtr fathers = gate_->itfFBGate_GetFathersCollection();
@@ -58,27 +63,36 @@ HostInstances& WorkbenchHost::InstancesOf(int32_t fatherId) {
 }
 
 size_t WorkbenchHost::AddNet(const std::wstring& comment) {
-    nets_.push_back(Net{comment, {}});
+    nets_.push_back(Net{comment, {}, {}});
     modified_ = true;
     return nets_.size() - 1;
 }
 
 MethodPtr WorkbenchHost::PlaceOperation(size_t net, int32_t methodId) {
     if (net >= nets_.size()) return nullptr;
-    const FatherPtr family = Family(methodId / 100 * 100);
+    const FatherPtr family = Family(familyOf(methodId));
     if (!family) return nullptr;
     MethodPtr operation = family->itfFBFather_GetFBMethodObject(methodId);
     if (!operation) return nullptr;
-    HostInstances& instances = *instances_.at(family->itfFBFather_FatherID());
-    const std::vector<StoredInstance> before = instances.Stored();
-    operation->itfFBMethod_Init(instances_.at(family->itfFBFather_FatherID()));
-    operation->itfFBMethod_CreateDummyOperands();
-    operation->itfFBMethod_BuildOperands();
-    operation->itfFBMethod_EditOperands();
+    const std::shared_ptr<HostInstances>& instances = instances_.at(family->itfFBFather_FatherID());
+    const std::vector<StoredInstance> before = instances->Stored();
+    // A new operation that is not placed leaves nothing behind: neither the
+    // links its first edit made nor the instance a new Config added.
+    const auto drop = [&] {
+        releaseLinks(*operation);
+        if (instances->Stored() != before) instances->Restore(before);
+    };
+    try {
+        operation->itfFBMethod_Init(instances);
+        operation->itfFBMethod_CreateDummyOperands();
+        operation->itfFBMethod_BuildOperands();
+        operation->itfFBMethod_EditOperands();
+    } catch (...) {
+        drop();
+        throw;
+    }
     if (operation->itfFBMethod_IsCanceled()) {
-        // A Config cancelled on its first edit leaves the instance it added;
-        // the operation is dropped, and so is that instance.
-        if (instances.Stored().size() != before.size()) instances.Restore(before);
+        drop();
         return nullptr;
     }
     nets_[net].Operations.push_back(operation);
@@ -93,17 +107,20 @@ bool WorkbenchHost::EditOperation(const MethodPtr& operation) {
     return true;
 }
 
-void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
-    if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
-    // The operation's links leave the host's table with it. The table is
-    // the component's: this program's own copy of the operand code would
-    // reach the table of this program's context, so it is not asked.
-    for (const auto& operands : {nets_[net].Operations[index]->itfFBMethod_InOperands(),
-                                 nets_[net].Operations[index]->itfFBMethod_OutOperands()})
+// The links leave the host's table. The table is the component's: this
+// program's own copy of the operand code would reach the table of this
+// program's context, so the operands are not asked to release themselves.
+void WorkbenchHost::releaseLinks(itfFBMethod& operation) {
+    for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()})
         if (operands)
             for (const OperandPtr& operand : *operands)
                 if (operand && !operand->IsNew())
                     context_->Operands.Release(operand->OperandType(), operand->OperandAddress());
+}
+
+void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
+    if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
+    releaseLinks(*nets_[net].Operations[index]);
     nets_[net].Operations.erase(nets_[net].Operations.begin() + static_cast<std::ptrdiff_t>(index));
     modified_ = true;
 }
@@ -111,7 +128,9 @@ void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
 Project WorkbenchHost::ToProject() const {
     Project project;
     project.Settings.ExtendedOperands = context_->ExtendedOperands;
-    project.Settings.AppFolder = context_->AppFolder;
+    // The component's own folder is not pinned into the project: it moves
+    // with the component.
+    if (context_->AppFolder != componentAppFolder_) project.Settings.AppFolder = context_->AppFolder;
     for (const Net& net : nets_) {
         LadderNet stored{net.Comment, {}};
         for (const MethodPtr& operation : net.Operations) {
@@ -125,10 +144,15 @@ Project WorkbenchHost::ToProject() const {
             each.OutOperands = storedOperands(operation->itfFBMethod_OutOperands());
             stored.Operations.push_back(std::move(each));
         }
+        stored.Operations.insert(stored.Operations.end(), net.Unopened.begin(), net.Unopened.end());
         project.Nets.push_back(std::move(stored));
     }
     for (const auto& [father, instances] : instances_)
         for (StoredInstance& instance : instances->Stored()) project.Instances.push_back(std::move(instance));
+    project.Instances.insert(project.Instances.end(), foreignInstances_.begin(), foreignInstances_.end());
+    std::sort(project.Instances.begin(), project.Instances.end(), [](const StoredInstance& a, const StoredInstance& b) {
+        return std::pair(a.FatherID, a.InstanceNum) < std::pair(b.FatherID, b.InstanceNum);
+    });
     storeOperandTable(context_->Operands, project);
     return project;
 }
@@ -150,8 +174,11 @@ MethodPtr WorkbenchHost::reopen(const StoredOperation& stored) {
 
 void WorkbenchHost::Clear() {
     nets_.clear();
+    foreignInstances_.clear();
     for (auto& [father, instances] : instances_) instances->Restore({});
     context_->Operands = OperandTable{};
+    context_->ExtendedOperands = false;
+    context_->AppFolder = componentAppFolder_;
     modified_ = false;
 }
 
@@ -161,15 +188,26 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
     context_->ExtendedOperands = project.Settings.ExtendedOperands;
     if (!project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
     for (auto& [father, instances] : instances_) instances->Restore(project.Instances);
+    // Instances of a family this component does not have are kept as they are.
+    for (const StoredInstance& instance : project.Instances)
+        if (!instances_.count(instance.FatherID)) foreignInstances_.push_back(instance);
     restoreOperandTable(project, context_->Operands);
     for (const LadderNet& stored : project.Nets) {
-        Net net{stored.Comment, {}};
+        Net net{stored.Comment, {}, {}};
         for (const StoredOperation& operation : stored.Operations) {
-            if (MethodPtr reopened = reopen(operation))
-                net.Operations.push_back(std::move(reopened));
-            else
-                leftOut.push_back(L"net " + std::to_wstring(nets_.size() + 1) + L": operation " +
-                                  std::to_wstring(operation.MethodID) + L" is unknown to the component");
+            const std::wstring where =
+                L"net " + std::to_wstring(nets_.size() + 1) + L": operation " + std::to_wstring(operation.MethodID);
+            try {
+                if (MethodPtr reopened = reopen(operation)) {
+                    net.Operations.push_back(std::move(reopened));
+                    continue;
+                }
+                leftOut.push_back(where + L" is unknown to the component");
+            } catch (const RuntimeError& e) {
+                leftOut.push_back(where + L" could not be reopened: " + e.Description());
+            }
+            // Kept as stored, so that saving gives it back.
+            net.Unopened.push_back(operation);
         }
         nets_.push_back(std::move(net));
     }
@@ -246,7 +284,6 @@ std::vector<std::pair<size_t, size_t>> WorkbenchHost::MoveOperand(int32_t netId,
             operation.itfFBMethod_Execute(command);
             if (linked || operation.itfFBMethod_BinaryOperands() != before) changed.emplace_back(n, i);
         }
-    modified_ = true;
     return changed;
 }
 

@@ -23,11 +23,17 @@
 
 namespace qx {
 
+// The family of an operation: its MethodID without the method number.
+inline int32_t familyOf(int32_t methodId) { return methodId / 100 * 100; }
+
 class WorkbenchHost {
 public:
     struct Net {
         std::wstring Comment;
         std::vector<MethodPtr> Operations;
+        // Operations of the file that could not be reopened, kept as stored
+        // and saved again behind the others.
+        std::vector<StoredOperation> Unopened;
     };
 
     // Creates the gate of a loaded component and takes its families.
@@ -80,7 +86,8 @@ public:
     // GetFBMethodObject, Init, the Lets of the stored blocks, BuildOperands.
     Project ToProject() const;
     // Returns what could not be reopened (an operation of a family this
-    // component does not have), one line each; those are not kept.
+    // component does not have, or one the component refused), one line each;
+    // those are kept as stored (Net::Unopened) and saved again.
     std::vector<std::wstring> Open(const Project& project);
     void Clear();
 
@@ -91,12 +98,17 @@ public:
 
 private:
     MethodPtr reopen(const StoredOperation& stored);
+    void releaseLinks(itfFBMethod& operation);
 
     HostContext* context_;
     std::shared_ptr<itfFBGate> gate_;
     std::vector<FatherPtr> families_;
     std::map<int32_t, std::shared_ptr<HostInstances>> instances_;
     std::vector<Net> nets_;
+    std::vector<StoredInstance> foreignInstances_;
+    // The application folder the component started with; a project that
+    // does not name one keeps it.
+    std::wstring componentAppFolder_;
     bool modified_ = false;
 };
 

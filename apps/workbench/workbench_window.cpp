@@ -57,7 +57,7 @@ void addOperandRows(QTreeWidgetItem& block, const OperandCollectionPtr& operands
 QIcon blockIcon(itfFBMethod& operation, const WorkbenchHost& host) {
     for (const PicturePtr& picture : {operation.itfFBMethod_LadderImage(), operation.itfFBMethod_MenuIcon()})
         if (picture) return QIcon(toQPixmap(picture));
-    const FatherPtr family = host.Family(operation.itfFBMethod_MethodID() / 100 * 100);
+    const FatherPtr family = host.Family(familyOf(operation.itfFBMethod_MethodID()));
     return family ? QIcon(toQPixmap(family->itfFBFather_MenuIcon())) : QIcon();
 }
 
@@ -196,7 +196,12 @@ void WorkbenchWindow::buildMenus() {
             QTreeWidgetItem* item = palette_->currentItem();
             const int32_t method = item ? item->data(0, MethodIdRole).toInt() : 0;
             // The operations ask their family's help as the dialogs do.
-            showFamilyHelp(method ? method / 100 * 100 : host_.Families().front()->itfFBFather_FatherID());
+            guarded([&] {
+                if (method)
+                    showFamilyHelp(familyOf(method));
+                else if (!host_.Families().empty())
+                    showFamilyHelp(host_.Families().front()->itfFBFather_FatherID());
+            });
         });
 }
 
@@ -249,6 +254,13 @@ void WorkbenchWindow::refresh() {
             item->setData(0, MethodIdRole, operation.itfFBMethod_MethodID());
             addOperandRows(*item, operation.itfFBMethod_VisbleOutOperands());
             if (place && place->first == n && place->second == i) ladder_->setCurrentItem(item);
+        }
+        for (const StoredOperation& kept : net.Unopened) {
+            auto* item = new QTreeWidgetItem(netItem, {QStringLiteral("%1").arg(kept.MethodID), QString(),
+                                                       QStringLiteral("not reopened; kept as stored")});
+            item->setData(0, NetRole, static_cast<qulonglong>(n));
+            item->setData(0, PlaceRole, -1);
+            item->setDisabled(true);
         }
         if (place && place->first == n && !ladder_->currentItem()) ladder_->setCurrentItem(netItem);
     }
@@ -315,19 +327,48 @@ bool WorkbenchWindow::MoveCurrentOperand() {
     ask.setIntValue(address);
     if (ask.exec() != QDialog::Accepted) return false;
     const QString from = item->text(0);
-    try {
-        const auto changed = host_.MoveOperand(netId, type, address, ask.intValue());
-        refresh();
-        statusBar()->showMessage(
-            QStringLiteral("%1 moved to %2; %3 operations changed.").arg(from).arg(ask.intValue()).arg(changed.size()));
-        return true;
-    } catch (const std::invalid_argument&) {
+    if (host_.Context().Operands.IsRegistered(type, ask.intValue())) {
         showError(
             QStringLiteral("%1 cannot move to %2: that address is in use already.").arg(from).arg(ask.intValue()));
+        return false;
+    }
+    size_t changed = 0;
+    const bool moved = guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()).size(); });
+    // Refreshed also after an image refused the command halfway.
+    refresh();
+    if (moved)
+        statusBar()->showMessage(
+            QStringLiteral("%1 moved to %2; %3 operations changed.").arg(from).arg(ask.intValue()).arg(changed));
+    return moved;
+}
+
+bool WorkbenchWindow::guarded(const std::function<void()>& action) {
+    const size_t reportsBefore = host_.Context().Reports.size();
+    bool done = false;
+    try {
+        action();
+        done = true;
     } catch (const RuntimeError& e) {
         showError(toQString(e.Description()));
+    } catch (const std::exception& e) {
+        showError(QString::fromUtf8(e.what()));
     }
-    return false;
+    // What the component reported meanwhile, in its own words.
+    std::vector<ErrorReport>& reports = host_.Context().Reports;
+    if (reports.size() > reportsBefore) {
+        QStringList lines;
+        for (size_t i = reportsBefore; i < reports.size(); ++i)
+            lines << QStringLiteral("%1 (%2): %3")
+                         .arg(toQString(reports[i].Name))
+                         .arg(reports[i].Number)
+                         .arg(toQString(reports[i].Text));
+        reports.resize(reportsBefore);
+        QMessageBox box(QMessageBox::Warning, QStringLiteral("QxFBCom2 workbench"),
+                        QStringLiteral("The component reported:\n") + lines.join('\n'), QMessageBox::Ok, this);
+        box.setObjectName(QStringLiteral("ComponentReports"));
+        box.exec();
+    }
+    return done;
 }
 
 void WorkbenchWindow::updateTitle() {
@@ -346,26 +387,21 @@ std::optional<std::pair<size_t, size_t>> WorkbenchWindow::currentPlace() const {
 
 MethodPtr WorkbenchWindow::CurrentOperation() const {
     const auto place = currentPlace();
-    if (!place || place->second == SIZE_MAX) return nullptr;
+    if (!place || place->second == SIZE_MAX || place->first >= host_.Nets().size()) return nullptr;
     const auto& operations = host_.Nets()[place->first].Operations;
     return place->second < operations.size() ? operations[place->second] : nullptr;
 }
 
 bool WorkbenchWindow::PlaceOperation(int32_t methodId) {
     auto place = currentPlace();
-    const size_t net = place ? place->first : host_.AddNet();
-    try {
-        const MethodPtr placed = host_.PlaceOperation(net, methodId);
-        refresh();
-        if (!placed) return false;
-        QTreeWidgetItem* netItem = ladder_->topLevelItem(static_cast<int>(net));
-        ladder_->setCurrentItem(netItem->child(netItem->childCount() - 1));
-        return true;
-    } catch (const RuntimeError& e) {
-        refresh();
-        showError(toQString(e.Description()));
-        return false;
-    }
+    const size_t net = place && place->first < host_.Nets().size() ? place->first : host_.AddNet();
+    MethodPtr placed;
+    guarded([&] { placed = host_.PlaceOperation(net, methodId); });
+    refresh();
+    if (!placed) return false;
+    QTreeWidgetItem* netItem = ladder_->topLevelItem(static_cast<int>(net));
+    ladder_->setCurrentItem(netItem->child(static_cast<int>(host_.Nets()[net].Operations.size()) - 1));
+    return true;
 }
 
 void WorkbenchWindow::placeCurrent() {
@@ -377,27 +413,26 @@ void WorkbenchWindow::placeCurrent() {
 void WorkbenchWindow::editCurrent() {
     const MethodPtr operation = CurrentOperation();
     if (!operation) return;
-    try {
-        host_.EditOperation(operation);
-    } catch (const RuntimeError& e) {
-        showError(toQString(e.Description()));
-    }
+    guarded([&] { host_.EditOperation(operation); });
     refresh();
 }
 
 void WorkbenchWindow::deleteCurrent() {
     const auto place = currentPlace();
     if (!place || place->second == SIZE_MAX) return;
-    host_.RemoveOperation(place->first, place->second);
+    guarded([&] { host_.RemoveOperation(place->first, place->second); });
     refresh();
 }
 
 void WorkbenchWindow::chooseRuntimeVersion() {
     const MethodPtr operation = CurrentOperation();
     if (!operation) return;
-    const FatherPtr family = host_.Family(operation->itfFBMethod_MethodID() / 100 * 100);
+    const FatherPtr family = host_.Family(familyOf(operation->itfFBMethod_MethodID()));
     QStringList versions;
-    for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+    if (!family || !guarded([&] {
+            for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+        }))
+        return;
     if (versions.isEmpty()) {
         showError(QStringLiteral("The runtime folder has no version of this family."));
         return;
@@ -484,53 +519,46 @@ void WorkbenchWindow::showError(const QString& text) {
 }
 
 bool WorkbenchWindow::OpenFile(const QString& path) {
-    try {
-        const Project project = loadProject(QFile::encodeName(path).toStdString());
-        const std::vector<std::wstring> leftOut = host_.Open(project);
-        filePath_ = path;
-        refresh();
-        if (!leftOut.empty()) {
-            QStringList lines;
-            for (const std::wstring& line : leftOut) lines << toQString(line);
-            showError(QStringLiteral("Some operations could not be reopened and are not kept:\n") + lines.join('\n'));
-        }
-        return true;
-    } catch (const RuntimeError& e) {
-        showError(toQString(e.Description()));
-        return false;
+    // Read first: a file that cannot be read leaves the open project as it is.
+    Project project;
+    if (!guarded([&] { project = loadProject(QFile::encodeName(path).toStdString()); })) return false;
+    std::vector<std::wstring> leftOut;
+    const bool opened = guarded([&] { leftOut = host_.Open(project); });
+    filePath_ = opened ? path : QString();
+    refresh();
+    if (!leftOut.empty()) {
+        QStringList lines;
+        for (const std::wstring& line : leftOut) lines << toQString(line);
+        showError(QStringLiteral("Some operations could not be reopened; they are kept as they were stored and saved "
+                                 "again:\n") +
+                  lines.join('\n'));
     }
+    return opened;
 }
 
 bool WorkbenchWindow::SaveFile(const QString& path) {
-    try {
-        qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject());
-        filePath_ = path;
-        host_.MarkSaved();
-        updateTitle();
-        return true;
-    } catch (const RuntimeError& e) {
-        showError(toQString(e.Description()));
-        return false;
-    }
+    if (!guarded([&] { qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject()); })) return false;
+    filePath_ = path;
+    host_.MarkSaved();
+    updateTitle();
+    return true;
 }
 
 bool WorkbenchWindow::ExportBundle(const QString& folder) {
-    try {
-        const std::vector<BundleFile> files =
-            writeDownloadBundle(host_.ToProject(), QFile::encodeName(folder).toStdString(),
-                                runtimeFilesFrom(host_.Gate(), host_.Context()));
-        QMessageBox box(QMessageBox::Information, QStringLiteral("Export download bundle"),
-                        QStringLiteral("%1 files written to %2, listed with their sizes and SHA-256 in %3.")
-                            .arg(files.size())
-                            .arg(folder, QString::fromUtf8(BundleManifestName)),
-                        QMessageBox::Ok, this);
-        box.setObjectName(QStringLiteral("BundleWritten"));
-        box.exec();
-        return true;
-    } catch (const RuntimeError& e) {
-        showError(toQString(e.Description()));
+    std::vector<BundleFile> files;
+    if (!guarded([&] {
+            files = writeDownloadBundle(host_.ToProject(), QFile::encodeName(folder).toStdString(),
+                                        runtimeFilesFrom(host_.Gate(), host_.Context()));
+        }))
         return false;
-    }
+    QMessageBox box(QMessageBox::Information, QStringLiteral("Export download bundle"),
+                    QStringLiteral("%1 files written to %2, listed with their sizes and SHA-256 in %3.")
+                        .arg(files.size())
+                        .arg(folder, QString::fromUtf8(BundleManifestName)),
+                    QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("BundleWritten"));
+    box.exec();
+    return true;
 }
 
 void WorkbenchWindow::exportBundle() {

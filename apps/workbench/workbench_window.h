@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QString>
 #include <QTreeWidget>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -74,6 +75,10 @@ private:
     // Asks about unsaved changes; false when the person cancels.
     bool maySkipUnsaved();
     void showError(const QString& text);
+    // Runs an action of the host from a slot: an error of it is shown, never
+    // left to Qt's event loop, and what the component reported meanwhile is
+    // shown too. False when the action raised.
+    bool guarded(const std::function<void()>& action);
     // The net and place of the ladder view's current item.
     std::optional<std::pair<size_t, size_t>> currentPlace() const;
 

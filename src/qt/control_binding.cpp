@@ -20,6 +20,7 @@
 #include "platform/controls/controls.h"
 #include "platform/controls/text_box.h"
 #include "qt/colours.h"
+#include "qt/model_action.h"
 #include "qt/qt_text.h"
 
 namespace qx {
@@ -62,7 +63,7 @@ protected:
         if (event->type() == QEvent::MouseButtonRelease &&
             static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
             widget_.rect().contains(static_cast<QMouseEvent*>(event)->position().toPoint())) {
-            label_.UserClick();
+            runModelAction([this] { label_.UserClick(); });
             return true;
         }
         return ControlBinding::eventFilter(watched, event);
@@ -77,7 +78,8 @@ class ButtonBinding : public ControlBinding {
 public:
     ButtonBinding(CommandButton& button, QAbstractButton& widget)
         : ControlBinding(button, widget), button_(button), widget_(widget) {
-        QObject::connect(&widget, &QAbstractButton::clicked, this, [this] { button_.UserClick(); });
+        QObject::connect(&widget, &QAbstractButton::clicked, this,
+                         [this] { runModelAction([this] { button_.UserClick(); }); });
         start();
     }
 
@@ -115,7 +117,7 @@ public:
         widget.setTristate(true);
         // Qt has toggled its own state by now; the model decides and is shown again.
         QObject::connect(&widget, &QCheckBox::clicked, this, [this] {
-            box_.UserClick();
+            runModelAction([this] { box_.UserClick(); });
             showProperty("Value");
         });
         start();
@@ -145,7 +147,7 @@ public:
         // The model keeps the group: Qt must not switch the others itself.
         widget.setAutoExclusive(false);
         QObject::connect(&widget, &QRadioButton::clicked, this, [this] {
-            option_.UserClick();
+            runModelAction([this] { option_.UserClick(); });
             showProperty("Value");
         });
         start();
@@ -171,7 +173,7 @@ public:
     ComboBinding(ComboBox& combo, QComboBox& widget) : ControlBinding(combo, widget), combo_(combo), widget_(widget) {
         widget.setEditable(false);
         QObject::connect(&widget, &QComboBox::activated, this, [this](int index) {
-            combo_.UserSelect(index);
+            runModelAction([this, index] { combo_.UserSelect(index); });
             showProperty("ListIndex");
         });
         start();
@@ -204,8 +206,10 @@ public:
         widget.setContextMenuPolicy(Qt::NoContextMenu);
         widget.setDragEnabled(false);
         widget.setAcceptDrops(false);
-        QObject::connect(&widget, &QLineEdit::selectionChanged, this, [this] { takeSelection(); });
-        QObject::connect(&widget, &QLineEdit::cursorPositionChanged, this, [this] { takeSelection(); });
+        QObject::connect(&widget, &QLineEdit::selectionChanged, this,
+                         [this] { runModelAction([this] { takeSelection(); }); });
+        QObject::connect(&widget, &QLineEdit::cursorPositionChanged, this,
+                         [this] { runModelAction([this] { takeSelection(); }); });
         start();
     }
 
@@ -216,10 +220,11 @@ protected:
         if (is(property, "Text")) widget_.setText(toQString(box_.Text()));
         if (is(property, "Locked")) widget_.setReadOnly(box_.Locked());
         if (is(property, "Text") || is(property, "SelStart") || is(property, "SelLength")) {
+            const int start = qtPosition(box_.Text(), box_.SelStart());
             if (box_.SelLength() > 0)
-                widget_.setSelection(box_.SelStart(), box_.SelLength());
+                widget_.setSelection(start, qtPosition(box_.Text(), box_.SelStart() + box_.SelLength()) - start);
             else
-                widget_.setCursorPosition(box_.SelStart());
+                widget_.setCursorPosition(start);
         }
         if (is(property, "BackColor") || is(property, "ForeColor"))
             showColours(box_, widget_, {QPalette::Base, QPalette::Text});
@@ -230,10 +235,15 @@ protected:
             ControlBinding::eventFilter(watched, event);
             // Reached by keys or from code, the whole text is selected; a
             // click puts the caret where it was clicked.
-            if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) box_.UserSelectAll();
+            if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
+                runModelAction([this] { box_.UserSelectAll(); });
             return false;
         }
-        if (event->type() == QEvent::KeyPress) return keyPressed(*static_cast<QKeyEvent*>(event));
+        if (event->type() == QEvent::KeyPress) {
+            bool taken = true;
+            runModelAction([&] { taken = keyPressed(*static_cast<QKeyEvent*>(event)); });
+            return taken;
+        }
         return ControlBinding::eventFilter(watched, event);
     }
 
@@ -280,11 +290,13 @@ private:
 
     // Where a person put the caret or the selection with keys or the mouse.
     void takeSelection() {
+        const QString text = widget_.text();
         if (widget_.hasSelectedText()) {
-            box_.SelStart(widget_.selectionStart());
-            box_.SelLength(static_cast<int32_t>(widget_.selectedText().size()));
+            const int32_t start = modelPosition(text, widget_.selectionStart());
+            box_.SelStart(start);
+            box_.SelLength(modelPosition(text, widget_.selectionEnd()) - start);
         } else {
-            box_.SelStart(widget_.cursorPosition());
+            box_.SelStart(modelPosition(text, widget_.cursorPosition()));
         }
     }
 
@@ -346,7 +358,7 @@ void ControlBinding::showProperty(std::string_view property) {
 }
 
 bool ControlBinding::eventFilter(QObject*, QEvent* event) {
-    if (event->type() == QEvent::FocusIn) control_.SetFocus();
+    if (event->type() == QEvent::FocusIn) runModelAction([this] { control_.SetFocus(); });
     return false;
 }
 

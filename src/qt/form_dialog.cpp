@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "qt/control_binding.h"
+#include "qt/model_action.h"
 
 namespace qx {
 
@@ -15,7 +16,7 @@ FormDialog::FormDialog(Form& form, QWidget* parent) : QDialog(parent), form_(for
 void FormDialog::keyPressEvent(QKeyEvent* event) {
     // Enter and Escape are the form's keys, not Qt's default and cancel buttons.
     if (const int32_t code = keyAsciiOf(event->key(), event->text()); code != 0) {
-        form_.UserKeyPress(code);
+        runModelAction([this, code] { form_.UserKeyPress(code); });
         event->accept();
         return;
     }
@@ -25,9 +26,11 @@ void FormDialog::keyPressEvent(QKeyEvent* event) {
 void FormDialog::closeEvent(QCloseEvent* event) {
     // The control box: the form may refuse; when it ends, the driver closes the window.
     event->ignore();
-    form_.UserClose();
+    runModelAction([this] { form_.UserClose(); });
 }
 
-void FormDialog::reject() { form_.UserClose(); }
+void FormDialog::reject() {
+    runModelAction([this] { form_.UserClose(); });
+}
 
 }  // namespace qx

@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
@@ -54,8 +55,10 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
     if (current >= 0 && !operand.IsNew()) cbKind_->setCurrentIndex(current);
     spAddress_->setRange(0, 65535);
     if (!operand.IsNew() && operand.OperandAddress() >= 0) spAddress_->setValue(operand.OperandAddress());
-    spValue_->setRange(-214748.3648, 214748.3647);
-    spValue_->setDecimals(4);
+    // An image carries a constant as four bytes of a whole number;
+    // kindChanged narrows the range to the kind's.
+    spValue_->setDecimals(0);
+    spValue_->setRange(-2147483648.0, 4294967295.0);
     spValue_->setValue(static_cast<double>(operand.OperandConstantValue()) / FixedPointScale);
     txtDescription_->setText(toQString(operand.OperandDescription()));
     for (const auto& [value, text] : operand.ConstantList())
@@ -102,6 +105,13 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
 
 void OperandPicker::kindChanged() {
     const bool constant = modeOf(cbKind_->currentData().toInt()) == ConstantMode;
+    // 35 and 38 go into the image unsigned, the other constants signed.
+    const int32_t type = typeOf(cbKind_->currentData().toInt());
+    const QSignalBlocker quiet(spValue_);
+    if (type == 35 || type == 38)
+        spValue_->setRange(0, 4294967295.0);
+    else
+        spValue_->setRange(-2147483648.0, 2147483647.0);
     spAddress_->setEnabled(!constant);
     spValue_->setEnabled(constant && !listOnly_);
     cbConstantList_->setEnabled(constant);
@@ -118,6 +128,11 @@ void OperandPicker::showVector() {
 bool OperandPicker::WriteChoice(clsOperand& operand) const {
     if (cbKind_->currentIndex() < 0) return false;
     const int data = cbKind_->currentData().toInt();
+    // A constant's address is its place in the host's constant table: one
+    // that was something else before gets a place of its own.
+    if (modeOf(data) == ConstantMode &&
+        (operand.OperandMode() != ConstantMode || operand.OperandType() != typeOf(data) || operand.IsNew()))
+        operand.OperandAddress(-1);
     operand.OperandMode(modeOf(data));
     operand.OperandType(typeOf(data));
     operand.OperandDescription(fromQString(txtDescription_->text()));

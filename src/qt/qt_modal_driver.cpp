@@ -9,6 +9,7 @@
 #include "platform/controls/form.h"
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
+#include "qt/model_action.h"
 #include "qt/operand_picker.h"
 #include "qt/qt_text.h"
 
@@ -22,19 +23,33 @@ void QtModalDriver::ShowModal(Form& form) {
     {
         FormBinding binding(form, *view);
         shown_.emplace_back(&form, view.get());
-        form.Load();
-        form.Show();
-        form.Activate();
-        if (form.Visible()) {
-            // The dialog ends when its form hides, whoever hid it.
-            const int32_t token = form.Subscribe([&form, window = view.get()](std::string_view property) {
-                if (property == "Visible" && !form.Visible()) window->done(0);
-            });
-            view->exec();
-            form.Unsubscribe(token);
+        // An action that raised ends this dialog, the innermost one.
+        std::function<void()> outerAbort = setModelActionAbort([window = view.get()] { window->done(0); });
+        int32_t token = 0;
+        // However the dialog ends, even by an error of its own code, it leaves no trace here.
+        const auto cleanUp = [&] {
+            if (token) form.Unsubscribe(token);
+            setModelActionAbort(std::move(outerAbort));
+            shown_.pop_back();
+        };
+        try {
+            form.Load();
+            form.Show();
+            form.Activate();
+            if (form.Visible()) {
+                // The dialog ends when its form hides, whoever hid it.
+                token = form.Subscribe([&form, window = view.get()](std::string_view property) {
+                    if (property == "Visible" && !form.Visible()) window->done(0);
+                });
+                view->exec();
+            }
+            if (const std::exception_ptr error = takeModelActionError()) std::rethrow_exception(error);
+            if (form.Visible()) form.Hide();
+        } catch (...) {
+            cleanUp();
+            throw;
         }
-        if (form.Visible()) form.Hide();
-        shown_.pop_back();
+        cleanUp();
     }
     // The dialog below is the active one again.
     if (!shown_.empty() && shown_.back().first->Visible()) shown_.back().first->Activate();

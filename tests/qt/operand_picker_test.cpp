@@ -95,10 +95,42 @@ TEST_F(OperandPickerTest, AVectorKeepsAllItsElementsWithinTheType) {
     EXPECT_EQ(address->maximum(), 65531);
     address->setValue(100);
     EXPECT_EQ(child<QLabel>(picker, "lblVector")->text(), QStringLiteral("Takes 5 elements: 100 to 104"));
-    QTest::keyClick(address, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(address, QStringLiteral("65535"));
+    address->setValue(65535);
+    EXPECT_EQ(address->value(), 65531);
     ASSERT_TRUE(picker.WriteChoice(operand));
-    EXPECT_LE(operand.OperandAddress(), 65531);
+    EXPECT_EQ(operand.OperandAddress(), 65531);
+}
+
+TEST_F(OperandPickerTest, AMemoryOperandMadeAConstantTakesANewPlaceInTheConstantTable) {
+    operand.AddAllowedType(MemoryMode, 3, true);
+    operand.AddAllowedType(ConstantMode, 34, true);
+    operand.IsNew(false);
+    operand.OperandType(3);
+    operand.OperandAddress(200);
+    OperandPicker picker(operand);
+    auto* kind = child<QComboBox>(picker, "cbKind");
+    QTest::keyClick(kind, Qt::Key_Down);
+    ASSERT_EQ(kind->currentIndex(), 1);
+    auto* value = child<QDoubleSpinBox>(picker, "spValue");
+    QTest::keyClick(value, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(value, QStringLiteral("1000000"));
+    ASSERT_TRUE(picker.WriteChoice(operand));
+    EXPECT_EQ(operand.OperandMode(), ConstantMode);
+    EXPECT_EQ(operand.OperandAddress(), -1);
+    EXPECT_EQ(operand.OperandConstantValue(), 1000000LL * 10000);
+}
+
+TEST_F(OperandPickerTest, ConstantsTakeTheWholeNumbersOfTheirFourBytes) {
+    operand.AddAllowedType(ConstantMode, 34, true);
+    operand.AddAllowedType(ConstantMode, 35, true);
+    OperandPicker picker(operand);
+    auto* value = child<QDoubleSpinBox>(picker, "spValue");
+    EXPECT_EQ(value->decimals(), 0);
+    EXPECT_EQ(value->minimum(), -2147483648.0);
+    EXPECT_EQ(value->maximum(), 2147483647.0);
+    QTest::keyClick(child<QComboBox>(picker, "cbKind"), Qt::Key_Down);
+    EXPECT_EQ(value->minimum(), 0.0);
+    EXPECT_EQ(value->maximum(), 4294967295.0);
 }
 
 TEST_F(OperandPickerTest, NothingToChooseFromWritesNothing) {

@@ -191,6 +191,63 @@ TEST_F(WorkbenchTest, CancelOnANewOperationDropsItAndTheInstanceItAdded) {
     EXPECT_EQ(window->Ladder()->topLevelItem(0)->childCount(), 0);
 }
 
+TEST_F(WorkbenchTest, CancelAfterLinkingReleasesTheLinksOfTheDroppedOperation) {
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) {
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& second) { test::pickWithKeys(second, 3, 200); });
+        test::pickWithKeys(picker, 1, 100);
+    });
+    test::onModal(QStringLiteral("frmProtocolConfig"), [](QWidget& dialog) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170101));
+    EXPECT_TRUE(host->Nets()[0].Operations.empty());
+    EXPECT_EQ(host->Context().Operands.LinkCount(1, 100), 0);
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 200), 0);
+    EXPECT_EQ(window->Operands()->topLevelItemCount(), 0);
+    EXPECT_TRUE(host->InstancesOf(170100).Stored().empty());
+}
+
+TEST_F(WorkbenchTest, AnOperationThatCannotBeReopenedIsKeptAndSavedAgain) {
+    Project project;
+    StoredOperation config;  // a Config without its two links: BuildOperands refuses it
+    config.MethodID = 170101;
+    config.FatherInstanceNum = 1;
+    config.BinaryOperands = {0x02, 0x00};
+    StoredOperation foreign;  // of a family this component does not have
+    foreign.MethodID = 990101;
+    foreign.BinaryOperands = {1, 2, 3};
+    project.Nets = {LadderNet{L"", {config, foreign}}};
+    project.Instances = {{170100, 1, L"Printer", {}}, {990100, 4, L"Elsewhere", {9}}};
+    const QString file = QString::fromStdString((folder.path() / "old.qxfbproj").string());
+    saveProject(file.toStdString(), project);
+    QString shown;
+    test::onModal(QStringLiteral("WorkbenchError"), [&](QWidget& box) {
+        shown = static_cast<QMessageBox&>(box).text();
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    ASSERT_TRUE(window->OpenFile(file));
+    EXPECT_TRUE(shown.contains(QStringLiteral("net 1: operation 170101 could not be reopened"))) << shown.toStdString();
+    EXPECT_TRUE(shown.contains(QStringLiteral("net 1: operation 990101 is unknown to the component")));
+    ASSERT_EQ(host->Nets()[0].Unopened.size(), 2u);
+    EXPECT_EQ(window->Ladder()->topLevelItem(0)->childCount(), 2);
+    EXPECT_EQ(host->ToProject(), project);
+    ASSERT_TRUE(window->SaveFile(file));
+    EXPECT_EQ(loadProject(file.toStdString()), project);
+}
+
+TEST_F(WorkbenchTest, AProjectKeepsNoApplicationFolderOfItsOwnUnlessGivenOne) {
+    const std::wstring componentFolder = host->Context().AppFolder;
+    EXPECT_TRUE(host->ToProject().Settings.AppFolder.empty());
+    Project elsewhere;
+    elsewhere.Settings.AppFolder = L"/opt/plant/bin";
+    ASSERT_TRUE(host->Open(elsewhere).empty());
+    EXPECT_EQ(host->Context().AppFolder, L"/opt/plant/bin");
+    EXPECT_EQ(host->ToProject().Settings.AppFolder, L"/opt/plant/bin");
+    // The next project without one is back on the component's own.
+    ASSERT_TRUE(host->Open(Project{}).empty());
+    EXPECT_EQ(host->Context().AppFolder, componentFolder);
+}
+
 TEST_F(WorkbenchTest, BufferResetPicksItsConfigThroughTheHostsDialog) {
     host->InstancesOf(170100).Restore({{170100, 1, L"Printer", {}}, {170100, 2, L"Scale", {}}});
     QStringList offered;
