@@ -292,9 +292,12 @@ private:
     void takeSelection() {
         const QString text = widget_.text();
         if (widget_.hasSelectedText()) {
+            // Both ends first: setting the start shows the model's empty
+            // selection on the widget before the length comes.
             const int32_t start = modelPosition(text, widget_.selectionStart());
+            const int32_t end = modelPosition(text, widget_.selectionEnd());
             box_.SelStart(start);
-            box_.SelLength(modelPosition(text, widget_.selectionEnd()) - start);
+            box_.SelLength(end - start);
         } else {
             box_.SelStart(modelPosition(text, widget_.cursorPosition()));
         }

@@ -14,10 +14,12 @@
 #include "framework/shared_helpers.h"
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
+#include "qt/model_action.h"
 #include "qt/qt_modal_driver.h"
 #include "qt/qt_text.h"
 #include "qt_test_support.h"
 #include "serial/config_bench.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -141,6 +143,41 @@ TEST_F(QtConfigDialogTest, AnEmptyNameAtOkShowsMessage152AndTheDialogStays) {
     EXPECT_EQ(bench.context->Messages[0].Number, 152);
     EXPECT_EQ(boxes, (std::vector<QString>{QStringLiteral("QMessageBox")}));
     EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+}
+
+// The Config form with code of its own that raises: while it loads, or at
+// a key. Shown without an edit behind it, it loads and activates as nothing.
+class RaisingConfigDialog : public frmProtocolConfig {
+public:
+    bool raiseOnLoad = false;
+    void Form_Load() override {
+        if (raiseOnLoad) throw RuntimeError(5, L"test", L"Invalid procedure call");
+    }
+    void Form_Activate() override {}
+    void Form_KeyPress(int32_t& KeyAscii) override {
+        if (KeyAscii == 'x') throw RuntimeError(13, L"test", L"Type mismatch");
+    }
+};
+
+TEST_F(QtConfigDialogTest, AnErrorWhileTheDialogLoadsComesOutOfShowModalAndLeavesNoWindowBehind) {
+    QtModalDriver driver;
+    RaisingConfigDialog dialog;
+    dialog.raiseOnLoad = true;
+    EXPECT_EQ(test::raisedError([&] { driver.ShowModal(dialog); }).Number(), 5);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    // The driver has forgotten the window: a message box opens over nothing freed.
+    test::onModal(QString(), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    EXPECT_EQ(driver.AnswerMessage({1, {}, L"Done.", 0}), 1);
+}
+
+TEST_F(QtConfigDialogTest, AnErrorOfAKeyEndsTheDialogAndComesOutOfShowModal) {
+    QtModalDriver driver;
+    RaisingConfigDialog dialog;
+    dialog.KeyPreview(true);
+    test::onModal(QStringLiteral("frmProtocolConfig"), [](QWidget& window) { QTest::keyClick(&window, Qt::Key_X); });
+    EXPECT_EQ(test::raisedError([&] { driver.ShowModal(dialog); }).Number(), 13);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_FALSE(takeModelActionError());
 }
 
 }  // namespace

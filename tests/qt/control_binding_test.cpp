@@ -18,6 +18,7 @@
 #include "platform/controls/text_box.h"
 #include "platform/host/host_context.h"
 #include "qt/colours.h"
+#include "qt/model_action.h"
 
 namespace qx {
 namespace {
@@ -253,6 +254,38 @@ TEST(Colours, APictureOfTheHostBecomesAPixmapPixelForPixel) {
     EXPECT_TRUE(toQPixmap(nullptr).isNull());
     picture->Pixels.resize(5);  // shorter than its size says
     EXPECT_TRUE(toQPixmap(picture).isNull());
+}
+
+TEST_F(ControlBindingTest, AnErrorOfTheDialogsCodeIsKeptForTheDriverAndNeverReachesQt) {
+    form.button.OnClick = [] { throw RuntimeError(13, L"test", L"Type mismatch"); };
+    auto binding = ControlBinding::bind(form.button, *button);
+    int aborted = 0;
+    const auto previous = setModelActionAbort([&] { ++aborted; });
+    QTest::mouseClick(button, Qt::LeftButton);
+    setModelActionAbort(previous);
+    EXPECT_EQ(aborted, 1);
+    const std::exception_ptr error = takeModelActionError();
+    ASSERT_TRUE(error);
+    try {
+        std::rethrow_exception(error);
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.Number(), 13);
+    }
+    // Taken once.
+    EXPECT_FALSE(takeModelActionError());
+}
+
+TEST_F(ControlBindingTest, PositionsCountCharactersAlsoBeyondTheBasicPlane) {
+    auto binding = ControlBinding::bind(form.text, *text);
+    form.text.Text(L"a\U0001F600bc");
+    form.text.SelStart(2);
+    form.text.SelLength(1);
+    // In Qt the emoji takes two units: b is at 3.
+    EXPECT_EQ(text->selectionStart(), 3);
+    EXPECT_EQ(text->selectedText(), QStringLiteral("b"));
+    text->setSelection(1, 2);
+    EXPECT_EQ(form.text.SelStart(), 1);
+    EXPECT_EQ(form.text.SelLength(), 1);
 }
 
 }  // namespace
