@@ -24,8 +24,6 @@ namespace qx {
 namespace {
 
 constexpr const wchar_t* Source = L"QxFBCom2 download bundle";
-constexpr int32_t DeviceIOError = 57;
-constexpr int32_t DiskFull = 61;
 
 [[noreturn]] void failFolder(const std::string& folder, const std::string& cause) {
     throw RuntimeError(err::PathFileAccessError, Source, fromUtf8("bundle folder \"" + folder + "\" " + cause));
@@ -33,8 +31,8 @@ constexpr int32_t DiskFull = 61;
 
 [[noreturn]] void failFile(const std::string& path, int error) {
     int32_t number = err::PathFileAccessError;
-    if (error == ENOSPC || error == EDQUOT) number = DiskFull;
-    if (error == EIO) number = DeviceIOError;
+    if (error == ENOSPC || error == EDQUOT) number = err::DiskFull;
+    if (error == EIO) number = err::DeviceIOError;
     if (error == EACCES || error == EPERM || error == EROFS) number = err::PermissionDenied;
     throw RuntimeError(number, Source,
                        fromUtf8("bundle file \"" + path + "\": cannot be written (" + std::strerror(error) + ")"));
@@ -101,12 +99,31 @@ public:
             }
             done += static_cast<size_t>(n);
         }
-        if (::close(fd) != 0) {
+        // On the disk before the manifest names it.
+        if (::fsync(fd) != 0 || ::close(fd) != 0) {
             const int error = errno;
             ::unlink(path.c_str());
             failFile(path, error);
         }
         files_.push_back({relative, size, sha256Hex(data, size)});
+        return files_.back();
+    }
+
+    // The last file, whose presence says that the bundle is whole: written
+    // under another name and renamed, so that it is there whole or not at all.
+    const BundleFile& publish(const std::string& relative, const uint8_t* data, size_t size) {
+        const std::string part = relative + ".part";
+        write(part, data, size);
+        // The names of the files in the subfolders are on the disk too.
+        for (const std::string& sub : made_) syncFolder(sub);
+        const std::string from = folder_ + "/" + part, to = folder_ + "/" + relative;
+        if (::rename(from.c_str(), to.c_str()) != 0) {
+            const int error = errno;
+            ::unlink(from.c_str());
+            failFile(to, error);
+        }
+        syncFolder(folder_);
+        files_.back().Path = relative;
         return files_.back();
     }
 
@@ -117,6 +134,13 @@ public:
     std::vector<BundleFile>& files() { return files_; }
 
 private:
+    static void syncFolder(const std::string& folder) {
+        if (const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); fd >= 0) {
+            ::fsync(fd);
+            ::close(fd);
+        }
+    }
+
     std::string folder_;
     std::set<std::string> made_;
     std::vector<BundleFile> files_;
@@ -228,7 +252,7 @@ std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::s
 
     std::string manifest = "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n  \"files\": [";
     manifest += lines.empty() ? "]\n}\n" : "\n" + lines + "\n  ]\n}\n";
-    writer.write(BundleManifestName, reinterpret_cast<const uint8_t*>(manifest.data()), manifest.size());
+    writer.publish(BundleManifestName, reinterpret_cast<const uint8_t*>(manifest.data()), manifest.size());
     return std::move(writer.files());
 }
 

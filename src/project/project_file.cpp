@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -15,9 +16,6 @@
 namespace qx {
 
 namespace {
-
-constexpr int32_t DiskFull = 61;
-constexpr int32_t DeviceIOError = 57;
 
 // How long a load or save waits for another program's lock before it says so.
 constexpr int LockWaitMilliseconds = 100;
@@ -42,15 +40,25 @@ constexpr int LockWaitMilliseconds = 100;
         case SQLITE_CORRUPT:
             damaged(path, why);
         case SQLITE_READONLY:
+            if (code == SQLITE_READONLY_ROLLBACK)
+                fail(err::PermissionDenied, path,
+                     "cannot be opened: a save was cut short, and its journal cannot be applied without write access");
+            [[fallthrough]];
         case SQLITE_PERM:
         case SQLITE_AUTH:
             fail(err::PermissionDenied, path, "cannot be written (" + why + ")");
         case SQLITE_FULL:
-            fail(DiskFull, path, "cannot be written: the disk is full");
+            fail(err::DiskFull, path, "cannot be written: the disk is full");
         case SQLITE_IOERR:
-            fail(DeviceIOError, path, "cannot be read or written (" + why + ")");
+            fail(err::DeviceIOError, path, "cannot be read or written (" + why + ")");
         case SQLITE_CANTOPEN:
             fail(err::PathFileAccessError, path, "cannot be opened (" + why + ")");
+        case SQLITE_NOMEM:
+            fail(err::OutOfMemory, path, "cannot be read or written: out of memory");
+        case SQLITE_TOOBIG:
+            fail(err::Overflow, path, "cannot be written: a block is too large");
+        case SQLITE_CONSTRAINT:
+            fail(err::InvalidProcedureCall, path, "cannot be saved: the project holds a key twice (" + why + ")");
         case SQLITE_ERROR:
             // A statement of our schema that fails on a file of ours: a table
             // or column is missing or of another shape.
@@ -148,11 +156,18 @@ public:
         if (code != SQLITE_OK) {
             // A failed open still gives a handle, which only a close frees.
             const std::string detail = db_ ? sqlite3_errmsg(db_) : "";
+            const int systemError = db_ ? sqlite3_system_errno(db_) : 0;
             sqlite3_close_v2(db_);
+            if ((code & 0xFF) == SQLITE_CANTOPEN && systemError == EACCES)
+                fail(err::PermissionDenied, path_, "cannot be opened: permission denied");
             failWithSqlite(path_, code, detail.c_str());
         }
         sqlite3_extended_result_codes(db_, 1);
         sqlite3_busy_timeout(db_, LockWaitMilliseconds);
+        // The file is not trusted: no writing to the schema, no functions
+        // with side effects from it.
+        sqlite3_db_config(db_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_db_config(db_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     }
     ~Database() { sqlite3_close_v2(db_); }
     Database(const Database&) = delete;
@@ -228,6 +243,11 @@ constexpr const char* ClearSql =
     "DELETE FROM constant_lists; DELETE FROM allowed_types; DELETE FROM operands; DELETE FROM operations;"
     "DELETE FROM nets; DELETE FROM instances; DELETE FROM constants; DELETE FROM links; DELETE FROM settings;";
 
+// The tables of the schema, and nothing else may be in the file.
+constexpr const wchar_t* SchemaTables[] = {L"settings",  L"nets",          L"operations",
+                                           L"operands",  L"allowed_types", L"constant_lists",
+                                           L"instances", L"constants",     L"links"};
+
 enum class FileKind { Empty, Project };
 
 // What the database is: an empty one (a new file), or a project of a schema
@@ -245,6 +265,17 @@ FileKind kindOf(Database& db) {
              "was written by a newer version of the program (project schema " + std::to_string(schema) +
                  "; this one reads schema " + std::to_string(project_file::SchemaVersion) + " and older)");
     if (schema < 1) damaged(db.path(), "no schema version");
+    // Only the tables of the schema and their own indexes: a view or a
+    // trigger put in a table's place would run code of the file's choosing.
+    Statement objects(db, "SELECT type, name FROM sqlite_schema");
+    while (objects.step()) {
+        const std::wstring type = objects.text(0);
+        const std::wstring name = objects.text(1);
+        const bool known = (type == L"table" && std::find(std::begin(SchemaTables), std::end(SchemaTables), name) !=
+                                                    std::end(SchemaTables)) ||
+                           (type == L"index" && name.starts_with(L"sqlite_autoindex_"));
+        if (!known) damaged(db.path(), "the " + toUtf8(type) + " " + toUtf8(name) + " is not of a project");
+    }
     // The reader's queries may take their values from an index rather than
     // the table, so a damaged index would give wrong values that no type
     // or range check sees: the whole file is checked first.
@@ -255,16 +286,26 @@ FileKind kindOf(Database& db) {
 }
 
 // The file must be a regular file; missing is an error when it must exist.
+// A symbolic link is refused by name: SQLite keeps its journal beside the
+// name it opened, which for a link is not beside the file.
 bool existsAsRegularFile(const std::string& path, bool mustExist) {
     if (path.empty()) fail(err::FileNotFound, path, "no file named");
     struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
+    if (::lstat(path.c_str(), &info) != 0) {
         if (errno == ENOENT && !mustExist) return false;
         if (errno == ENOENT || errno == ENOTDIR) fail(err::FileNotFound, path, "not found");
         fail(err::PathFileAccessError, path, std::strerror(errno));
     }
+    if (S_ISLNK(info.st_mode)) fail(err::PathFileAccessError, path, "is a symbolic link; name the file it points to");
     if (!S_ISREG(info.st_mode)) fail(err::PathFileAccessError, path, "is not a regular file");
     return true;
+}
+
+// The identity of the file at path now, to remove only the file a save made.
+std::pair<dev_t, ino_t> identityOf(const std::string& path) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) return {0, 0};
+    return {info.st_dev, info.st_ino};
 }
 
 StoredOperand readOperand(Statement& row) {
@@ -380,6 +421,11 @@ Project readProject(Database& db) {
         Statement constants(db, "SELECT address, type, value FROM constants ORDER BY address");
         while (constants.step())
             project.Constants.push_back({constants.i32(0), constants.i32(1), constants.integer(2, -anyId - 1, anyId)});
+        // New constants take addresses from NextConstantAddress on: one at or
+        // below a constant of the table would overwrite it.
+        for (const StoredConstant& constant : project.Constants)
+            if (constant.Address >= project.NextConstantAddress)
+                damaged(db.path(), "the next constant address is in use");
         Statement links(db, "SELECT type, address, mode, format, count FROM links ORDER BY type, address");
         while (links.step())
             project.Links.push_back({links.i32(0), links.i32(1), links.i32(2), links.i32(3), links.i32(4)});
@@ -462,7 +508,9 @@ void writeProject(Database& db, const Project& project) {
 
 Project loadProject(const std::string& path) {
     existsAsRegularFile(path, true);
-    Database db(path, SQLITE_OPEN_READONLY);
+    // Opened for writing, so that the journal of a save that was cut short
+    // is applied; a file no one may write opens read-only all the same.
+    Database db(path, SQLITE_OPEN_READWRITE);
     // One read transaction: the whole project as one moment of the file.
     db.exec("BEGIN");
     if (kindOf(db) != FileKind::Project) fail(err::InvalidFileFormat, path, "is empty, not a project file");
@@ -473,8 +521,10 @@ Project loadProject(const std::string& path) {
 
 void saveProject(const std::string& path, const Project& project) {
     const bool existed = existsAsRegularFile(path, false);
+    std::pair<dev_t, ino_t> made{0, 0};
     try {
         Database db(path, SQLITE_OPEN_READWRITE | (existed ? 0 : SQLITE_OPEN_CREATE));
+        if (!existed) made = identityOf(path);
         // The write lock first, then the look at what the file is: nobody
         // can change it in between.
         db.exec("BEGIN IMMEDIATE");
@@ -493,8 +543,12 @@ void saveProject(const std::string& path, const Project& project) {
             throw;
         }
     } catch (...) {
-        // A file this save made and could not fill is not left behind.
-        if (!existed) ::unlink(path.c_str());
+        // A file this save made and could not fill is not left behind, nor
+        // its journal; a file someone else put there meanwhile stays.
+        if (!existed && made.second != 0 && identityOf(path) == made) {
+            ::unlink(path.c_str());
+            ::unlink((path + "-journal").c_str());
+        }
         throw;
     }
 }

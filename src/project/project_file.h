@@ -21,6 +21,9 @@ inline constexpr int32_t SchemaVersion = 1;
 
 // The error numbers of the project file, the host runtime's classic ones.
 namespace err {
+inline constexpr int32_t OutOfMemory = 7;
+inline constexpr int32_t DeviceIOError = 57;
+inline constexpr int32_t DiskFull = 61;
 inline constexpr int32_t PermissionDenied = 70;
 inline constexpr int32_t PathFileAccessError = 75;
 inline constexpr int32_t InvalidFileFormat = 321;

@@ -216,7 +216,13 @@ TEST_F(ProjectFileTest, ADamagedFileGivesAnErrorAndNeverACrash) {
     for (const std::string& bytes : damaged) {
         test::writeFile(file, bytes);
         try {
-            loadProject(path);
+            // What still loads must be a project this program can save and
+            // read back as it was.
+            const Project loaded = loadProject(path);
+            const std::string copy = (folder.path() / "copy.qxfbproj").string();
+            fs::remove(copy);
+            saveProject(copy, loaded);
+            EXPECT_EQ(loadProject(copy), loaded);
         } catch (const RuntimeError& e) {
             ++refused;
             EXPECT_TRUE(e.Number() == err::InvalidFileFormat || e.Number() == 57) << descriptionOf(e);
@@ -239,6 +245,42 @@ int64_t rootPageOf(const fs::path& file, const std::string& name) {
     sqlite3_finalize(query);
     sqlite3_close(db);
     return page;
+}
+
+TEST_F(ProjectFileTest, ASymbolicLinkIsRefusedByName) {
+    saveProject(path, sampleProject());
+    const fs::path link = folder.path() / "link.qxfbproj";
+    fs::create_symlink(file, link);
+    const RuntimeError e = test::raisedError([&] { loadProject(link.string()); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_EQ(descriptionOf(e),
+              "project file \"" + link.string() + "\": is a symbolic link; name the file it points to");
+    EXPECT_EQ(test::raisedError([&] { saveProject(link.string(), Project{}); }).Number(), err::PathFileAccessError);
+    EXPECT_EQ(loadProject(path), sampleProject());
+}
+
+TEST_F(ProjectFileTest, AViewOrATriggerInTheFileIsDamageAndRunsNothing) {
+    saveProject(path, sampleProject());
+    runSql(file,
+           "DROP TABLE links;"
+           "CREATE VIEW links AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
+           " SELECT i AS type, i AS address, 1 AS mode, 3 AS format, 1 AS count FROM n;");
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+              "project file \"" + path + "\": is damaged (the view links is not of a project)");
+    const std::string other = (folder.path() / "other.qxfbproj").string();
+    saveProject(other, sampleProject());
+    runSql(other, "CREATE TRIGGER hidden AFTER INSERT ON nets BEGIN DELETE FROM operations; END;");
+    const std::string before = test::readFile(other);
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { saveProject(other, sampleProject()); })),
+              "project file \"" + other + "\": is damaged (the trigger hidden is not of a project)");
+    EXPECT_EQ(test::readFile(other), before);
+}
+
+TEST_F(ProjectFileTest, ANextConstantAddressInUseIsDamage) {
+    saveProject(path, sampleProject());
+    runSql(file, "UPDATE settings SET value = 5 WHERE name = 'NextConstantAddress';");
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+              "project file \"" + path + "\": is damaged (the next constant address is in use)");
 }
 
 TEST_F(ProjectFileTest, AnIndexThatNoLongerMatchesItsTableIsDamage) {
