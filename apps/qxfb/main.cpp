@@ -325,8 +325,6 @@ int projectInfo(const std::string& file) {
         std::cerr << "qxfb: " << u8(e.Description()) << "\n";
         return 1;
     }
-    // Links take their mode and format from the host's table, as in the IDE.
-    restoreOperandTable(project, host().Operands);
     std::cout << "Project: " << file << "\n";
     std::cout << "ExtendedOperands: " << (project.Settings.ExtendedOperands ? "on" : "off") << "\n";
     std::cout << "AppFolder: "

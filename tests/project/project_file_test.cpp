@@ -9,6 +9,7 @@
 
 #include "platform/basics/ansi.h"
 #include "support/scratch_files.h"
+#include "support/sqlite_files.h"
 #include "support/test_helpers.h"
 
 namespace qx {
@@ -69,17 +70,7 @@ Project sampleProject() {
     return project;
 }
 
-// Runs SQL on a file directly, as another program would.
-void runSql(const fs::path& file, const std::string& sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-    char* message = nullptr;
-    const int code = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &message);
-    const std::string text = message ? message : "";
-    sqlite3_free(message);
-    sqlite3_close(db);
-    ASSERT_EQ(code, SQLITE_OK) << text;
-}
+using test::runSql;
 
 std::string descriptionOf(const RuntimeError& e) { return toUtf8(e.Description()); }
 

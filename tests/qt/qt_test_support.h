@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QPointer>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QString>
@@ -14,13 +15,27 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
+#include <vector>
 
 namespace qx::test {
+
+// The waits of onModal still pending; qt_test_main ends them when a test
+// ends, so that none fires later into a test whose locals are gone.
+inline std::vector<QPointer<QTimer>>& pendingModalWaits() {
+    static std::vector<QPointer<QTimer>> waits;
+    return waits;
+}
+
+inline void dropPendingModalWaits() {
+    for (const QPointer<QTimer>& wait : pendingModalWaits()) delete wait.data();
+    pendingModalWaits().clear();
+}
 
 // Runs the action on the modal window of that object name as soon as it is
 // the active modal window; the nested event loop of its exec() runs it.
 inline void onModal(const QString& name, std::function<void(QWidget&)> action) {
     auto* timer = new QTimer;
+    pendingModalWaits().emplace_back(timer);
     timer->setInterval(5);
     QObject::connect(timer, &QTimer::timeout, [timer, name, action = std::move(action)] {
         QWidget* window = QApplication::activeModalWidget();

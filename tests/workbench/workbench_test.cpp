@@ -26,6 +26,7 @@
 #include "sets/send_set.h"
 #include "support/random_sets.h"
 #include "support/scratch_files.h"
+#include "support/sqlite_files.h"
 #include "workbench_window.h"
 
 namespace qx {
@@ -410,13 +411,7 @@ TEST_F(WorkbenchTest, AnOperandCannotMoveOntoAnAddressInUse) {
     EXPECT_EQ(host->Context().Operands.LinkCount(3, 20), 1);
 }
 
-// Runs SQL on a file as another program would.
-void runSql(const std::filesystem::path& file, const char* sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
-}
+using test::runSql;
 
 TEST_F(WorkbenchTest, EveryBadFileShowsItsErrorAndChangesNothing) {
     const std::filesystem::path file = folder.path() / "plant.qxfbproj";
