@@ -328,6 +328,45 @@ TEST_F(ProjectFileTest, ANewFileThatCannotBeMadeLeavesNothingBehind) {
     EXPECT_FALSE(fs::exists(inMissingFolder));
 }
 
+TEST_F(ProjectFileTest, ANewFileWhoseSaveFailsHalfwayIsRemovedWithItsJournal) {
+    Project twice = sampleProject();
+    twice.Instances.push_back(twice.Instances.front());
+    const RuntimeError e = test::raisedError([&] { saveProject(path, twice); });
+    EXPECT_EQ(e.Number(), err::InvalidProcedureCall);
+    EXPECT_EQ(
+        descriptionOf(e).rfind("project file \"" + path + "\": cannot be saved: the project holds a key twice", 0), 0u)
+        << descriptionOf(e);
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_FALSE(fs::exists(path + "-journal"));
+    // Over an existing project the same failure leaves the project as it was.
+    saveProject(path, sampleProject());
+    const std::string before = test::readFile(file);
+    EXPECT_EQ(test::raisedError([&] { saveProject(path, twice); }).Number(), err::InvalidProcedureCall);
+    EXPECT_EQ(test::readFile(file), before);
+}
+
+TEST_F(ProjectFileTest, ASaveCutShortLoadsAsTheProjectBeforeIt) {
+    saveProject(path, sampleProject());
+    // A save caught in the middle: the file with pages already written and
+    // the journal of the pages it replaced, as a crash would leave them.
+    sqlite3* saving = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &saving), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(saving,
+                           "PRAGMA cache_size = 1; BEGIN IMMEDIATE; DELETE FROM operands; DELETE FROM nets;"
+                           "UPDATE operations SET binary_operands = zeroblob(200000);",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    const fs::path cut = folder.path() / "cut.qxfbproj";
+    fs::copy_file(file, cut);
+    ASSERT_TRUE(fs::exists(path + "-journal"));
+    fs::copy_file(path + "-journal", cut.string() + "-journal");
+    sqlite3_exec(saving, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(saving);
+    EXPECT_NE(test::readFile(cut), test::readFile(file));
+    EXPECT_EQ(loadProject(cut.string()), sampleProject());
+    EXPECT_FALSE(fs::exists(cut.string() + "-journal"));
+}
+
 TEST_F(ProjectFileTest, APathThatIsNotUtf8IsUsedAsItsBytes) {
     const std::string latin1 = (folder.path() /
                                 "Anlage M\xFC"
