@@ -9,6 +9,7 @@
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "support/random_sets.h"
+#include "support/stored_link.h"
 
 namespace qx::bench {
 
@@ -40,15 +41,7 @@ std::vector<Bytes> images(uint32_t seed, Fill fill) {
 }
 
 StoredOperand link(const std::wstring& key, const std::wstring& caption, int32_t type, int32_t address) {
-    StoredOperand operand;
-    operand.Key = key;
-    operand.Caption = caption;
-    operand.Title = caption;
-    operand.Description = caption + L" " + std::to_wstring(address);
-    operand.IsNew = false;
-    operand.Type = type;
-    operand.Address = address;
-    operand.Format = 3;
+    StoredOperand operand = test::storedLink(key, caption, type, address, caption + L" " + std::to_wstring(address));
     operand.AllowedTypes = {{1, type, true}};
     return operand;
 }

@@ -33,6 +33,7 @@
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "support/random_sets.h"
+#include "support/stored_link.h"
 
 namespace {
 
@@ -244,15 +245,7 @@ void everyScanFieldKind(clsProtocolScanSrv& set) {
 
 // A linked operand of a Config, with the types it allows.
 StoredOperand configOperand(const std::wstring& key, int32_t type, int32_t address) {
-    StoredOperand operand;
-    operand.Key = key;
-    operand.Caption = L"Port";
-    operand.Title = L"Port";
-    operand.Description = L"Z\xe4hler \x20ac 1";
-    operand.IsNew = false;
-    operand.Type = type;
-    operand.Address = address;
-    operand.Format = 3;
+    StoredOperand operand = test::storedLink(key, L"Port", type, address, L"Z\xe4hler \x20ac 1");
     operand.AllowedTypes = {{1, 3, true}, {1, 65, false}};
     return operand;
 }

@@ -15,6 +15,7 @@
 #include "project/project_file.h"
 #include "project/sha256.h"
 #include "support/scratch_files.h"
+#include "support/stored_link.h"
 
 namespace qx {
 namespace {
@@ -30,18 +31,7 @@ std::string sha256Of(const std::string& bytes) {
     return sha256Hex(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 
-StoredOperand link(const std::wstring& key, const std::wstring& caption, int32_t type, int32_t address,
-                   const std::wstring& description) {
-    StoredOperand operand;
-    operand.Key = key;
-    operand.Caption = caption;
-    operand.Description = description;
-    operand.IsNew = false;
-    operand.Type = type;
-    operand.Address = address;
-    operand.Format = 3;
-    return operand;
-}
+using test::storedLink;
 
 // A serial Config with both status operands linked, a Send with a constant
 // and an operand not linked yet, a net with nothing in it, two instances.
@@ -52,14 +42,14 @@ Project sampleProject() {
     config.MethodID = 170101;
     config.FatherInstanceNum = 1;
     config.BinaryOperands = {0x02, 0x00};
-    config.OutOperands = {link(L"1", L"Function in progress", 1, 10, L"Protocol busy"),
-                          link(L"2", L"Status", 3, 20, L"Protocol status")};
+    config.OutOperands = {storedLink(L"1", L"Function in progress", 1, 10, L"Protocol busy"),
+                          storedLink(L"2", L"Status", 3, 20, L"Protocol status")};
     StoredOperation send;
     send.MethodID = 170103;
     send.FatherInstanceNum = 1;
     send.IsConducting = true;
     send.BinaryOperands = {0x01, 0x02, 0x03, 0x04, 0x05};
-    StoredOperand message = link(L"1", L"Message", 34, 5, L"Message number");
+    StoredOperand message = storedLink(L"1", L"Message", 34, 5, L"Message number");
     message.Mode = 2;
     message.HasValue = true;
     message.ConstantValue = 70000;

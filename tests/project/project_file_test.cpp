@@ -10,6 +10,7 @@
 #include "platform/basics/ansi.h"
 #include "support/scratch_files.h"
 #include "support/sqlite_files.h"
+#include "support/stored_link.h"
 #include "support/test_helpers.h"
 
 namespace qx {
@@ -17,16 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A link of the sample, with the types it allows.
 StoredOperand linkedOperand(const std::wstring& key, int32_t type, int32_t address) {
-    StoredOperand operand;
-    operand.Key = key;
-    operand.Caption = L"Status";
-    operand.Title = L"Status";
-    operand.Description = L"Zähler € 1";
-    operand.IsNew = false;
-    operand.Type = type;
-    operand.Address = address;
-    operand.Format = 3;
+    StoredOperand operand = test::storedLink(key, L"Status", type, address, L"Zähler € 1");
     operand.AllowedTypes = {{1, 3, true}, {1, 65, false}};
     return operand;
 }
