@@ -317,14 +317,20 @@ void printStoredOperands(const char* name, const std::vector<StoredOperand>& ope
     }
 }
 
-int projectInfo(const std::string& file) {
-    Project project;
+// Reads the project file; false (the cause printed) when it cannot.
+bool loadProjectFile(const std::string& file, Project& project) {
     try {
         project = loadProject(file);
+        return true;
     } catch (const RuntimeError& e) {
         std::cerr << "qxfb: " << u8(e.Description()) << "\n";
-        return 1;
+        return false;
     }
+}
+
+int projectInfo(const std::string& file) {
+    Project project;
+    if (!loadProjectFile(file, project)) return 1;
     std::cout << "Project: " << file << "\n";
     std::cout << "ExtendedOperands: " << (project.Settings.ExtendedOperands ? "on" : "off") << "\n";
     std::cout << "AppFolder: "
@@ -356,12 +362,7 @@ int projectInfo(const std::string& file) {
 
 int projectBundle(const Options& options, const std::string& file, const std::string& folder) {
     Project project;
-    try {
-        project = loadProject(file);
-    } catch (const RuntimeError& e) {
-        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
-        return 1;
-    }
+    if (!loadProjectFile(file, project)) return 1;
     LoadedComponent component;
     HostContext* context = loadWithContext(component, options);
     if (!context) return 1;
