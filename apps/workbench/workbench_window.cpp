@@ -233,6 +233,7 @@ void WorkbenchWindow::refresh() {
         QString title = QStringLiteral("Net %1").arg(n + 1);
         if (!net.Comment.empty()) title += QStringLiteral(": ") + toQString(net.Comment);
         auto* netItem = new QTreeWidgetItem(ladder_, {title});
+        netItem->setFirstColumnSpanned(true);
         netItem->setData(0, NetRole, static_cast<qulonglong>(n));
         netItem->setData(0, PlaceRole, -1);
         for (size_t i = 0; i < net.Operations.size(); ++i) {
@@ -278,6 +279,7 @@ void WorkbenchWindow::refreshInstances() {
         const FatherPtr family = host_.Family(father);
         auto* familyItem = new QTreeWidgetItem(
             instances_, {family ? toQString(family->itfFBFather_Title()) : QString::number(father)});
+        familyItem->setFirstColumnSpanned(true);
         for (const StoredInstance& instance : instances->Stored())
             new QTreeWidgetItem(familyItem, {QString::number(instance.InstanceNum), toQString(instance.Name),
                                              QStringLiteral("%1 bytes").arg(instance.Data.size())});
