@@ -6,7 +6,9 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "platform/host/host_services.h"
 
 namespace qx {
 
@@ -56,11 +58,7 @@ FatherPtr WorkbenchHost::Family(int32_t fatherId) const {
     return nullptr;
 }
 
-HostInstances& WorkbenchHost::InstancesOf(int32_t fatherId) {
-    std::shared_ptr<HostInstances>& instances = instances_[fatherId];
-    if (!instances) instances = std::make_shared<HostInstances>(fatherId);
-    return *instances;
-}
+HostInstances& WorkbenchHost::InstancesOf(int32_t fatherId) { return *instances_.at(fatherId); }
 
 size_t WorkbenchHost::AddNet(const std::wstring& comment) {
     nets_.push_back(Net{comment, {}, {}});
@@ -256,7 +254,10 @@ std::vector<std::pair<size_t, size_t>> WorkbenchHost::MoveOperand(int32_t netId,
                                                                   int32_t newAddress) {
     OperandTable& table = context_->Operands;
     if (newAddress == address) return {};
-    if (table.IsRegistered(type, newAddress)) throw std::invalid_argument("the new address is in use already");
+    if (table.IsRegistered(type, newAddress))
+        throw std::invalid_argument(toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(address) +
+                                    " cannot move to " + std::to_string(newAddress) +
+                                    ": that address is in use already.");
     if (const OperandTable::Entry* entry = table.Find(type, address)) {
         const OperandTable::Entry moved = *entry;
         for (int32_t i = 0; i < moved.Count; ++i) table.Release(type, address);

@@ -46,6 +46,7 @@ public:
     itfFBGate& Gate() { return *gate_; }
     const std::vector<FatherPtr>& Families() const { return families_; }
     FatherPtr Family(int32_t fatherId) const;
+    // The instances of one of the gate's families (std::out_of_range for another).
     HostInstances& InstancesOf(int32_t fatherId);
     const std::map<int32_t, std::shared_ptr<HostInstances>>& AllInstances() const { return instances_; }
 

@@ -52,13 +52,25 @@ void addOperandRows(QTreeWidgetItem& block, const OperandCollectionPtr& operands
     }
 }
 
-// The block's ladder image; the component gives none for some operations,
+// The first picture the component gives: it has none for some operations,
 // which then show their menu icon, or their family's.
-QIcon blockIcon(itfFBMethod& operation, const WorkbenchHost& host) {
-    for (const PicturePtr& picture : {operation.itfFBMethod_LadderImage(), operation.itfFBMethod_MenuIcon()})
+QIcon iconOf(std::initializer_list<PicturePtr> pictures) {
+    for (const PicturePtr& picture : pictures)
         if (picture) return QIcon(toQPixmap(picture));
+    return QIcon();
+}
+
+QIcon blockIcon(itfFBMethod& operation, const WorkbenchHost& host) {
     const FatherPtr family = host.Family(familyOf(operation.itfFBMethod_MethodID()));
-    return family ? QIcon(toQPixmap(family->itfFBFather_MenuIcon())) : QIcon();
+    return iconOf({operation.itfFBMethod_LadderImage(), operation.itfFBMethod_MenuIcon(),
+                   family ? family->itfFBFather_MenuIcon() : nullptr});
+}
+
+// The runtime versions of a family found in the runtime folder.
+QStringList versionsOf(itfFBFather& family) {
+    QStringList versions;
+    for (int32_t version : family.itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+    return versions;
 }
 
 QTreeWidget* newTree(const QString& name, const QStringList& headers, QWidget* parent) {
@@ -208,16 +220,13 @@ void WorkbenchWindow::buildMenus() {
 void WorkbenchWindow::fillPalette() {
     for (const FatherPtr& family : host_.Families()) {
         auto* familyItem = new QTreeWidgetItem(palette_, {toQString(family->itfFBFather_Title())});
-        const QIcon familyIcon(toQPixmap(family->itfFBFather_MenuIcon()));
-        familyItem->setIcon(0, familyIcon);
+        familyItem->setIcon(0, iconOf({family->itfFBFather_MenuIcon()}));
         familyItem->setToolTip(0, toQString(family->itfFBFather_Description()));
         const MethodCollectionPtr methods = family->itfFBFather_GetFBmethodsCollection();
         for (int32_t i = 1; i <= methods->Count(); ++i) {
             const MethodPtr& method = methods->Item(i);
             auto* item = new QTreeWidgetItem(familyItem, {toQString(method->itfFBMethod_MethodName())});
-            // Operations without an icon of their own show their family's.
-            const QPixmap icon = toQPixmap(method->itfFBMethod_MenuIcon());
-            item->setIcon(0, icon.isNull() ? familyIcon : QIcon(icon));
+            item->setIcon(0, iconOf({method->itfFBMethod_MenuIcon(), family->itfFBFather_MenuIcon()}));
             item->setToolTip(0, toQString(method->itfFBMethod_Description()));
             item->setData(0, MethodIdRole, method->itfFBMethod_MethodID());
         }
@@ -329,11 +338,6 @@ bool WorkbenchWindow::MoveCurrentOperand() {
     ask.setIntValue(address);
     if (ask.exec() != QDialog::Accepted) return false;
     const QString from = item->text(0);
-    if (host_.Context().Operands.IsRegistered(type, ask.intValue())) {
-        showError(
-            QStringLiteral("%1 cannot move to %2: that address is in use already.").arg(from).arg(ask.intValue()));
-        return false;
-    }
     size_t changed = 0;
     const bool moved = guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()).size(); });
     // Refreshed also after an image refused the command halfway.
@@ -365,10 +369,8 @@ bool WorkbenchWindow::guarded(const std::function<void()>& action) {
                          .arg(reports[i].Number)
                          .arg(toQString(reports[i].Text));
         reports.resize(reportsBefore);
-        QMessageBox box(QMessageBox::Warning, QStringLiteral("QxFBCom2 workbench"),
-                        QStringLiteral("The component reported:\n") + lines.join('\n'), QMessageBox::Ok, this);
-        box.setObjectName(QStringLiteral("ComponentReports"));
-        box.exec();
+        showBox(QStringLiteral("ComponentReports"), QMessageBox::Warning, QStringLiteral("QxFBCom2 workbench"),
+                QStringLiteral("The component reported:\n") + lines.join('\n'));
     }
     return done;
 }
@@ -431,10 +433,7 @@ void WorkbenchWindow::chooseRuntimeVersion() {
     if (!operation) return;
     const FatherPtr family = host_.Family(familyOf(operation->itfFBMethod_MethodID()));
     QStringList versions;
-    if (!family || !guarded([&] {
-            for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
-        }))
-        return;
+    if (!family || !guarded([&] { versions = versionsOf(*family); })) return;
     if (versions.isEmpty()) {
         showError(QStringLiteral("The runtime folder has no version of this family."));
         return;
@@ -471,15 +470,11 @@ void WorkbenchWindow::showFamilyHelp(int32_t fatherId) {
         text += QStringLiteral("<li><b>%1</b>: %2</li>")
                     .arg(toQString(methods->Item(i)->itfFBMethod_MethodName()).toHtmlEscaped(),
                          toQString(methods->Item(i)->itfFBMethod_Description()).toHtmlEscaped());
-    QStringList versions;
-    for (int32_t version : family->itfFBFather_HexFileVersionsList()) versions << QString::number(version);
+    const QStringList versions = versionsOf(*family);
     text += QStringLiteral("</ul><p>Runtime versions in %1: %2</p>")
                 .arg(toQString(host_.Context().RuntimeFolder()).toHtmlEscaped(),
                      versions.isEmpty() ? QStringLiteral("none") : versions.join(QStringLiteral(", ")));
-    QMessageBox box(QMessageBox::Information, QStringLiteral("Help"), text, QMessageBox::Ok, this);
-    box.setObjectName(QStringLiteral("FamilyHelp"));
-    box.setTextFormat(Qt::RichText);
-    box.exec();
+    showBox(QStringLiteral("FamilyHelp"), QMessageBox::Information, QStringLiteral("Help"), text);
 }
 
 std::optional<int32_t> WorkbenchWindow::chooseInstance(int32_t fatherId, const std::vector<FBInstanceRecord>& records,
@@ -515,9 +510,15 @@ std::optional<int32_t> WorkbenchWindow::chooseInstance(int32_t fatherId, const s
 }
 
 void WorkbenchWindow::showError(const QString& text) {
-    QMessageBox box(QMessageBox::Critical, QStringLiteral("QxFBCom2 workbench"), text, QMessageBox::Ok, this);
-    box.setObjectName(QStringLiteral("WorkbenchError"));
-    box.exec();
+    showBox(QStringLiteral("WorkbenchError"), QMessageBox::Critical, QStringLiteral("QxFBCom2 workbench"), text);
+}
+
+// A message box of the workbench; its name lets tests find it.
+int WorkbenchWindow::showBox(const QString& name, QMessageBox::Icon icon, const QString& title, const QString& text,
+                             QMessageBox::StandardButtons buttons) {
+    QMessageBox box(icon, title, text, buttons, this);
+    box.setObjectName(name);
+    return box.exec();
 }
 
 bool WorkbenchWindow::OpenFile(const QString& path) {
@@ -553,13 +554,10 @@ bool WorkbenchWindow::ExportBundle(const QString& folder) {
                                         runtimeFilesFrom(host_.Gate(), host_.Context()));
         }))
         return false;
-    QMessageBox box(QMessageBox::Information, QStringLiteral("Export download bundle"),
-                    QStringLiteral("%1 files written to %2, listed with their sizes and SHA-256 in %3.")
-                        .arg(files.size())
-                        .arg(folder, QString::fromUtf8(BundleManifestName)),
-                    QMessageBox::Ok, this);
-    box.setObjectName(QStringLiteral("BundleWritten"));
-    box.exec();
+    showBox(QStringLiteral("BundleWritten"), QMessageBox::Information, QStringLiteral("Export download bundle"),
+            QStringLiteral("%1 files written to %2, listed with their sizes and SHA-256 in %3.")
+                .arg(files.size())
+                .arg(folder, QString::fromUtf8(BundleManifestName)));
     return true;
 }
 
@@ -571,11 +569,9 @@ void WorkbenchWindow::exportBundle() {
 
 bool WorkbenchWindow::maySkipUnsaved() {
     if (!host_.Modified()) return true;
-    QMessageBox box(QMessageBox::Question, QStringLiteral("QxFBCom2 workbench"),
+    switch (showBox(QStringLiteral("UnsavedChanges"), QMessageBox::Question, QStringLiteral("QxFBCom2 workbench"),
                     QStringLiteral("The project has changes that are not saved. Save them?"),
-                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-    box.setObjectName(QStringLiteral("UnsavedChanges"));
-    switch (box.exec()) {
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel)) {
         case QMessageBox::Save:
             return saveProject();
         case QMessageBox::Discard:

@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QIcon>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QString>
 #include <QTreeWidget>
 #include <functional>
@@ -75,6 +76,8 @@ private:
     // Asks about unsaved changes; false when the person cancels.
     bool maySkipUnsaved();
     void showError(const QString& text);
+    int showBox(const QString& name, QMessageBox::Icon icon, const QString& title, const QString& text,
+                QMessageBox::StandardButtons buttons = QMessageBox::Ok);
     // Runs an action of the host from a slot: an error of it is shown, never
     // left to Qt's event loop, and what the component reported meanwhile is
     // shown too. False when the action raised.

@@ -27,15 +27,13 @@ void report(const std::wstring& name, int64_t number, const std::wstring& text, 
 }
 
 // The file is there but cannot be read.
-[[noreturn]] void raiseFileAccessError() { throw RuntimeError(75, kComponentName, L"Path/File access error"); }
+[[noreturn]] void raiseFileAccessError() {
+    throw RuntimeError(err::PathFileAccessError, kComponentName, L"Path/File access error");
+}
 
 std::string fileSystemPath(const std::wstring& path) { return toUtf8(path); }
 
 std::wstring iniFileName(int32_t FatherID) { return RuntimeFolder() + std::to_wstring(FatherID) + L".ini"; }
-
-std::wstring runtimeFileName(int32_t FatherID, int32_t Version, const wchar_t* extension) {
-    return RuntimeFolder() + std::to_wstring(FatherID) + L"V" + std::to_wstring(Version) + extension;
-}
 
 // Blanks only, at both ends; other white space stays.
 std::string trimBlanks(const std::string& text) {
@@ -82,6 +80,10 @@ std::vector<std::wstring> splitText(const std::wstring& text, wchar_t separator)
 
 std::wstring RuntimeFolder() { return clsAppPaths().AppPath() + L"/../FB_Lib/RT/"; }
 
+std::wstring runtimeFileName(int32_t FatherID, int32_t Version, const std::wstring& extension) {
+    return std::to_wstring(FatherID) + L"V" + std::to_wstring(Version) + extension;
+}
+
 std::wstring ReadFromIni(int32_t FatherID, const std::wstring& Key) {
     try {
         std::string path = fileSystemPath(iniFileName(FatherID));
@@ -116,8 +118,8 @@ std::vector<int32_t> ReadHexFileVersionsList(int32_t FatherID) {
 }
 
 FBHexFileDetails srvGetHexFileDetails(int32_t FatherID, int32_t Version) {
-    std::wstring codeFile = runtimeFileName(FatherID, Version, L".FBs");
-    std::wstring jumpFile = runtimeFileName(FatherID, Version, L".Jmp");
+    std::wstring codeFile = RuntimeFolder() + runtimeFileName(FatherID, Version, L".FBs");
+    std::wstring jumpFile = RuntimeFolder() + runtimeFileName(FatherID, Version, L".Jmp");
     FBHexFileDetails details;
     try {
         details.FBs = readWholeFile(codeFile);

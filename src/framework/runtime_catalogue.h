@@ -12,6 +12,8 @@ namespace qx {
 
 // The folder of the runtime files: the host's application folder + "/../FB_Lib/RT/".
 std::wstring RuntimeFolder();
+// The name in that folder of a version's code (".FBs") or jump (".Jmp") file.
+std::wstring runtimeFileName(int32_t FatherID, int32_t Version, const std::wstring& extension);
 
 std::wstring ReadFromIni(int32_t FatherID, const std::wstring& Key);
 int32_t ReadCurrentHexFileVersion(int32_t FatherID);

@@ -14,9 +14,9 @@
 #include <tuple>
 #include <utility>
 
+#include "framework/runtime_catalogue.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
-#include "project/project_file.h"
 #include "project/sha256.h"
 
 namespace qx {
@@ -238,10 +238,11 @@ std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::s
         addLine(line);
     }
     for (const auto& [pair, details] : runtime) {
-        const std::string stem = "runtime/" + std::to_string(pair.first) + "V" + std::to_string(pair.second);
         for (const auto& [extension, bytes, kind] :
-             {std::tuple(".FBs", &details.FBs, "runtime-code"), std::tuple(".Jmp", &details.Jmp, "runtime-jump")}) {
-            std::string line = entry(writer.write(stem + extension, *bytes), kind);
+             {std::tuple(L".FBs", &details.FBs, "runtime-code"), std::tuple(L".Jmp", &details.Jmp, "runtime-jump")}) {
+            // Named as in the runtime folder.
+            const std::string name = "runtime/" + toUtf8(runtimeFileName(pair.first, pair.second, extension));
+            std::string line = entry(writer.write(name, *bytes), kind);
             field(line, "FatherID", pair.first);
             field(line, "HexFileVersion", pair.second);
             field(line, "MinBiosVersion", details.MinBiosVersion);
@@ -271,10 +272,9 @@ RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context) {
             throw RuntimeError(e.Number(), e.Source(),
                                L"the runtime files of " + which + L" cannot be read: " + e.Description());
         }
-        if (!father)
-            throw RuntimeError(err::InvalidProcedureCall, L"QxFBCom2 bundle", L"the component has no " + which);
+        if (!father) throw RuntimeError(err::InvalidProcedureCall, Source, L"the component has no " + which);
         if (context.Reports.size() != reports)
-            throw RuntimeError(err::FileNotFound, L"QxFBCom2 bundle",
+            throw RuntimeError(err::FileNotFound, Source,
                                L"the runtime files of " + which + L" cannot be read from " + context.RuntimeFolder());
         return details;
     };

@@ -117,6 +117,9 @@ public:
         if (value < min || value > max) damaged(path(), "a value of " + columnName(column) + " is out of range");
         return value;
     }
+    int64_t i64(int column) {
+        return integer(column, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max());
+    }
     int32_t i32(int column) {
         return static_cast<int32_t>(
             integer(column, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
@@ -320,7 +323,7 @@ StoredOperand readOperand(Statement& row) {
     operand.NetID = row.i32(10);
     operand.Address = row.i32(11);
     operand.HasValue = row.boolean(12);
-    operand.ConstantValue = row.integer(13, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max());
+    operand.ConstantValue = row.i64(13);
     operand.Format = row.i32(14);
     operand.ConstantListMode = row.i32(15);
     operand.ConstantListOnly = row.boolean(16);
@@ -347,21 +350,33 @@ Project readProject(Database& db) {
     {
         Statement nets(db, "SELECT id, comment FROM nets ORDER BY position, id");
         while (nets.step()) {
-            netOf[nets.integer(0, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max())] =
-                project.Nets.size();
+            netOf[nets.i64(0)] = project.Nets.size();
             project.Nets.push_back(LadderNet{nets.text(1), {}});
         }
     }
-    constexpr int64_t anyId = std::numeric_limits<int64_t>::max();
-    std::map<int64_t, StoredOperation*> operationOf;
+    // A row names its parent by id; the parent is found again by the places
+    // it took in the vectors, which stay right while the vectors grow.
+    struct OperationAt {
+        size_t net, operation;
+    };
+    struct OperandAt {
+        OperationAt operation;
+        bool out;
+        size_t operand;
+    };
+    const auto operationAt = [&project](const OperationAt& at) -> StoredOperation& {
+        return project.Nets[at.net].Operations[at.operation];
+    };
+    const auto sideOf = [&](const OperationAt& at, bool out) -> std::vector<StoredOperand>& {
+        return out ? operationAt(at).OutOperands : operationAt(at).InOperands;
+    };
+    std::map<int64_t, OperationAt> operationOf;
     {
         Statement operations(db,
                              "SELECT id, net_id, method_id, hex_file_version, father_instance_num, is_conducting,"
                              " binary_operands FROM operations ORDER BY position, id");
-        std::vector<std::pair<int64_t, int64_t>> order;  // operation id, net id
         while (operations.step()) {
-            const int64_t net = operations.integer(1, -anyId, anyId);
-            const auto found = netOf.find(net);
+            const auto found = netOf.find(operations.i64(1));
             if (found == netOf.end()) damaged(db.path(), "an operation belongs to no net");
             StoredOperation operation;
             operation.MethodID = operations.i32(2);
@@ -369,49 +384,40 @@ Project readProject(Database& db) {
             operation.FatherInstanceNum = operations.i32(4);
             operation.IsConducting = operations.boolean(5);
             operation.BinaryOperands = operations.blob(6);
-            project.Nets[found->second].Operations.push_back(std::move(operation));
-            order.emplace_back(operations.integer(0, -anyId, anyId), net);
-        }
-        // Each net's vector is complete now, so pointers into them stay valid.
-        std::map<int64_t, size_t> taken;
-        for (const auto& [operation, net] : order) {
-            const size_t index = taken[net]++;
-            operationOf[operation] = &project.Nets[netOf[net]].Operations[index];
+            std::vector<StoredOperation>& net = project.Nets[found->second].Operations;
+            net.push_back(std::move(operation));
+            operationOf[operations.i64(0)] = {found->second, net.size() - 1};
         }
     }
-    std::map<int64_t, StoredOperand*> operandOf;
+    std::map<int64_t, OperandAt> operandOf;
     {
         Statement operands(db,
                            "SELECT id, operation_id, side, key, caption, title, description, is_new, mode, type,"
                            " net_id, address, has_value, constant_value, format, constant_list_mode,"
                            " constant_list_only, vector_length FROM operands ORDER BY position, id");
-        std::vector<std::tuple<int64_t, StoredOperation*, bool>> order;
         while (operands.step()) {
-            const auto found = operationOf.find(operands.integer(1, -anyId, anyId));
+            const auto found = operationOf.find(operands.i64(1));
             if (found == operationOf.end()) damaged(db.path(), "an operand belongs to no operation");
             const bool out = operands.boolean(2);
-            (out ? found->second->OutOperands : found->second->InOperands).push_back(readOperand(operands));
-            order.emplace_back(operands.integer(0, -anyId, anyId), found->second, out);
-        }
-        std::map<std::pair<StoredOperation*, bool>, size_t> taken;
-        for (const auto& [operand, operation, out] : order) {
-            const size_t index = taken[{operation, out}]++;
-            operandOf[operand] = &(out ? operation->OutOperands : operation->InOperands)[index];
+            std::vector<StoredOperand>& side = sideOf(found->second, out);
+            side.push_back(readOperand(operands));
+            operandOf[operands.i64(0)] = {found->second, out, side.size() - 1};
         }
     }
+    const auto operandOfRow = [&](Statement& row, const char* what) -> StoredOperand& {
+        const auto found = operandOf.find(row.i64(0));
+        if (found == operandOf.end()) damaged(db.path(), std::string(what) + " belongs to no operand");
+        return sideOf(found->second.operation, found->second.out)[found->second.operand];
+    };
     {
         Statement allowed(db, "SELECT operand_id, mode, type, allowed FROM allowed_types ORDER BY position, rowid");
-        while (allowed.step()) {
-            const auto found = operandOf.find(allowed.integer(0, -anyId, anyId));
-            if (found == operandOf.end()) damaged(db.path(), "an allowed type belongs to no operand");
-            found->second->AllowedTypes.push_back({allowed.i32(1), allowed.i32(2), allowed.boolean(3)});
-        }
+        while (allowed.step())
+            operandOfRow(allowed, "an allowed type")
+                .AllowedTypes.push_back({allowed.i32(1), allowed.i32(2), allowed.boolean(3)});
         Statement constants(db, "SELECT operand_id, value, text FROM constant_lists ORDER BY position, rowid");
-        while (constants.step()) {
-            const auto found = operandOf.find(constants.integer(0, -anyId, anyId));
-            if (found == operandOf.end()) damaged(db.path(), "a constant list entry belongs to no operand");
-            found->second->ConstantList.emplace_back(constants.i32(1), constants.text(2));
-        }
+        while (constants.step())
+            operandOfRow(constants, "a constant list entry")
+                .ConstantList.emplace_back(constants.i32(1), constants.text(2));
     }
     {
         Statement instances(
@@ -419,8 +425,7 @@ Project readProject(Database& db) {
         while (instances.step())
             project.Instances.push_back({instances.i32(0), instances.i32(1), instances.text(2), instances.blob(3)});
         Statement constants(db, "SELECT address, type, value FROM constants ORDER BY address");
-        while (constants.step())
-            project.Constants.push_back({constants.i32(0), constants.i32(1), constants.integer(2, -anyId - 1, anyId)});
+        while (constants.step()) project.Constants.push_back({constants.i32(0), constants.i32(1), constants.i64(2)});
         // New constants take addresses from NextConstantAddress on: one at or
         // below a constant of the table would overwrite it.
         for (const StoredConstant& constant : project.Constants)

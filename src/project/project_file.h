@@ -19,16 +19,6 @@ inline constexpr int32_t ApplicationId = 0x51784642;
 inline constexpr int32_t SchemaVersion = 1;
 }  // namespace project_file
 
-// The error numbers of the project file, the host runtime's classic ones.
-namespace err {
-inline constexpr int32_t OutOfMemory = 7;
-inline constexpr int32_t DeviceIOError = 57;
-inline constexpr int32_t DiskFull = 61;
-inline constexpr int32_t PermissionDenied = 70;
-inline constexpr int32_t PathFileAccessError = 75;
-inline constexpr int32_t InvalidFileFormat = 321;
-}  // namespace err
-
 Project loadProject(const std::string& path);
 void saveProject(const std::string& path, const Project& project);
 

@@ -2,6 +2,8 @@
 
 #include <QImage>
 
+#include "qt/qt_text.h"
+
 namespace qx {
 
 namespace {
@@ -52,6 +54,12 @@ QPixmap toQPixmap(const PicturePtr& picture) {
     // The host keeps blue first; the image is copied so it owns its pixels.
     const QImage view(picture->Pixels.data(), picture->Width, picture->Height, stride, QImage::Format_BGR888);
     return QPixmap::fromImage(view.copy());
+}
+
+QFont toQFont(const Font& font, QFont base) {
+    base.setFamily(toQString(font.Name));
+    base.setPointSizeF(font.Size);
+    return base;
 }
 
 }  // namespace qx

@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QEvent>
-#include <QFont>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -351,13 +350,7 @@ void ControlBinding::showProperty(std::string_view property) {
     if (is(property, "Enabled")) widget_.setEnabled(control_.Enabled());
     if (is(property, "Visible")) widget_.setVisible(control_.Visible());
     if (is(property, "ToolTipText")) widget_.setToolTip(toQString(control_.ToolTipText()));
-    if (is(property, "Font") && control_.HasFont()) {
-        const qx::Font font = control_.Font();
-        QFont shown = widget_.font();
-        shown.setFamily(toQString(font.Name));
-        shown.setPointSizeF(font.Size);
-        widget_.setFont(shown);
-    }
+    if (is(property, "Font") && control_.HasFont()) widget_.setFont(toQFont(control_.Font(), widget_.font()));
 }
 
 bool ControlBinding::eventFilter(QObject*, QEvent* event) {

@@ -1,6 +1,5 @@
 #include "qt/form_binding.h"
 
-#include <QFont>
 #include <QIcon>
 #include <set>
 
@@ -45,12 +44,7 @@ void FormBinding::showForm(std::string_view property) {
         const QPixmap icon = toQPixmap(form_.Icon());
         if (!icon.isNull()) window_.setWindowIcon(QIcon(icon));
     }
-    if (property.empty() || property == "Font") {
-        QFont font = window_.font();
-        font.setFamily(toQString(form_.Font().Name));
-        font.setPointSizeF(form_.Font().Size);
-        window_.setFont(font);
-    }
+    if (property.empty() || property == "Font") window_.setFont(toQFont(form_.Font(), window_.font()));
 }
 
 }  // namespace qx

@@ -22,34 +22,34 @@ void QtModalDriver::ShowModal(Form& form) {
     if (!view) throw std::logic_error("the dialog " + toUtf8(form.Name()) + " has no view");
     {
         FormBinding binding(form, *view);
+        // However the dialog ends, even by an error of its own code, it
+        // leaves no trace here: no subscription, no abort hook, no window.
+        struct Showing {
+            QtModalDriver& driver;
+            Form& form;
+            std::function<void()> outerAbort;
+            int32_t token = 0;
+            ~Showing() {
+                if (token) form.Unsubscribe(token);
+                setModelActionAbort(std::move(outerAbort));
+                driver.shown_.pop_back();
+            }
+        };
         shown_.emplace_back(&form, view.get());
         // An action that raised ends this dialog, the innermost one.
-        std::function<void()> outerAbort = setModelActionAbort([window = view.get()] { window->done(0); });
-        int32_t token = 0;
-        // However the dialog ends, even by an error of its own code, it leaves no trace here.
-        const auto cleanUp = [&] {
-            if (token) form.Unsubscribe(token);
-            setModelActionAbort(std::move(outerAbort));
-            shown_.pop_back();
-        };
-        try {
-            form.Load();
-            form.Show();
-            form.Activate();
-            if (form.Visible()) {
-                // The dialog ends when its form hides, whoever hid it.
-                token = form.Subscribe([&form, window = view.get()](std::string_view property) {
-                    if (property == "Visible" && !form.Visible()) window->done(0);
-                });
-                view->exec();
-            }
-            if (const std::exception_ptr error = takeModelActionError()) std::rethrow_exception(error);
-            if (form.Visible()) form.Hide();
-        } catch (...) {
-            cleanUp();
-            throw;
+        Showing showing{*this, form, setModelActionAbort([window = view.get()] { window->done(0); })};
+        form.Load();
+        form.Show();
+        form.Activate();
+        if (form.Visible()) {
+            // The dialog ends when its form hides, whoever hid it.
+            showing.token = form.Subscribe([&form, window = view.get()](std::string_view property) {
+                if (property == "Visible" && !form.Visible()) window->done(0);
+            });
+            view->exec();
         }
-        cleanUp();
+        if (const std::exception_ptr error = takeModelActionError()) std::rethrow_exception(error);
+        if (form.Visible()) form.Hide();
     }
     // The dialog below is the active one again.
     if (!shown_.empty() && shown_.back().first->Visible()) shown_.back().first->Activate();

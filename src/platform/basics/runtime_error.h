@@ -25,10 +25,16 @@ private:
 namespace err {
 inline constexpr int32_t InvalidProcedureCall = 5;
 inline constexpr int32_t Overflow = 6;
+inline constexpr int32_t OutOfMemory = 7;
 inline constexpr int32_t SubscriptOutOfRange = 9;
 inline constexpr int32_t TypeMismatch = 13;
 inline constexpr int32_t FileNotFound = 53;
+inline constexpr int32_t DeviceIOError = 57;
+inline constexpr int32_t DiskFull = 61;
+inline constexpr int32_t PermissionDenied = 70;
+inline constexpr int32_t PathFileAccessError = 75;
 inline constexpr int32_t ObjectNotSet = 91;
+inline constexpr int32_t InvalidFileFormat = 321;
 }  // namespace err
 
 [[noreturn]] void raiseError(int32_t number, const std::wstring& source = L"QxFBCom2");
