@@ -79,6 +79,8 @@ QTreeWidget* newTree(const QString& name, const QStringList& headers, QWidget* p
     tree->setHeaderLabels(headers);
     tree->setIconSize(QSize(16, 16));
     tree->setExpandsOnDoubleClick(false);
+    // Column widths from the first rows: a plant's ladder has thousands.
+    tree->header()->setResizeContentsPrecision(200);
     return tree;
 }
 
