@@ -1,0 +1,55 @@
+// The address table of a TCP/IP Config instance: 16 remote addresses that
+// Send and Scan refer to by index, and its 418-byte image, which the host
+// keeps as the instance's data. A parameter of an address is either a
+// constant or the MI that holds it at run time.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/basics/bytes.h"
+#include "platform/host/operand.h"
+
+namespace qx {
+
+// An IP address or a port: from the MI Operand when it is set, else the
+// constant Value (an IP with its first octet in the lowest byte).
+struct AddressParam {
+    OperandPtr Operand;
+    int32_t Value = 0;
+};
+
+struct EthAddress {
+    AddressParam IpAddress;
+    AddressParam Port;
+    std::wstring Description;
+};
+
+namespace eth {
+inline constexpr int32_t AddressKindIP = 1;
+inline constexpr int32_t AddressKindPort = 2;
+inline constexpr int32_t AddressCount = 16;
+inline constexpr int32_t DescriptionLength = 12;
+inline constexpr uint8_t AddressTableVersion = 100;
+inline constexpr size_t AddressRecordSize = 26;
+inline constexpr size_t AddressParamSize = 6;
+inline constexpr size_t AddressTableSize = 2 + AddressCount * AddressRecordSize;  // 418
+}  // namespace eth
+
+// Version 100, the record count, then one 26-byte record per address. An
+// operand address that does not fit its word is error 6.
+Bytes BuildAddressTableImage(const std::vector<EthAddress>& table);
+// As many records as byte 1 says; an image shorter than that is error 9.
+// The description keeps its padding blanks.
+std::vector<EthAddress> ParseAddressTableImage(const Bytes& image);
+Bytes AddressParamToBytes(const AddressParam& param);
+// Reads the first six bytes; fewer is error 9. An operand parameter comes
+// back as a linked MI that the host's table knows.
+AddressParam BytesToAddressParam(const Bytes& bytes);
+bool IsAddressParamUsed(const AddressParam& param);
+// The operand's display name, else the value text.
+std::wstring GetAddressParamText(const AddressParam& param, int32_t kind);
+// Empty for 0; dotted octets for kind 1, the decimal number otherwise.
+std::wstring GetAddressValueText(const AddressParam& param, int32_t kind);
+
+}  // namespace qx
