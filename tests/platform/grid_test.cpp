@@ -106,6 +106,12 @@ TEST_F(GridTest, AClickOnAScrollableCellMovesThereBeforeTheClick) {
     EXPECT_EQ(events, (std::vector<std::string>{"RowColChange", "SelChange", "Click"}));
 }
 
+TEST_F(GridTest, AClickOnTheCurrentCellOfAnEditableGridAsksBeforeEditAgain) {
+    grid.Editable(true);
+    grid.UserClick(1, 1);
+    EXPECT_EQ(events, (std::vector<std::string>{"BeforeEdit 1,1", "Click"}));
+}
+
 TEST_F(GridTest, AClickOnAFixedCellLeavesTheCurrentCell) {
     grid.UserClick(0, 2);
     EXPECT_EQ(grid.Row(), 1);

@@ -210,7 +210,13 @@ void Grid::UserClick(int32_t row, int32_t col) {
     SetFocus();
     mouseRow_ = row;
     mouseCol_ = col;
-    if (!IsFixed(row, col)) moveTo(row, col);
+    if (!IsFixed(row, col)) {
+        // A click on the current cell asks again, so that its button shows.
+        if (row == row_ && col == col_)
+            askBeforeEdit();
+        else
+            moveTo(row, col);
+    }
     if (OnClick) OnClick();
 }
 

@@ -78,7 +78,8 @@ public:
     // Writes the editor's text into the cell and raises AfterEdit.
     void FinishEditing();
 
-    // A click on a cell: a scrollable cell becomes current, then Click.
+    // A click on a cell: a scrollable cell becomes current (an editable grid
+    // asks BeforeEdit also when it already was), then Click.
     void UserClick(int32_t row, int32_t col);
     // DblClick; an editable grid then edits the cell.
     void UserDoubleClick(int32_t row, int32_t col);
