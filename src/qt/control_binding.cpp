@@ -12,13 +12,16 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QRadioButton>
+#include <QRegularExpressionValidator>
 #include <QSignalBlocker>
 #include <string>
 
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
+#include "platform/controls/ip_address_control.h"
 #include "platform/controls/text_box.h"
 #include "qt/colours.h"
+#include "qt/grid_binding.h"
 #include "qt/model_action.h"
 #include "qt/qt_text.h"
 
@@ -306,6 +309,38 @@ private:
     QLineEdit& widget_;
 };
 
+// The IP entry takes digits and dots only; the model keeps what it accepts
+// of each edit, and the widget shows that.
+class IPAddressBinding : public ControlBinding {
+public:
+    IPAddressBinding(IPAddressControl& entry, QLineEdit& widget)
+        : ControlBinding(entry, widget), entry_(entry), widget_(widget) {
+        widget.setContextMenuPolicy(Qt::NoContextMenu);
+        widget.setValidator(new QRegularExpressionValidator(
+            QRegularExpression(QStringLiteral("[0-9]{0,3}(\\.[0-9]{0,3}){0,3}")), &widget));
+        QObject::connect(&widget, &QLineEdit::textEdited, this, [this](const QString& text) {
+            runModelAction([&] { entry_.UserType(fromQString(text)); });
+            showProperty("Text");
+        });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        if (is(property, "Text") && fromQString(widget_.text()) != entry_.Text()) {
+            const QSignalBlocker quiet(widget_);
+            widget_.setText(toQString(entry_.Text()));
+        }
+        if (is(property, "BackColor") || is(property, "ForeColor"))
+            showColours(entry_, widget_, {QPalette::Base, QPalette::Text});
+    }
+
+private:
+    IPAddressControl& entry_;
+    QLineEdit& widget_;
+};
+
 template <class Model, class View, class Binding>
 std::unique_ptr<ControlBinding> bindAs(Control& control, QWidget& widget) {
     auto* model = dynamic_cast<Model*>(&control);
@@ -367,7 +402,8 @@ std::unique_ptr<ControlBinding> ControlBinding::bind(Control& control, QWidget& 
     if (auto bound = bindAs<Frame, QGroupBox, FrameBinding>(control, widget)) return bound;
     if (auto bound = bindAs<TextBox, QLineEdit, TextBoxBinding>(control, widget)) return bound;
     if (auto bound = bindAs<ComboBox, QComboBox, ComboBinding>(control, widget)) return bound;
-    return nullptr;
+    if (auto bound = bindAs<IPAddressControl, QLineEdit, IPAddressBinding>(control, widget)) return bound;
+    return bindGrid(control, widget);
 }
 
 }  // namespace qx

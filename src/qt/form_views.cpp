@@ -5,6 +5,8 @@
 #include <map>
 #include <string>
 
+#include "ui_frm_eth_address_param.h"
+#include "ui_frm_eth_protocol_config.h"
 #include "ui_frm_protocol_config.h"
 
 namespace qx {
@@ -22,6 +24,8 @@ using SetUp = std::function<void(FormDialog&)>;
 const std::map<std::wstring, SetUp>& views() {
     static const std::map<std::wstring, SetUp> table = {
         {L"frmProtocolConfig", setUp<Ui::frmProtocolConfig>},
+        {L"frmEthProtocolConfig", setUp<Ui::frmEthProtocolConfig>},
+        {L"frmEthAddressParam", setUp<Ui::frmEthAddressParam>},
     };
     return table;
 }

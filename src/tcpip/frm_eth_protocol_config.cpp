@@ -54,11 +54,19 @@ frmEthProtocolConfig::frmEthProtocolConfig() : Form(L"frmEthProtocolConfig") {
     vsfOperands.Cols(6);
     vsfOperands.Rows(1);
     const wchar_t* operandHeaders[] = {L"Params", L"Type", L"Add", L"", L"Format", L"Description"};
-    for (int32_t c = 0; c < 6; ++c) vsfOperands.TextMatrix(0, c, operandHeaders[c]);
+    const int32_t operandWidths[] = {600, 600, 800, 1200, 1000, 2600};
+    for (int32_t c = 0; c < 6; ++c) {
+        vsfOperands.TextMatrix(0, c, operandHeaders[c]);
+        vsfOperands.ColWidth(c, operandWidths[c]);
+    }
     vsfSlaves.Cols(4);
     vsfSlaves.Rows(1);
     const wchar_t* slaveHeaders[] = {L"Index", L"IP Address", L"Port", L"Description"};
-    for (int32_t c = 0; c < 4; ++c) vsfSlaves.TextMatrix(0, c, slaveHeaders[c]);
+    const int32_t slaveWidths[] = {700, 2200, 1200, 2400};
+    for (int32_t c = 0; c < 4; ++c) {
+        vsfSlaves.TextMatrix(0, c, slaveHeaders[c]);
+        vsfSlaves.ColWidth(c, slaveWidths[c]);
+    }
     vsfSlaves.Editable(true);
     cmdClearLink.Enabled(false);
 
