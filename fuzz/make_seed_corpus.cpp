@@ -30,6 +30,7 @@
 #include "platform/host/host_context.h"
 #include "project/project_file.h"
 #include "serial/protocol_config.h"
+#include "serial/protocol_copy_to_buffer.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "support/random_sets.h"
@@ -415,6 +416,17 @@ int main(int argc, char** argv) {
         writeSeed(config, "port_" + std::to_string(port), port == 2, srv.BinaryData());
     }
     writeSeed(config, "one_byte", false, Bytes{2});
+
+    // Copy buffer: the three formats, none chosen yet, one outside them, and
+    // a one-byte image.
+    const std::string copyBuffer = "fuzz_copy_buffer_image";
+    for (uint8_t format : {1, 2, 4, 0, 255}) {
+        ScopedHostContext context;
+        clsProtocolCopyToBufferSrv srv;
+        srv.CopyFormat(format);
+        writeSeed(copyBuffer, "format_" + std::to_string(format), format == 2, srv.BinaryData());
+    }
+    writeSeed(copyBuffer, "one_byte", false, Bytes{2});
 
     writeProjectSeeds();
 
