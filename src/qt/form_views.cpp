@@ -8,6 +8,7 @@
 #include "ui_frm_eth_address_param.h"
 #include "ui_frm_eth_protocol_config.h"
 #include "ui_frm_protocol_config.h"
+#include "ui_frm_protocol_copy_bytes.h"
 
 namespace qx {
 
@@ -26,6 +27,7 @@ const std::map<std::wstring, SetUp>& views() {
         {L"frmProtocolConfig", setUp<Ui::frmProtocolConfig>},
         {L"frmEthProtocolConfig", setUp<Ui::frmEthProtocolConfig>},
         {L"frmEthAddressParam", setUp<Ui::frmEthAddressParam>},
+        {L"frmProtocolCopyBytes", setUp<Ui::frmProtocolCopyBytes>},
     };
     return table;
 }

@@ -54,7 +54,7 @@ frmEthProtocolConfig::frmEthProtocolConfig() : Form(L"frmEthProtocolConfig") {
     vsfOperands.Cols(6);
     vsfOperands.Rows(1);
     const wchar_t* operandHeaders[] = {L"Params", L"Type", L"Add", L"", L"Format", L"Description"};
-    const int32_t operandWidths[] = {600, 600, 800, 1200, 1000, 2600};
+    const int32_t operandWidths[] = {750, 600, 800, 1200, 1000, 2600};
     for (int32_t c = 0; c < 6; ++c) {
         vsfOperands.TextMatrix(0, c, operandHeaders[c]);
         vsfOperands.ColWidth(c, operandWidths[c]);
