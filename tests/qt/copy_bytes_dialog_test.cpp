@@ -58,7 +58,6 @@ TEST_F(QtCopyBytesDialogTest, TheFormatListFollowsTheDestinationAndFormat4Become
         after = itemsOf(*formats);
         chosenAfter = formats->currentText();
         operandShown = window.findChild<QLabel*>(QStringLiteral("lbOperand"))->text();
-        test::saveScreenshot(window, QStringLiteral("copy_buffer_dialog.png"));
         QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdOk")), Qt::LeftButton);
     });
     bench.copy->itfFBMethod_EditOperands();

@@ -6,11 +6,14 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
+#include <QTableView>
 #include <QTest>
 #include <filesystem>
 #include <functional>
@@ -45,6 +48,82 @@ void doubleClick(QTreeWidget& tree, QTreeWidgetItem* item) {
     const QPoint at = tree.visualItemRect(item).center();
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+}
+
+// Clicks a cell of a grid view (row and column as the grid counts them, its
+// header being row 0), or the ellipsis button at the cell's right edge.
+void clickCell(QTableView& grid, int row, int col, bool ellipsis = false) {
+    const QRect cell = grid.visualRect(grid.model()->index(row - 1, col));
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
+                      ellipsis ? QPoint(cell.right() - 6, cell.center().y()) : cell.center());
+}
+
+QString cellText(QTableView& grid, int row, int col) { return grid.model()->index(row - 1, col).data().toString(); }
+
+// Chooses the entry `steps` down the picker's constant list and presses OK.
+void pickFromConstantList(QWidget& picker, int steps) {
+    auto* list = picker.findChild<QComboBox*>(QStringLiteral("cbConstantList"));
+    auto* buttons = picker.findChild<QDialogButtonBox*>(QStringLiteral("buttons"));
+    if (!list || !buttons) {
+        ADD_FAILURE() << "no constant list in the picker";
+        return;
+    }
+    for (int i = 0; i < steps; ++i) QTest::keyClick(list, Qt::Key_Down);
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+}
+
+// The person's part of a new TCP/IP Config: socket 1 from the constant list
+// and the status MI 150 through the pickers, the name, a constant IP for
+// address 0 and a port from MI 300 for address 1, OK.
+void actTcpIpConfig(const QString& name) {
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) {
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& second) { test::pickWithKeys(second, 3, 150); });
+        pickFromConstantList(picker, 1);
+    });
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [name](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* text = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        text->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(text, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(text, name);
+        test::onModal(QStringLiteral("frmEthAddressParam"), [](QWidget& dialog) {
+            QApplication::setActiveWindow(&dialog);
+            auto* ip = dialog.findChild<QLineEdit*>(QStringLiteral("ctlIPAddress"));
+            ip->setFocus(Qt::TabFocusReason);
+            QTest::keyClicks(ip, QStringLiteral("10.0.0.7"));
+            QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+        });
+        clickCell(*grid, 1, 1);
+        clickCell(*grid, 1, 1, true);
+        test::onModal(QStringLiteral("frmEthAddressParam"), [](QWidget& dialog) {
+            QApplication::setActiveWindow(&dialog);
+            test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 3, 300); });
+            QTest::mouseClick(dialog.findChild<QRadioButton*>(QStringLiteral("optMI")), Qt::LeftButton);
+            QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdMI")), Qt::LeftButton);
+            QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+        });
+        clickCell(*grid, 2, 2);
+        clickCell(*grid, 2, 2, true);
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+}
+
+// The address table image of one record, written from its layout: used flag,
+// 0, the IP and the port parameters (1 constant with four value bytes, 0 an
+// MI with its address in two), twelve description characters.
+Bytes addressRecord(uint8_t used, Bytes ip, Bytes port, std::string description) {
+    Bytes out{used, 0};
+    out.insert(out.end(), ip.begin(), ip.end());
+    out.insert(out.end(), port.begin(), port.end());
+    description.resize(12, ' ');
+    out.insert(out.end(), description.begin(), description.end());
+    return out;
+}
+
+Bytes tableRecord(const Bytes& table, int index) {
+    if (table.size() < static_cast<size_t>(2 + (index + 1) * 26)) return {};
+    return Bytes(table.begin() + 2 + index * 26, table.begin() + 2 + (index + 1) * 26);
 }
 
 // The person's part of a new serial Config: both operands through the
@@ -480,6 +559,145 @@ TEST_F(WorkbenchTest, EveryBadFileShowsItsErrorAndChangesNothing) {
             locker = nullptr;
         }
     }
+}
+
+TEST_F(WorkbenchTest, ATcpIpConfigIsPlacedSavedReopenedAndEditedAgain) {
+    actTcpIpConfig(QStringLiteral("Plant"));
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170201));
+    ASSERT_EQ(host->Nets().size(), 1u);
+    ASSERT_EQ(host->Nets()[0].Operations.size(), 1u);
+    const MethodPtr config = host->Nets()[0].Operations[0];
+    EXPECT_EQ(config->itfFBMethod_FatherInstanceName(), L"Plant");
+    EXPECT_EQ(config->itfFBMethod_InOperands()->Item(1)->OperandConstantValue(), 10000);
+    EXPECT_EQ(config->itfFBMethod_OutOperands()->Item(1)->OperandAddress(), 150);
+    ASSERT_EQ(host->InstancesOf(170200).Stored().size(), 1u);
+    const Bytes table = host->InstancesOf(170200).Stored()[0].Data;
+    ASSERT_EQ(table.size(), 418u);
+    EXPECT_EQ(Bytes(table.begin(), table.begin() + 2), (Bytes{100, 16}));
+    EXPECT_EQ(tableRecord(table, 0), addressRecord(1, {1, 0, 10, 0, 0, 7}, {1, 0, 0x20, 0x4E, 0, 0}, "Address 0"));
+    EXPECT_EQ(tableRecord(table, 1), addressRecord(0, {1, 0, 0, 0, 0, 0}, {0, 0, 0x2C, 0x01, 0, 0}, "Address 1"));
+    // The host's instance list shows the name the dialog gave, and the table's size.
+    QTreeWidgetItem* family = window->Instances()->topLevelItem(1);
+    ASSERT_NE(family, nullptr);
+    ASSERT_EQ(family->childCount(), 1);
+    EXPECT_EQ(family->child(0)->text(1), QStringLiteral("Plant"));
+    EXPECT_EQ(family->child(0)->text(2), QStringLiteral("418 bytes"));
+    // The port's MI is listed for the host's search.
+    EXPECT_EQ(host->Context().Operands.LinkCount(3, 300), 1);
+    ASSERT_EQ(config->itfFBMethod_OperandsForFindOnly()->Count(), 1);
+
+    const QString file = QString::fromStdString((folder.path() / "tcpip.qxfbproj").string());
+    ASSERT_TRUE(window->SaveFile(file));
+    const Project before = host->ToProject();
+    window.reset();
+    host->Clear();
+    window = std::make_unique<WorkbenchWindow>(*host);
+    window->show();
+    ASSERT_TRUE(window->OpenFile(file));
+    EXPECT_EQ(host->ToProject(), before);
+    const MethodPtr reopened = host->Nets()[0].Operations[0];
+    EXPECT_EQ(reopened->itfFBMethod_InstanceData(), table);
+
+    // Edited again: the table comes back into the grid; address 0 is cleared.
+    QString ipShown, portShown;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        auto* grid = dialog.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        ipShown = cellText(*grid, 1, 1);
+        portShown = cellText(*grid, 2, 2);
+        clickCell(*grid, 1, 2);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdClearLink")), Qt::LeftButton);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+    QTreeWidgetItem* block = window->Ladder()->topLevelItem(0)->child(0);
+    window->Ladder()->setCurrentItem(block);
+    doubleClick(*window->Ladder(), block);
+    EXPECT_EQ(ipShown, QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(portShown, QStringLiteral("MI 300"));
+    const Bytes edited = host->InstancesOf(170200).Stored()[0].Data;
+    EXPECT_EQ(tableRecord(edited, 0), addressRecord(0, {1, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0}, ""));
+    EXPECT_EQ(tableRecord(edited, 1), tableRecord(table, 1));
+
+    // The download bundle carries the instance's table.
+    const std::filesystem::path bundle = folder.path() / "bundle";
+    test::onModal(QStringLiteral("BundleWritten"), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    ASSERT_TRUE(window->ExportBundle(QString::fromStdString(bundle.string())));
+    const std::string written = test::readFile(bundle / "instances/170200_0001.bin");
+    EXPECT_EQ(Bytes(written.begin(), written.end()), edited);
+}
+
+TEST_F(WorkbenchTest, CancelOfANewTcpIpConfigDeletesItsInstance) {
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    int instancesWhileShown = -1;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& dialog) {
+        instancesWhileShown = static_cast<int>(host->InstancesOf(170200).Stored().size());
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170201));
+    EXPECT_EQ(instancesWhileShown, 1);
+    EXPECT_TRUE(host->Nets()[0].Operations.empty());
+    EXPECT_TRUE(host->InstancesOf(170200).Stored().empty());
+    EXPECT_EQ(window->Instances()->topLevelItem(1)->childCount(), 0);
+}
+
+TEST_F(WorkbenchTest, ACopyBufferIsPlacedWithItsFormatFollowingTheDestinationAndEditedAgain) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    QStringList formatsOnML, formatsOnMI;
+    QString chosenOnMI, configShown;
+    test::onModal(QStringLiteral("frmProtocolCopyBytes"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        auto* formats = dialog.findChild<QComboBox*>(QStringLiteral("cbCopyBytes"));
+        configShown = dialog.findChild<QComboBox*>(QStringLiteral("cbInstanceName"))->currentText();
+        // The destination first: an ML offers three formats; take 4 bytes.
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 5, 40); });
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOperand")), Qt::LeftButton);
+        for (int i = 0; i < formats->count(); ++i) formatsOnML << formats->itemText(i);
+        formats->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(formats, Qt::Key_End);
+        // On an MI, 4 is not offered: it turns into 1.
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 3, 400); });
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOperand")), Qt::LeftButton);
+        for (int i = 0; i < formats->count(); ++i) formatsOnMI << formats->itemText(i);
+        chosenOnMI = formats->currentText();
+        test::saveScreenshot(dialog, QStringLiteral("copy_buffer_dialog.png"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOk")), Qt::LeftButton);
+    });
+    // Placed beside the Config, in the same net.
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170104));
+    ASSERT_EQ(host->Nets()[0].Operations.size(), 2u);
+    const MethodPtr copy = host->Nets()[0].Operations[1];
+    EXPECT_EQ(configShown, QStringLiteral("Printer"));
+    EXPECT_EQ(formatsOnML.size(), 3);
+    EXPECT_EQ(formatsOnMI, (QStringList{QStringLiteral("Convert 1 Receive Bytes to ONE Linked Element"),
+                                        QStringLiteral("Convert 2 Receive Bytes to ONE Linked Element")}));
+    EXPECT_EQ(chosenOnMI, QStringLiteral("Convert 1 Receive Bytes to ONE Linked Element"));
+    EXPECT_EQ(copy->itfFBMethod_BinaryOperands(), (Bytes{1, 0}));
+    EXPECT_EQ(copy->itfFBMethod_FatherInstanceName(), L"Printer");
+    EXPECT_EQ(copy->itfFBMethod_OutOperands()->Item(1)->OperandAddress(), 400);
+
+    // Saved and reopened, then edited again: format 2.
+    const QString file = QString::fromStdString((folder.path() / "copy.qxfbproj").string());
+    ASSERT_TRUE(window->SaveFile(file));
+    window.reset();
+    host->Clear();
+    window = std::make_unique<WorkbenchWindow>(*host);
+    window->show();
+    ASSERT_TRUE(window->OpenFile(file));
+    QString chosenOnOpen;
+    test::onModal(QStringLiteral("frmProtocolCopyBytes"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        auto* formats = dialog.findChild<QComboBox*>(QStringLiteral("cbCopyBytes"));
+        chosenOnOpen = formats->currentText();
+        formats->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(formats, Qt::Key_Down);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOk")), Qt::LeftButton);
+    });
+    QTreeWidgetItem* block = window->Ladder()->topLevelItem(0)->child(1);
+    window->Ladder()->setCurrentItem(block);
+    doubleClick(*window->Ladder(), block);
+    EXPECT_EQ(chosenOnOpen, QStringLiteral("Convert 1 Receive Bytes to ONE Linked Element"));
+    EXPECT_EQ(host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands(), (Bytes{2, 0}));
 }
 
 TEST_F(WorkbenchTest, ClosingWithUnsavedChangesAsksAndCancelKeepsTheWindow) {
