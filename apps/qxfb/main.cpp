@@ -1,12 +1,14 @@
 // qxfb: a command-line host of the component. It loads libQxFBCom2.so with
 // dlopen and reaches the library only through the exported entry points, as
 // the ladder IDE does: it lists the families and plays the road of a new
-// serial Config with a scripted person, and it registers the component.
+// serial Config, a Copy buffer and a TCP/IP Config with a scripted person,
+// and it registers the component.
 // It also shows a project file and writes its download bundle.
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -17,6 +19,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "component/com_abi.h"
@@ -33,6 +36,9 @@
 #include "project/project.h"
 #include "project/project_file.h"
 #include "serial/frm_protocol_config.h"
+#include "serial/frm_protocol_copy_bytes.h"
+#include "tcpip/frm_eth_address_param.h"
+#include "tcpip/frm_eth_protocol_config.h"
 
 namespace {
 
@@ -185,6 +191,85 @@ void scriptConfigPerson(HostContext& context) {
     });
 }
 
+// The person's part of a new serial Copy buffer: the destination MI 30
+// through the picker, the format of two bytes, OK.
+void scriptCopyBufferPerson(HostContext& context) {
+    ScriptedModalDriver* person = context.Script();
+    if (!person) throw std::runtime_error("the component's host context has no scripted person");
+    person->QueuePick(OperandChoice{1, 3, 30, 0, L"Received words"});
+    person->QueueDialog([](Form& form) {
+        auto* dialog = dynamic_cast<frmProtocolCopyBytes*>(&form);
+        if (!dialog) return;
+        std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already\n";
+        dialog->cmdOperand.UserClick();
+        std::cout << "  Person: links \"" << u8(dialog->lbOpCaption.Caption()) << "\" to "
+                  << u8(dialog->lbOperand.Caption()) << "\n";
+        for (int32_t i = 0; i < dialog->cbCopyBytes.ListCount(); ++i)
+            if (dialog->cbCopyBytes.ItemData(i) == 2) dialog->cbCopyBytes.UserSelect(i);
+        std::cout << "  Person: chooses \"" << u8(dialog->cbCopyBytes.Text()) << "\", presses OK\n";
+        dialog->cmdOk.UserClick();
+    });
+}
+
+// One address parameter typed into the address dialog: a constant, or the MI picked for it.
+ScriptedModalDriver::DialogScript addressPerson(const std::wstring& constant) {
+    return [constant](Form& form) {
+        auto* dialog = dynamic_cast<frmEthAddressParam*>(&form);
+        if (!dialog) return;
+        if (constant.empty()) {
+            dialog->optMI.UserClick();
+            dialog->cmdMI.UserClick();
+        } else if (dialog->ctlIPAddress.Visible()) {
+            dialog->ctlIPAddress.UserType(constant);
+        } else {
+            dialog->txtConstValueEx.UserType(constant);
+        }
+        dialog->cmdOK.UserClick();
+    };
+}
+
+// The person's part of a new TCP/IP Config: socket 1 from the constant list
+// and the status MI 21, the name "Plant"; address 0 is 192.168.1.10 port 502,
+// address 1 takes its IP from MI 100 to 103 and its port from MI 104.
+void scriptTcpIpConfigPerson(HostContext& context) {
+    ScriptedModalDriver* person = context.Script();
+    if (!person) throw std::runtime_error("the component's host context has no scripted person");
+    person->QueuePick(OperandChoice{2, 37, -1, 0, L"Socket 1", 10000});
+    person->QueuePick(OperandChoice{1, 3, 21, 0, L"Ethernet status"});
+    person->QueueDialog([person](Form& form) {
+        auto* dialog = dynamic_cast<frmEthProtocolConfig*>(&form);
+        if (!dialog) return;
+        dialog->txtInstanceName.UserType(L"Plant");
+        std::cout << "  Person: names the instance " << u8(dialog->txtInstanceName.Text()) << ", socket "
+                  << u8(dialog->vsfOperands.TextMatrix(1, 3)) << ", status " << u8(dialog->vsfOperands.TextMatrix(2, 1))
+                  << " " << u8(dialog->vsfOperands.TextMatrix(2, 2)) << "\n";
+        person->QueuePick(OperandChoice{1, 3, 100, 0, L"Remote IP"});
+        person->QueuePick(OperandChoice{1, 3, 104, 0, L"Remote port"});
+        for (const auto& [row, col, constant] : {std::tuple{1, 1, L"192.168.1.10"}, std::tuple{1, 2, L"502"},
+                                                 std::tuple{2, 1, L""}, std::tuple{2, 2, L""}}) {
+            person->QueueDialog(addressPerson(constant));
+            dialog->vsfSlaves.UserClick(row, col);
+            dialog->vsfSlaves.UserCellButtonClick();
+            std::cout << "  Person: address " << row - 1 << (col == 1 ? " IP " : " port ")
+                      << u8(dialog->vsfSlaves.TextMatrix(row, col)) << "\n";
+        }
+        std::cout << "  Person: presses OK\n";
+        dialog->cmdOK.UserClick();
+    });
+}
+
+// The address table, its two header bytes and then one line per record.
+void printAddressTable(const Bytes& table) {
+    std::cout << "Address table (" << table.size()
+              << " bytes): " << hexBytes(Bytes(table.begin(), table.begin() + std::min<size_t>(2, table.size())))
+              << "\n";
+    for (size_t at = 2, index = 0; at + 26 <= table.size(); at += 26, ++index)
+        std::cout << "  " << (index < 10 ? " " : "") << index << ": "
+                  << hexBytes(Bytes(table.begin() + static_cast<std::ptrdiff_t>(at),
+                                    table.begin() + static_cast<std::ptrdiff_t>(at + 26)))
+                  << "\n";
+}
+
 // Loads the component and gives its host context, with reports echoed to
 // standard error; nullptr (the cause printed) when that fails.
 HostContext* loadWithContext(LoadedComponent& component, const Options& options) {
@@ -210,8 +295,8 @@ int demo(const Options& options) {
     std::cout << "Component: " << component.Path() << "\n";
     std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
 
-    MethodPtr config;
-    Bytes image;
+    MethodPtr config, copy, ethConfig;
+    Bytes image, copyImage, addressTable;
     try {
         GUID clsid{};
         component.CLSIDFromProgID(L"QxFBCom2.clsGate", &clsid);
@@ -245,6 +330,40 @@ int demo(const Options& options) {
         std::cout << "  FatherInstanceName: " << u8(config->itfFBMethod_FatherInstanceName()) << "\n";
         std::cout << "  HexFileVersion: " << config->itfFBMethod_HexFileVersion() << "\n";
         image = config->itfFBMethod_BinaryOperands();
+
+        std::cout << "\nNew serial Copy buffer\n";
+        scriptCopyBufferPerson(*context);
+        copy = serial->itfFBFather_GetFBMethodObject(170104);
+        copy->itfFBMethod_Init(instances);
+        copy->itfFBMethod_CreateDummyOperands();
+        copy->itfFBMethod_BuildOperands();
+        copy->itfFBMethod_EditOperands();
+        if (copy->itfFBMethod_IsCanceled()) {
+            std::cerr << "qxfb: the Copy buffer dialog ended without OK\n";
+            return 1;
+        }
+        printOperands("OutOperands", copy->itfFBMethod_OutOperands());
+        std::cout << "  FatherInstanceName: " << u8(copy->itfFBMethod_FatherInstanceName()) << "\n";
+        copyImage = copy->itfFBMethod_BinaryOperands();
+
+        std::cout << "\nNew TCP/IP Config\n";
+        scriptTcpIpConfigPerson(*context);
+        FatherPtr tcpip = gate->itfFBGate_GetFatherObject(170200);
+        ethConfig = tcpip->itfFBFather_GetFBMethodObject(170201);
+        auto ethInstances = std::make_shared<FBInstancesDouble>();
+        ethConfig->itfFBMethod_Init(ethInstances);
+        ethConfig->itfFBMethod_CreateDummyOperands();
+        ethConfig->itfFBMethod_BuildOperands();
+        ethConfig->itfFBMethod_EditOperands();
+        if (ethConfig->itfFBMethod_IsCanceled()) {
+            std::cerr << "qxfb: the TCP/IP Config dialog ended without OK\n";
+            return 1;
+        }
+        printOperands("InOperands", ethConfig->itfFBMethod_InOperands());
+        printOperands("OutOperands", ethConfig->itfFBMethod_OutOperands());
+        printOperands("OperandsForFindOnly", ethConfig->itfFBMethod_OperandsForFindOnly());
+        std::cout << "  FatherInstanceName: " << u8(ethConfig->itfFBMethod_FatherInstanceName()) << "\n";
+        ethInstances->GetInstanceData(ethConfig->itfFBMethod_FatherInstanceNum(), addressTable);
     } catch (const RuntimeError& e) {
         std::cerr << "qxfb: run-time error " << e.Number() << ": " << u8(e.Description()) << "\n";
         return 1;
@@ -253,7 +372,11 @@ int demo(const Options& options) {
         return 1;
     }
     config.reset();
+    copy.reset();
+    ethConfig.reset();
     if (component.CanUnloadNow() != S_OK) std::cerr << "qxfb: objects of the component are still alive\n";
+    printAddressTable(addressTable);
+    std::cout << "Copy buffer image: " << hexBytes(copyImage) << "\n";
     std::cout << "BinaryOperands: " << hexBytes(image) << std::endl;
     return 0;
 }

@@ -78,6 +78,31 @@ TEST_F(QxfbTest, DemoShowsTheBlocksOfTheNewConfig) {
         EXPECT_NE(demo.out.find(expected), std::string::npos) << expected << "\n" << demo.out;
 }
 
+TEST_F(QxfbTest, DemoPlaysACopyBufferAndPrintsItsImage) {
+    CliRun demo = run("demo");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    for (const char* expected :
+         {"  Person: Config Config1 is chosen already\n", "    1  Copy to  MI 30 : Received words\n",
+          "  Person: chooses \"Convert 2 Receive Bytes to ONE Linked Element\", presses OK\n",
+          "\nCopy buffer image: 02 00\nBinaryOperands: 02 00\n"})
+        EXPECT_NE(demo.out.find(expected), std::string::npos) << expected << "\n" << demo.out;
+}
+
+TEST_F(QxfbTest, DemoPlaysATcpIpConfigAndPrintsItsAddressTable) {
+    CliRun demo = run("demo");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    // Address 0: used, IP 192.168.1.10 and port 502 as constants; address 1:
+    // used, IP from MI 100 and port from MI 104; the others as a new table has them.
+    for (const char* expected :
+         {"    1  Socket  #1\n", "    1  Status  MI 21 : Ethernet status\n", "  FatherInstanceName: Plant\n",
+          "Address table (418 bytes): 64 10\n",
+          "   0: 01 00 01 00 C0 A8 01 0A 01 00 F6 01 00 00 41 64 64 72 65 73 73 20 30 20 20 20\n",
+          "   1: 01 00 00 00 64 00 00 00 00 00 68 00 00 00 41 64 64 72 65 73 73 20 31 20 20 20\n",
+          "  15: 00 00 01 00 00 00 00 00 01 00 20 4E 00 00 41 64 64 72 65 73 73 20 31 35 20 20\n",
+          "        MI 100 : Remote IP\n        MI 104 : Remote port\n"})
+        EXPECT_NE(demo.out.find(expected), std::string::npos) << expected << "\n" << demo.out;
+}
+
 TEST_F(QxfbTest, HelpExplainsEveryCommandAndOption) {
     CliRun help = run("--help");
     EXPECT_EQ(help.status, 0);
