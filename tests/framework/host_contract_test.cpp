@@ -188,6 +188,9 @@ std::vector<AllowedType> allowedOf(const OutRow& row, bool extended) {
     return allowed;
 }
 
+// The TCP/IP Config's socket is the one in operand of any operation.
+int32_t socketsOf(int32_t methodId) { return methodId == 170201 ? 1 : 0; }
+
 TEST(OperationShells, CreateDummyOperandsMakesTheOperandsOfTheTableInOrder) {
     ScopedHostContext context;
     markTextNumbers(*context);
@@ -198,9 +201,9 @@ TEST(OperationShells, CreateDummyOperandsMakesTheOperandsOfTheTableInOrder) {
         const auto& table = outTable(identity.MethodID);
         EXPECT_TRUE(method->itfFBMethod_IsNew());
         ASSERT_NE(method->itfFBMethod_InOperands(), nullptr);
-        EXPECT_EQ(method->itfFBMethod_InOperands()->Count(), 0);
+        EXPECT_EQ(method->itfFBMethod_InOperands()->Count(), socketsOf(identity.MethodID));
         ASSERT_NE(method->itfFBMethod_VisbleInOperands(), nullptr);
-        EXPECT_EQ(method->itfFBMethod_VisbleInOperands()->Count(), 0);
+        EXPECT_EQ(method->itfFBMethod_VisbleInOperands()->Count(), socketsOf(identity.MethodID));
         OperandCollectionPtr out = method->itfFBMethod_OutOperands();
         ASSERT_NE(out, nullptr);
         ASSERT_EQ(out->Count(), static_cast<int32_t>(table.size()));
@@ -278,7 +281,7 @@ void expectBuiltByTable(bool extended) {
         }
         EXPECT_EQ(method->itfFBMethod_VisbleOutOperands()->Count(), visibleCount);
         EXPECT_EQ(method->itfFBMethod_VisbleOutCout(), visibleCount);
-        EXPECT_EQ(method->itfFBMethod_VisbleInOperands()->Count(), 0);
+        EXPECT_EQ(method->itfFBMethod_VisbleInOperands()->Count(), socketsOf(identity.MethodID));
     }
 }
 
