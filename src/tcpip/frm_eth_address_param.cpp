@@ -102,19 +102,16 @@ void frmEthAddressParam::refresh() {
     cmdMI.Enabled(optMI.Value());
 }
 
-void frmEthAddressParam::optConst_Click() {
+// Either choice starts from nothing: the value and the link both go.
+void frmEthAddressParam::clearParam() {
     if (IsLoading) return;
     param_ = AddressParam{};
     refresh();
     updateCmdOK();
 }
 
-void frmEthAddressParam::optMI_Click() {
-    if (IsLoading) return;
-    param_ = AddressParam{};
-    refresh();
-    updateCmdOK();
-}
+void frmEthAddressParam::optConst_Click() { clearParam(); }
+void frmEthAddressParam::optMI_Click() { clearParam(); }
 
 void frmEthAddressParam::cmdMI_Click() {
     if (!param_.Operand) {

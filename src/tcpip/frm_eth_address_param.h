@@ -41,6 +41,7 @@ public:
     bool IsLoading = false;
 
 private:
+    void clearParam();
     void refresh();
     void updateCmdOK();
     bool isEntryAcceptable() const;

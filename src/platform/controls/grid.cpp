@@ -13,12 +13,14 @@ constexpr int32_t keyEscape = 27;
 
 Grid::Grid(std::wstring name) : Control(std::move(name), colour::Window, colour::WindowText) {}
 
-Grid::Cell& Grid::cell(int32_t row, int32_t col) {
+size_t Grid::indexOf(int32_t row, int32_t col) const {
     if (row < 0 || row >= rows_ || col < 0 || col >= cols_) raiseError(err::InvalidPropertyArrayIndex);
-    return cells_[static_cast<size_t>(row) * static_cast<size_t>(cols_) + static_cast<size_t>(col)];
+    return static_cast<size_t>(row) * static_cast<size_t>(cols_) + static_cast<size_t>(col);
 }
 
-const Grid::Cell& Grid::cell(int32_t row, int32_t col) const { return const_cast<Grid*>(this)->cell(row, col); }
+Grid::Cell& Grid::cell(int32_t row, int32_t col) { return cells_[indexOf(row, col)]; }
+
+const Grid::Cell& Grid::cell(int32_t row, int32_t col) const { return cells_[indexOf(row, col)]; }
 
 void Grid::resize(int32_t rows, int32_t cols) {
     if (rows < 0 || cols < 0) raiseError(err::InvalidPropertyValue);

@@ -112,6 +112,8 @@ private:
         std::optional<uint32_t> BackColor;
         std::optional<uint32_t> ForeColor;
     };
+    // Error 381 outside the grid.
+    size_t indexOf(int32_t row, int32_t col) const;
     Cell& cell(int32_t row, int32_t col);
     const Cell& cell(int32_t row, int32_t col) const;
     void resize(int32_t rows, int32_t cols);
