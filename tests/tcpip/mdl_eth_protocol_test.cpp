@@ -318,7 +318,7 @@ TEST(AddressParamBytes, Flag0ReadsANewLinkedMiAndRegistersIt) {
     const AddressParam param = BytesToAddressParam(Bytes{0, 0, 0xC8, 0x00, 0, 0});
     expectLinkedMi(param, 200);
     EXPECT_EQ(context->Operands.LinkCount(3, 200), 1);
-    // Bytes 4 and 5 are not part of the address.
+    // Bytes 4 and 5 do not belong to the address.
     expectLinkedMi(BytesToAddressParam(Bytes{0, 0, 0xFF, 0xFF, 0x12, 0x34}), 65535);
 }
 
