@@ -35,6 +35,7 @@
 #include "sets/send_set.h"
 #include "support/random_sets.h"
 #include "support/stored_link.h"
+#include "tcpip/mdl_eth_protocol.h"
 
 namespace {
 
@@ -295,6 +296,61 @@ Project netsProject() {
     return project;
 }
 
+// The table of a new TCP/IP Config: port 20000, "Address " and the index.
+std::vector<EthAddress> newAddressTable() {
+    std::vector<EthAddress> table(eth::AddressCount);
+    for (size_t i = 0; i < table.size(); ++i) {
+        table[i].Port.Value = 20000;
+        table[i].Description = L"Address " + std::to_wstring(i);
+    }
+    return table;
+}
+
+OperandPtr linkedMI(int32_t address) {
+    OperandPtr operand = newOperand();
+    link(*operand, 3, address);
+    return operand;
+}
+
+// Constants and linked MIs on both sides, a port with no IP, descriptions
+// short, cut and outside ASCII.
+std::vector<EthAddress> mixedAddressTable() {
+    std::vector<EthAddress> table(eth::AddressCount);
+    table[0] = {{nullptr, 0x0A01A8C0}, {nullptr, 502}, L"PLC NORTH 01"};
+    table[1] = {{linkedMI(200), 0}, {linkedMI(204), 0}, L"Scale"};
+    table[2] = {{nullptr, 0x0100000A}, {linkedMI(65535), 0}, L"A longer description"};
+    table[3] = {{}, {nullptr, 20000}, L"Caf\xe9"};
+    table[4] = {{linkedMI(0), 0}, {}, L"\x3a9\x20ac"};
+    table[5] = {{nullptr, -1}, {nullptr, -1}, L""};
+    return table;
+}
+
+void writeAddressTableSeeds() {
+    const std::string target = "fuzz_address_table";
+    ScopedHostContext context;
+    writeSeed(target, "new_instance", false, BuildAddressTableImage(newAddressTable()));
+    const std::vector<EthAddress> mixed = mixedAddressTable();
+    const Bytes rows = BuildAddressTableImage(mixed);
+    writeSeed(target, "mixed_rows", false, rows);
+    writeSeed(target, "two_records", false, BuildAddressTableImage({mixed[0], mixed[1]}));
+    writeSeed(target, "no_record", false, BuildAddressTableImage({}));
+    writeSeed(target, "255_records", false, BuildAddressTableImage(std::vector<EthAddress>(255, mixed[0])));
+    // A used flag of 7, parameter flags of 2 and 255 (both read as constants)
+    // and a byte 0 in a description: bytes no writer makes.
+    Bytes odd = rows;
+    odd[2] = 7;
+    odd[4] = 2;
+    odd[10] = 0xFF;
+    odd[16 + 11] = 0;
+    writeSeed(target, "odd_flags", false, odd);
+    // Short of their count: at the header, inside a parameter, one byte short.
+    for (size_t length : {1u, 2u, 31u, 200u, 417u}) {
+        writeSeed(target, "truncated_" + std::to_string(length), false,
+                  Bytes(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(length)));
+    }
+    writeSeed(target, "empty", false, Bytes{});
+}
+
 std::string readWhole(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
     std::ostringstream content;
@@ -428,6 +484,7 @@ int main(int argc, char** argv) {
     }
     writeSeed(copyBuffer, "one_byte", false, Bytes{2});
 
+    writeAddressTableSeeds();
     writeProjectSeeds();
 
     std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());

@@ -37,9 +37,11 @@ inline constexpr size_t AddressTableSize = 2 + AddressCount * AddressRecordSize;
 }  // namespace eth
 
 // Version 100, the record count, then one 26-byte record per address. An
-// operand address that does not fit its word is error 6.
+// operand address that does not fit its word is error 6, and so is a table
+// of more than 255 records.
 Bytes BuildAddressTableImage(const std::vector<EthAddress>& table);
-// As many records as byte 1 says; an image shorter than that is error 9.
+// As many records as byte 1 says; an image shorter than that is error 9,
+// raised before any of its MIs is registered. The version byte is not read.
 // The description keeps its padding blanks.
 std::vector<EthAddress> ParseAddressTableImage(const Bytes& image);
 Bytes AddressParamToBytes(const AddressParam& param);
