@@ -70,6 +70,8 @@ void EditOperandChecked(OperandPtr& operand) {
     old->ReleaseOperand();
 }
 
+bool hasForbiddenNameCharacter(const std::wstring& name) { return name.find_first_of(L"'~|\"") != std::wstring::npos; }
+
 bool IsExtendedOperandsEnabled() { return clsEnvironment().IsExtendedOperandsEnabled(); }
 
 PicturePtr GetDialogIcon(int32_t N) { return clsPictureTable().GetPicture(N); }

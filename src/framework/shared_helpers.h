@@ -22,6 +22,9 @@ bool IsConstantOperandType(int32_t operandType);
 // through a stand-alone copy of the old identity.
 void EditOperandChecked(OperandPtr& operand);
 bool IsExtendedOperandsEnabled();
+// Whether the name holds a character the host cannot store in an instance
+// name: ' ~ | ".
+bool hasForbiddenNameCharacter(const std::wstring& name);
 // Index of the first item with this item data; 0 when there is none.
 int32_t FindComboIndex(const ComboBox& combo, int32_t itemData);
 // Gives a form and every control on it the host's font.

@@ -1,7 +1,5 @@
 #include "serial/frm_protocol_config.h"
 
-#include <string_view>
-
 #include "framework/fb_method_base.h"
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
@@ -16,8 +14,6 @@ constexpr int32_t iconPicture = 302;
 constexpr int32_t instanceNameLimit = 22;
 constexpr int32_t messageNameEmpty = 152;
 constexpr int32_t messageNameTaken = 153;
-// The host cannot store these in an instance name.
-constexpr std::wstring_view forbiddenNameCharacters = L"'~|\"";
 }  // namespace
 
 frmProtocolConfig::frmProtocolConfig() : Form(L"frmProtocolConfig") {
@@ -110,7 +106,7 @@ void frmProtocolConfig::cbComport_Click() {
 
 void frmProtocolConfig::txtInstanceName_Change() {
     if (IsLoading) return;
-    if (txtInstanceName.Text().find_first_of(forbiddenNameCharacters) == std::wstring::npos) return;
+    if (!hasForbiddenNameCharacter(txtInstanceName.Text())) return;
     // The whole input goes, not only the bad character.
     IsLoading = true;
     txtInstanceName.Text(L"");

@@ -1,7 +1,5 @@
 #include "tcpip/frm_eth_protocol_config.h"
 
-#include <string_view>
-
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
 #include "platform/host/host_services.h"
@@ -15,8 +13,6 @@ constexpr int32_t gridPointer = 201;
 constexpr int32_t instanceNameLimit = 22;
 constexpr int32_t messageNameTaken = 110;
 constexpr int32_t defaultPort = 20000;
-// The host cannot store these in an instance name.
-constexpr std::wstring_view forbiddenNameCharacters = L"'~|\"";
 
 // Columns of the address grid.
 constexpr int32_t colIndex = 0, colIP = 1, colPort = 2, colDescription = 3;
@@ -270,7 +266,7 @@ void frmEthProtocolConfig::cmdClearLink_Click() {
 }
 
 void frmEthProtocolConfig::txtInstanceName_Change() {
-    if (txtInstanceName.Text().find_first_of(forbiddenNameCharacters) != std::wstring::npos) {
+    if (hasForbiddenNameCharacter(txtInstanceName.Text())) {
         // The whole input goes, not only the bad character.
         systemBeep();
         txtInstanceName.Text(L"");
