@@ -14,11 +14,13 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 #include <QSignalBlocker>
+#include <QTabBar>
 #include <string>
 
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
 #include "platform/controls/ip_address_control.h"
+#include "platform/controls/tab_strip.h"
 #include "platform/controls/text_box.h"
 #include "qt/colours.h"
 #include "qt/grid_binding.h"
@@ -341,6 +343,44 @@ private:
     QLineEdit& widget_;
 };
 
+// Tab n of the model is index n - 1 of the bar. The bar moves by itself when
+// clicked; the model decides, and the bar shows the model's choice again.
+class TabStripBinding : public ControlBinding {
+public:
+    TabStripBinding(TabStrip& strip, QTabBar& widget) : ControlBinding(strip, widget), strip_(strip), widget_(widget) {
+        QObject::connect(&widget, &QTabBar::tabBarClicked, this, [this](int index) {
+            if (index >= 0) runModelAction([&] { strip_.UserSelect(index + 1); });
+            showProperty("SelectedTab");
+        });
+        QObject::connect(&widget, &QTabBar::currentChanged, this, [this](int index) {
+            // Keys move the bar too.
+            if (index + 1 != strip_.SelectedTab()) runModelAction([&] { strip_.UserSelect(index + 1); });
+            showProperty("SelectedTab");
+        });
+        start();
+    }
+
+protected:
+    void showProperty(std::string_view property) override {
+        ControlBinding::showProperty(property);
+        const QSignalBlocker quiet(widget_);
+        if (is(property, "Tabs")) {
+            while (widget_.count() > strip_.Tabs()) widget_.removeTab(widget_.count() - 1);
+            for (int32_t tab = 1; tab <= strip_.Tabs(); ++tab) {
+                if (widget_.count() < tab) widget_.addTab(QString());
+                widget_.setTabText(tab - 1, toQString(strip_.TabCaption(tab)));
+                widget_.setTabVisible(tab - 1, strip_.TabVisible(tab));
+            }
+        }
+        if (is(property, "Tabs") || is(property, "SelectedTab"))
+            if (strip_.SelectedTab() > 0) widget_.setCurrentIndex(strip_.SelectedTab() - 1);
+    }
+
+private:
+    TabStrip& strip_;
+    QTabBar& widget_;
+};
+
 template <class Model, class View, class Binding>
 std::unique_ptr<ControlBinding> bindAs(Control& control, QWidget& widget) {
     auto* model = dynamic_cast<Model*>(&control);
@@ -403,6 +443,7 @@ std::unique_ptr<ControlBinding> ControlBinding::bind(Control& control, QWidget& 
     if (auto bound = bindAs<TextBox, QLineEdit, TextBoxBinding>(control, widget)) return bound;
     if (auto bound = bindAs<ComboBox, QComboBox, ComboBinding>(control, widget)) return bound;
     if (auto bound = bindAs<IPAddressControl, QLineEdit, IPAddressBinding>(control, widget)) return bound;
+    if (auto bound = bindAs<TabStrip, QTabBar, TabStripBinding>(control, widget)) return bound;
     return bindGrid(control, widget);
 }
 
