@@ -45,6 +45,9 @@ void FormBinding::showForm(std::string_view property) {
         if (!icon.isNull()) window_.setWindowIcon(QIcon(icon));
     }
     if (property.empty() || property == "Font") window_.setFont(toQFont(form_.Font(), window_.font()));
+    // Twips at 96 dots per inch: 15 a pixel.
+    if ((property.empty() || property == "Height") && form_.Height() > 0)
+        window_.resize(window_.width(), form_.Height() / 15);
 }
 
 }  // namespace qx

@@ -45,7 +45,10 @@ OperandPicker::OperandPicker(const clsOperand& operand, QWidget* parent)
 
     const clsOperandTypeNames names;
     for (const AllowedType& allowed : operand.AllowedTypes()) {
-        if (!allowed.Allowed) continue;
+        // A type allowed and forbidden again is offered by its latest word, once.
+        if (!operand.IsTypeAllowed(allowed.Mode, allowed.OperandType) ||
+            cbKind_->findData(kindData(allowed.Mode, allowed.OperandType)) >= 0)
+            continue;
         QString text = toQString(names.GetName(allowed.OperandType));
         if (allowed.Mode == ConstantMode) text += QStringLiteral(" (constant)");
         cbKind_->addItem(text, kindData(allowed.Mode, allowed.OperandType));

@@ -131,11 +131,13 @@ TEST(Operand, AllowedTypesBeyondTheInlineOnesKeepTheirOrder) {
     EXPECT_EQ(op.AllowedTypes(), (std::vector<AllowedType>{{2, 37, true}}));
 }
 
-TEST(Operand, TheFirstEntryOfATypeDecides) {
+TEST(Operand, TheLatestEntryOfATypeDecides) {
     ScopedHostContext context;
     clsOperand op;
     op.AddAllowedType(1, 3, false);
     op.AddAllowedType(1, 3, true);
+    EXPECT_TRUE(op.IsTypeAllowed(1, 3));
+    op.AddAllowedType(1, 3, false);
     EXPECT_FALSE(op.IsTypeAllowed(1, 3));
 }
 

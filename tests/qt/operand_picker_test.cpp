@@ -50,6 +50,17 @@ TEST_F(OperandPickerTest, OffersTheAllowedKindsOnlyAndWritesNothingBeforeOk) {
     EXPECT_EQ(operand.OperandAddress(), 42);
 }
 
+TEST_F(OperandPickerTest, ATypeAllowedAndForbiddenAgainIsOfferedByItsLatestWordOnce) {
+    operand.AddAllowedType(MemoryMode, 3, true);
+    operand.AddAllowedType(MemoryMode, 7, true);
+    operand.AddAllowedType(MemoryMode, 7, false);
+    operand.AddAllowedType(MemoryMode, 3, true);
+    OperandPicker picker(operand);
+    auto* kind = child<QComboBox>(picker, "cbKind");
+    ASSERT_EQ(kind->count(), 1);
+    EXPECT_EQ(kind->itemText(0), QStringLiteral("MI"));
+}
+
 TEST_F(OperandPickerTest, AConstantListOffersItsEntriesAndTheChosenOneBecomesTheValue) {
     operand.AddAllowedType(ConstantMode, 34, true);
     operand.OperandConstantListMode(1);

@@ -79,7 +79,9 @@ bool Control::CanAct() const {
 }
 
 void Control::SetFocus() {
-    if (parent_) parent_->activeControl_ = this;
+    if (!parent_ || parent_->activeControl_ == this) return;
+    parent_->activeControl_ = this;
+    if (OnGotFocus) OnGotFocus();
 }
 
 void Control::UserKeyPress(int32_t KeyAscii) {

@@ -82,7 +82,9 @@ public:
 
     // Whether a person can act on the control now.
     bool CanAct() const;
+    // Makes the control the form's active one; GotFocus is raised when it was not.
     void SetFocus();
+    std::function<void()> OnGotFocus;
 
     // A key stroke (an ANSI code: 8 backspace, 13 enter, 27 escape): the
     // form sees it first when it previews keys, then the control's KeyPress;

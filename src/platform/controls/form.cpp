@@ -1,5 +1,7 @@
 #include "platform/controls/form.h"
 
+#include "platform/basics/runtime_error.h"
+
 namespace qx {
 
 Form::Form(std::wstring name) : name_(std::move(name)) {}
@@ -19,6 +21,13 @@ void Form::Font(const qx::Font& value) {
     if (font_ == value) return;
     font_ = value;
     notify("Font");
+}
+
+void Form::Height(int32_t twips) {
+    if (twips < 0) raiseError(err::InvalidPropertyValue);
+    if (height_ == twips) return;
+    height_ = twips;
+    notify("Height");
 }
 
 void Form::addControls(std::initializer_list<Control*> controls) {

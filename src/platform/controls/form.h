@@ -35,6 +35,9 @@ public:
     void Icon(PicturePtr value);
     qx::Font Font() const { return font_; }
     void Font(const qx::Font& value);
+    // The window's height in twips; 0 leaves the view its own.
+    int32_t Height() const { return height_; }
+    void Height(int32_t twips);
     bool KeyPreview() const { return keyPreview_; }
     void KeyPreview(bool value) { keyPreview_ = value; }
 
@@ -79,6 +82,7 @@ private:
     PicturePtr icon_;
     qx::Font font_;
     bool keyPreview_ = false;
+    int32_t height_ = 0;
     bool loaded_ = false;
     bool visible_ = false;
     std::vector<Control*> controls_;

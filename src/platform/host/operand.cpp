@@ -83,12 +83,13 @@ std::vector<AllowedType> clsOperand::AllowedTypes() const {
     return all;
 }
 
-// The first entry of the type decides.
+// The latest call for a type decides: the field dialog allows and forbids
+// floats again as the person moves between its tabs.
 bool clsOperand::IsTypeAllowed(int32_t mode, int32_t operandType) const {
-    for (size_t i = 0; i < allowedCount_; ++i)
+    for (auto a = allowedMore_.rbegin(); a != allowedMore_.rend(); ++a)
+        if (a->Mode == mode && a->OperandType == operandType) return a->Allowed;
+    for (size_t i = allowedCount_; i-- > 0;)
         if (allowed_[i].Mode == mode && allowed_[i].OperandType == operandType) return allowed_[i].Allowed;
-    for (const auto& a : allowedMore_)
-        if (a.Mode == mode && a.OperandType == operandType) return a.Allowed;
     return false;
 }
 
