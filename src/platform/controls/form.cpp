@@ -21,7 +21,9 @@ void Form::Font(const qx::Font& value) {
     notify("Font");
 }
 
-void Form::addControls(std::initializer_list<Control*> controls) {
+void Form::addControls(std::initializer_list<Control*> controls) { addControls(std::vector<Control*>(controls)); }
+
+void Form::addControls(const std::vector<Control*>& controls) {
     for (Control* control : controls) {
         control->parent_ = this;
         controls_.push_back(control);
