@@ -8,6 +8,7 @@
 
 #include "component/gate.h"
 #include "component/registry.h"
+#include "field_editors/field_editors.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/ascii_case.h"
 #include "platform/basics/object_count.h"
@@ -230,6 +231,9 @@ HRESULT serverGetClassObject(const GUID* rclsid, const GUID* riid, void** ppv) {
     *ppv = nullptr;
     if (!rclsid || !riid) return E_INVALIDARG;
     try {
+        // Every object of the component is made through here, so the sets
+        // find their dialogs whichever class the host asks for first.
+        installFieldEditors();
         const PublicClass* cls = findPublicClass(*rclsid);
         if (!cls) return CLASS_E_CLASSNOTAVAILABLE;
         auto* factory = new ClassFactory(*cls);

@@ -8,7 +8,9 @@
 #include "ui_frm_eth_address_param.h"
 #include "ui_frm_eth_protocol_config.h"
 #include "ui_frm_protocol_config.h"
+#include "ui_frm_protocol_config_advanced.h"
 #include "ui_frm_protocol_copy_bytes.h"
+#include "ui_frm_protocol_hex_selector.h"
 
 namespace qx {
 
@@ -28,6 +30,8 @@ const std::map<std::wstring, SetUp>& views() {
         {L"frmEthProtocolConfig", setUp<Ui::frmEthProtocolConfig>},
         {L"frmEthAddressParam", setUp<Ui::frmEthAddressParam>},
         {L"frmProtocolCopyBytes", setUp<Ui::frmProtocolCopyBytes>},
+        {L"frmProtocolHexSelector", setUp<Ui::frmProtocolHexSelector>},
+        {L"frmProtocolConfigAdvanced", setUp<Ui::frmProtocolConfigAdvanced>},
     };
     return table;
 }

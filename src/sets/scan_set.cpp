@@ -1,5 +1,6 @@
 #include "sets/scan_set.h"
 
+#include "message/editor_hooks.h"
 #include "message/protocol_cs_var.h"
 #include "sets/scan_image.h"
 
@@ -38,6 +39,8 @@ void clsProtocolScanSrv::SetScanETXValue(int32_t pIndex, uint8_t pValue, bool pE
 }
 
 void clsProtocolScanSrv::ClearScanSTX() { scanSTXChars_.fill(FrameChar{}); }
+
+void clsProtocolScanSrv::EditScanETXAdvanced() { editEndOfMessageOnReplica(scanChecksum_, endOfScanMessageType_); }
 
 void clsProtocolScanSrv::ClearScanETX() {
     scanETXChars_.fill(FrameChar{});

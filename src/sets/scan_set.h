@@ -73,6 +73,10 @@ public:
     void ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress) {
         messages_.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
     }
+    // The end-of-message dialog on a replica of ScanChecksum and a copy of
+    // EndOfScanMessageType; both are taken back only when the user accepts.
+    // Opens the dialog through editorHooks(): RuntimeError(91) when none is installed.
+    void EditScanETXAdvanced();
     void SetScanSTXValue(int32_t pIndex, uint8_t pValue, bool pSTXByAscii);
     void SetScanETXValue(int32_t pIndex, uint8_t pValue, bool pETXByAscii);
     // All start characters to zero; the length stays.

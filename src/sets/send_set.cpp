@@ -4,6 +4,7 @@
 
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
+#include "message/editor_hooks.h"
 #include "message/field_state.h"
 #include "message/protocol_cs_var.h"
 #include "sets/send_image.h"
@@ -77,6 +78,8 @@ void clsProtocolSendSrv::ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int3
     for (const auto& operand : {opMessageNumber_, opCopyWhenOn_, opCopyDestination_})
         replaceOperandAddress(*operand, pOpNetID, pOpType, pOpAddress, pNewOpAddress);
 }
+
+void clsProtocolSendSrv::EditSendETXAdvanced() { editEndOfMessageOnReplica(sendChecksum_, endOfSendMessageType_); }
 
 void clsProtocolSendSrv::ClearSendETX() {
     sendETXChars_.fill(FrameChar{});

@@ -64,6 +64,10 @@ public:
     // The family's help: the method id cut to a multiple of 100.
     void ShowHelp();
     void ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress);
+    // The end-of-message dialog on a replica of SendChecksum and a copy of
+    // EndOfSendMessageType; both are taken back only when the user accepts.
+    // Opens the dialog through editorHooks(): RuntimeError(91) when none is installed.
+    void EditSendETXAdvanced();
     // All end characters to zero and the end of message back to "ETX"; the length stays.
     void ClearSendETX();
     // All start characters to zero; the length stays.

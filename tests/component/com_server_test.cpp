@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "message/editor_hooks.h"
 #include "platform/basics/runtime_error.h"
 
 namespace qx {
@@ -129,6 +130,15 @@ TEST(ServerResults, NullArgumentsAreRefusedWithoutTouchingAnything) {
     EXPECT_EQ(serverGetClassObject(&CLSID_clsGate, &IID_IClassFactory, nullptr), E_POINTER);
     GUID clsid{};
     EXPECT_EQ(serverCLSIDFromProgID(nullptr, &clsid), E_POINTER);
+}
+
+TEST(ClassObjects, TheFirstOneInstallsTheFieldEditorsForTheSets) {
+    ScopedEditorHooks hooks;
+    editorHooks().EndOfMessage = nullptr;
+    void* pv = nullptr;
+    ASSERT_EQ(serverGetClassObject(&CLSID_clsProtocolSend, &IID_IClassFactory, &pv), S_OK);
+    static_cast<IClassFactory*>(pv)->Release();
+    EXPECT_TRUE(static_cast<bool>(editorHooks().EndOfMessage));
 }
 
 }  // namespace

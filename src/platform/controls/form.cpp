@@ -30,7 +30,9 @@ void Form::Height(int32_t twips) {
     notify("Height");
 }
 
-void Form::addControls(std::initializer_list<Control*> controls) {
+void Form::addControls(std::initializer_list<Control*> controls) { addControls(std::vector<Control*>(controls)); }
+
+void Form::addControls(const std::vector<Control*>& controls) {
     for (Control* control : controls) {
         control->parent_ = this;
         controls_.push_back(control);

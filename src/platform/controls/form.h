@@ -72,6 +72,8 @@ public:
 protected:
     // Places the dialog's member controls on the form, in tab order.
     void addControls(std::initializer_list<Control*> controls);
+    // The same for a group of controls that a part of the dialog owns.
+    void addControls(const std::vector<Control*>& controls);
 
 private:
     friend class Control;

@@ -1,0 +1,30 @@
+#include "message/editor_hooks.h"
+
+#include "message/protocol_cs_var.h"
+#include "platform/basics/runtime_error.h"
+
+namespace qx {
+
+EditorHooks& editorHooks() {
+    static EditorHooks hooks;
+    return hooks;
+}
+
+bool runEndOfMessageEditor(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType) {
+    const EndOfMessageEditor& editor = editorHooks().EndOfMessage;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No end-of-message editor is installed; call installFieldEditors() first.");
+    return editor(std::move(pChecksum), pEndOfMessageType);
+}
+
+void editEndOfMessageOnReplica(VarPtr& checksum, int32_t& endOfMessageType) {
+    auto replica = std::dynamic_pointer_cast<clsProtocolCSVar>(objectOf(checksum).GetReplica());
+    if (!replica) raiseError(err::TypeMismatch);
+    int32_t type = endOfMessageType;
+    if (!runEndOfMessageEditor(replica, type)) return;
+    endOfMessageType = type;
+    checksum = std::move(replica);
+}
+
+}  // namespace qx
