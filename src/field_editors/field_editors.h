@@ -7,9 +7,8 @@
 namespace qx {
 
 // Installs frmProtocolConfigAdvanced as the end-of-message editor of the
-// Send and Scan sets. The component calls it at its first entry; a program
-// that links the core without the component calls it once before editing.
-// Calling it again changes nothing.
+// Send and Scan sets, and frmProtocolVars as the editor of every field. The component calls it at its first entry; a
+// program that links the core without the component calls it once before editing. Calling it again changes nothing.
 void installFieldEditors();
 
 }  // namespace qx

@@ -18,6 +18,14 @@ bool runEndOfMessageEditor(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t&
     return editor(std::move(pChecksum), pEndOfMessageType);
 }
 
+VarPtr runFieldEditor(VarPtr pVar, int32_t& pMethodType) {
+    const FieldEditor& editor = editorHooks().Field;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No field editor is installed; call installFieldEditors() first.");
+    return editor(std::move(pVar), pMethodType);
+}
+
 void editEndOfMessageOnReplica(VarPtr& checksum, int32_t& endOfMessageType) {
     auto replica = std::dynamic_pointer_cast<clsProtocolCSVar>(objectOf(checksum).GetReplica());
     if (!replica) raiseError(err::TypeMismatch);

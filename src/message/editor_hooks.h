@@ -21,8 +21,14 @@ class clsProtocolCSVar;
 // changed even when it answers false.
 using EndOfMessageEditor = std::function<bool(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType)>;
 
+// Edits a field: gets the replica and pMethodType (1 Scan, else Send) and
+// answers the field to use, perhaps of another class, with IsCanceled set
+// when the user cancelled.
+using FieldEditor = std::function<VarPtr(VarPtr pVar, int32_t& pMethodType)>;
+
 struct EditorHooks {
     EndOfMessageEditor EndOfMessage;
+    FieldEditor Field;
 };
 
 // The hooks in force, one set for the process.
@@ -32,6 +38,9 @@ EditorHooks& editorHooks();
 // RuntimeError(91), as a call on an object that was never set does: the
 // program forgot installFieldEditors().
 bool runEndOfMessageEditor(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType);
+
+// Runs the field editor; RuntimeError(91) without one, as above.
+VarPtr runFieldEditor(VarPtr pVar, int32_t& pMethodType);
 
 // What both message sets do for their end of message: the editor gets a
 // replica of the set's checksum and a copy of its type; only when the user

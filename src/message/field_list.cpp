@@ -22,6 +22,14 @@ void FieldList::Add(VarPtr var) {
     ++count_;
 }
 
+void FieldList::Insert(int32_t index, VarPtr var) {
+    if (index < 1 || static_cast<size_t>(index) > count_ + 1) raiseError(err::InvalidProcedureCall);
+    Add(std::move(var));
+    // Rotate the new last field back to its place.
+    VarPtr* fields = spilled_ ? heap_.data() : inline_.data();
+    std::rotate(fields + (index - 1), fields + count_ - 1, fields + count_);
+}
+
 void FieldList::Remove(int32_t index) {
     const size_t at = checkedIndex(index);
     if (spilled_) {

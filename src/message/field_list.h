@@ -20,6 +20,8 @@ public:
     void Add(VarPtr var);
     // A bad place raises RuntimeError(5).
     const VarPtr& Item(int32_t index) const { return data()[checkedIndex(index)]; }
+    // Puts the field at that place (Count + 1 appends); others move up one.
+    void Insert(int32_t index, VarPtr var);
     void Remove(int32_t index);
 
     const VarPtr* begin() const { return data(); }

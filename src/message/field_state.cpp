@@ -1,6 +1,7 @@
 #include "message/field_state.h"
 
 #include "framework/shared_helpers.h"
+#include "message/editor_hooks.h"
 #include "platform/basics/ansi.h"
 
 namespace qx {
@@ -26,6 +27,11 @@ void FieldState::GetVarPropsEX(int32_t& pStartPosition, int32_t& pLength, bool& 
 }
 
 void FieldState::Shift(int32_t) {}
+
+VarPtr FieldState::EditVar(int32_t pMethodType) {
+    int32_t methodType = pMethodType;
+    return runFieldEditor(GetReplica(), methodType);
+}
 
 OperandPtr newFieldOperand(std::initializer_list<int32_t> types, std::initializer_list<int32_t> extendedTypes,
                            int32_t operandType) {

@@ -34,6 +34,8 @@ public:
                        std::wstring& pToolTipText, uint32_t& pVarBackColor, uint32_t& pVarForeColor) override;
     // Fields never move themselves.
     void Shift(int32_t pDirection) override;
+    // Every field class alike: a replica goes to the field dialog.
+    VarPtr EditVar(int32_t pMethodType) override;
     // Only the checksum keeps these; every other field ignores them.
     void MethodType(int32_t) override {}
     void VERSION(int32_t) override {}

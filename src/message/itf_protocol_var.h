@@ -66,9 +66,12 @@ public:
     virtual void GetVarPropsEX(int32_t& pStartPosition, int32_t& pLength, bool& pIsSelected,
                                std::wstring& pDisplayString, std::wstring& pToolTipText, uint32_t& pVarBackColor,
                                uint32_t& pVarForeColor) = 0;
-    // The field dialog arrives with the field editors; until then no field implements EditVar.
     virtual void Shift(int32_t pDirection) = 0;
     virtual VarPtr GetReplica() = 0;
+    // Gives a replica of the field to the field dialog and answers what the
+    // dialog returns: perhaps a field of another class, with IsCanceled set
+    // on Cancel. The field itself stays as it was.
+    virtual VarPtr EditVar(int32_t pMethodType) = 0;
     virtual void AddOperandsToFindOnlyCollection(OperandCollection& pOperandsForFindOnly) = 0;
     virtual int32_t GetVarSegmentType() = 0;
     virtual void MethodType(int32_t value) = 0;

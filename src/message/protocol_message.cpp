@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_cs_var.h"
+#include "message/protocol_numeric_var.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_services.h"
@@ -13,6 +15,9 @@ namespace qx {
 namespace {
 
 constexpr wchar_t Blank = L' ';
+constexpr int32_t messageFieldTooLong = 158;
+constexpr int32_t messageFieldPastEnd = 159;
+constexpr int32_t messageTooManyFields = 160;
 // Image values below this are control characters.
 constexpr uint8_t FirstPrintable = 32;
 
@@ -182,6 +187,66 @@ void clsProtocolMessage::InsertChar(int32_t pPosition, const std::wstring& pChar
     }
     for (size_t i = MaxPositions - 1; i > at; --i) controlChars_[i] = controlChars_[i - 1];
     controlChars_[at] = NoControlChar;
+}
+
+bool clsProtocolMessage::EditVar(int32_t pPosition) {
+    int32_t place = 0;
+    for (int32_t i = 1; i <= Vars.Count(); ++i) {
+        if (Vars.Item(i)->HitTest(pPosition)) {
+            place = i;
+            break;
+        }
+    }
+    if (place == 0) {
+        if (Vars.Count() >= MaxVars) {
+            ShowMessage(messageTooManyFields, {std::to_wstring(MaxVars)});
+            return false;
+        }
+        auto fresh = std::make_shared<clsProtocolNumericVar>();
+        fresh->StartPosition(pPosition);
+        VarPtr field = fresh->EditVar(methodType_);
+        const int32_t length = field->Length();
+        if (length > MaxPositions) {
+            ShowMessage(messageFieldTooLong, {std::to_wstring(MaxPositions)});
+            return false;
+        }
+        if (length == 0) return false;
+        if (field->IsCanceled()) return true;
+        if (field->StartPosition() + length > MaxPositions) {
+            ShowMessage(messageFieldPastEnd);
+            return true;
+        }
+        int32_t before = Vars.Count() + 1;
+        for (int32_t i = 1; i <= Vars.Count(); ++i) {
+            if (Vars.Item(i)->StartPosition() > field->StartPosition()) {
+                before = i;
+                break;
+            }
+        }
+        InsertBlanks(pPosition, length);
+        Vars.Insert(before, std::move(field));
+        return true;
+    }
+
+    const VarPtr old = Vars.Item(place);
+    const int32_t oldLength = old->Length();
+    VarPtr field = old->EditVar(methodType_);
+    const int32_t length = field->Length();
+    if (length > MaxPositions) {
+        ShowMessage(messageFieldTooLong, {std::to_wstring(MaxPositions)});
+        return false;
+    }
+    if (length == 0) return false;
+    if (field->StartPosition() + length > MaxPositions) {
+        ShowMessage(messageFieldPastEnd);
+        return true;
+    }
+    if (field->IsCanceled()) return true;
+    // Out of the list while the blanks go in, so that the field itself stays put.
+    Vars.Remove(place);
+    if (length > oldLength) InsertBlanks(pPosition, length - oldLength);
+    Vars.Insert(place, std::move(field));
+    return true;
 }
 
 void clsProtocolMessage::InsertBlanks(int32_t pPosition, int32_t count) {

@@ -81,6 +81,11 @@ public:
     bool ControlCharHitTest(int32_t pPosition) const;
     // Selects the field under the position, unselects all others.
     bool HitTest(int32_t pPosition);
+    // Edits the field under the position in the field dialog, or makes a new
+    // one there; true when the editor must redraw the row. A new field pushes
+    // what follows by its length; a field that grows pushes by the growth.
+    // Refused, with the host's message, beyond 50 fields or 500 positions.
+    bool EditVar(int32_t pPosition);
     // Overwrites the position and moves nothing.
     void AddControlChar(int32_t pPosition, int32_t pControlChar);
     // The Delete key: beeps and deletes nothing under a field.
