@@ -909,5 +909,51 @@ TEST_F(NumericTabsTest, AScanChecksumHasItsNumericTabFilled) {
     EXPECT_EQ(numeric->BeforePoint(), 2);
 }
 
+// --- Values the lists do not hold ---
+
+TEST_F(NumericTabsTest, AValueNoListHoldsShowsTheFirstItemAndStaysOnTheField) {
+    auto sendSide = sendField(5);
+    sendSide->VectorLength(150);
+    sendSide->LeadingZeros(7);
+    sendSide->StreamVectorLength(300);
+    send(sendSide, [](SendNumericPanel& panel, frmProtocolVars&) {
+        EXPECT_EQ(panel.cbVectorLength.Text(), L"1");
+        EXPECT_EQ(panel.cbLeading.Text(), L"No Leading");
+        EXPECT_EQ(panel.cbSteamVector.Text(), L"1");
+    });
+    EXPECT_EQ(sendSide->VectorLength(), 150);
+    EXPECT_EQ(sendSide->LeadingZeros(), 7);
+    EXPECT_EQ(sendSide->StreamVectorLength(), 300);
+
+    auto scanSide = scanField(5);
+    scanSide->BeforePoint(12);
+    scanSide->VectorLength(101);
+    scan(scanSide, [](ScanNumericPanel& panel, frmProtocolVars&) {
+        EXPECT_EQ(panel.cbScanLength.Text(), L"1");
+        EXPECT_EQ(panel.cbScanHexLength.ListIndex(), 0);
+        EXPECT_EQ(panel.cbScanVectorLength.Text(), L"1");
+    });
+    EXPECT_EQ(scanSide->BeforePoint(), 12);
+    EXPECT_EQ(scanSide->VectorLength(), 101);
+}
+
+TEST_F(NumericTabsTest, TheSendDialogTakesTheHeightOfTheFormatAndTheForm) {
+    auto field = sendField(5);
+    field->VarFormat(2);
+    std::vector<int32_t> heights;
+    send(field, [&](SendNumericPanel& panel, frmProtocolVars& dialog) {
+        heights.push_back(dialog.Height());
+        dialog.tbSMSVars.UserSelect(3);
+        heights.push_back(dialog.Height());
+        dialog.tbSMSVars.UserSelect(2);
+        heights.push_back(dialog.Height());
+        panel.cbVarFormat.UserSelect(0);
+        heights.push_back(dialog.Height());
+        panel.cbVarFormat.UserSelect(1);
+        heights.push_back(dialog.Height());
+    });
+    EXPECT_EQ(heights, (std::vector<int32_t>{3300, 4050, 3300, 4650, 3300}));
+}
+
 }  // namespace
 }  // namespace qx
