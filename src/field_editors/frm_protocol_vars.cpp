@@ -98,34 +98,14 @@ DialogSize sizeFor(int32_t kind, int32_t streamForm, int32_t varFormat) {
 }  // namespace
 
 frmProtocolVars::frmProtocolVars() : Form(L"frmProtocolVars") {
-    addControls({&tbSMSVars,
-                 &SSActiveTabPanel1,
-                 &fText0,
-                 &txtText0,
-                 &fText1,
-                 &txtText1,
-                 &SSActiveTabPanel2,
-                 &SSActiveTabPanel4,
-                 &SSActiveTabPanel3,
-                 &flgListTexts,
-                 &cmndNewVLT,
-                 &cmdDeleteVLT,
-                 &ckListTextAlign,
-                 &cbListTextAlign,
-                 &SSActiveTabPanel5,
-                 &SSActiveTabPanel6,
-                 &SSActiveTabPanel9,
-                 &SSActiveTabPanel7,
-                 &lbDateFormatType,
-                 &cbDateFormatType,
-                 &SSActiveTabPanel8,
-                 &lbTimeFormatType,
-                 &cbTimeFormatType,
-                 &lblLink,
-                 &lblOpData,
-                 &cmdLink,
-                 &cmdOk,
-                 &cmdCancel});
+    addControls({&tbSMSVars, &SSActiveTabPanel1, &fText0, &txtText0, &fText1, &txtText1, &SSActiveTabPanel2,
+                 &SSActiveTabPanel4});
+    for (Control* control : SendNumeric.Controls()) addControls({control});
+    addControls({&SSActiveTabPanel3, &flgListTexts, &cmndNewVLT, &cmdDeleteVLT, &ckListTextAlign, &cbListTextAlign,
+                 &SSActiveTabPanel5, &SSActiveTabPanel6});
+    for (Control* control : ScanNumeric.Controls()) addControls({control});
+    addControls({&SSActiveTabPanel9, &SSActiveTabPanel7, &lbDateFormatType, &cbDateFormatType, &SSActiveTabPanel8,
+                 &lbTimeFormatType, &cbTimeFormatType, &lblLink, &lblOpData, &cmdLink, &cmdOk, &cmdCancel});
     Caption(L"Protocol Variables");
     KeyPreview(true);
 
@@ -166,6 +146,12 @@ frmProtocolVars::frmProtocolVars() : Form(L"frmProtocolVars") {
     cbDateFormatType.Container(&SSActiveTabPanel7);
     lbTimeFormatType.Container(&SSActiveTabPanel8);
     cbTimeFormatType.Container(&SSActiveTabPanel8);
+
+    SendNumeric.Container(&SSActiveTabPanel2, &SSActiveTabPanel4);
+    ScanNumeric.Container(&SSActiveTabPanel5, &SSActiveTabPanel6);
+    SendNumeric.OnResize = [this] { resizeForKind(); };
+    ScanNumeric.OnResize = [this] { resizeForKind(); };
+    ScanNumeric.OnOkRule = [this] { applyOkRule(); };
 
     lblLink.Caption(L"Link  : ");
     cmdLink.Caption(L"...");
@@ -222,8 +208,11 @@ VarPtr frmProtocolVars::Edit(VarPtr pVar, int32_t& pMethodType) {
         cmdOk.Enabled(true);
     }
     resizeForKind();
-    if (!scan) {
+    if (scan) {
+        if (ScanNumericCandidate) ScanNumeric.Load(ScanNumericCandidate);
+    } else {
         loadBinaryTab();
+        if (NumericCandidate) SendNumeric.Load(NumericCandidate);
         loadListTab();
         loadDateAndTimeTabs();
     }
@@ -420,6 +409,7 @@ void frmProtocolVars::tbSMSVars_Click(int32_t NewTab) {
         case TabScanNumeric: {
             CurrentVar = ScanNumericCandidate;
             ScanNumericCandidate->StreamForm(0);
+            ScanNumericCandidate->VarFormat(ScanNumeric.ChosenVarFormat());
             // A float is linked on the Stream tab only: the person links again here.
             const OperandPtr link = ScanNumericCandidate->LikedOperand();
             if (link && link->OperandType() == floatType) {
@@ -457,6 +447,11 @@ void frmProtocolVars::cmdLink_Click() {
     if (link->IsEditCanceled()) return;
     cmdOk.Enabled(true);
     lblOpData.Caption(GetOperandDisplayText(*link));
+    // The lists that depend on the width of the operand follow the new link.
+    if (CurrentKind == field_kind::SendNumeric)
+        SendNumeric.ApplyTypeRules(link->OperandType());
+    else if (CurrentKind == field_kind::ScanNumeric)
+        ScanNumeric.ApplyTypeRules(link->OperandType());
     if (CurrentKind == field_kind::Binary ||
         (CurrentKind == field_kind::ScanNumeric && ScanNumericCandidate->StreamForm() == 0))
         applyOkRule();

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "field_editors/scan_numeric_panel.h"
+#include "field_editors/send_numeric_panel.h"
 #include "message/itf_protocol_var.h"
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
@@ -73,6 +75,9 @@ public:
     // While true every control handler returns at once.
     bool IsLoading = false;
     bool IsAccepted = false;
+    // Tabs 2 and 3, and tabs 5 and 6: their controls, placed on this form.
+    SendNumericPanel SendNumeric{IsLoading};
+    ScanNumericPanel ScanNumeric{IsLoading};
     int32_t CurrentKind = 0;
     VarPtr CurrentVar;
     std::shared_ptr<clsProtocolBinaryVar> BinaryCandidate;
