@@ -100,12 +100,14 @@ DialogSize sizeFor(int32_t kind, int32_t streamForm, int32_t varFormat) {
 frmProtocolVars::frmProtocolVars() : Form(L"frmProtocolVars") {
     addControls({&tbSMSVars, &SSActiveTabPanel1, &fText0, &txtText0, &fText1, &txtText1, &SSActiveTabPanel2,
                  &SSActiveTabPanel4});
-    for (Control* control : SendNumeric.Controls()) addControls({control});
+    addControls(SendNumeric.Controls());
     addControls({&SSActiveTabPanel3, &flgListTexts, &cmndNewVLT, &cmdDeleteVLT, &ckListTextAlign, &cbListTextAlign,
                  &SSActiveTabPanel5, &SSActiveTabPanel6});
-    for (Control* control : ScanNumeric.Controls()) addControls({control});
-    addControls({&SSActiveTabPanel9, &SSActiveTabPanel7, &lbDateFormatType, &cbDateFormatType, &SSActiveTabPanel8,
-                 &lbTimeFormatType, &cbTimeFormatType, &lblLink, &lblOpData, &cmdLink, &cmdOk, &cmdCancel});
+    addControls(ScanNumeric.Controls());
+    addControls({&SSActiveTabPanel9});
+    addControls(Checksum.Controls());
+    addControls({&SSActiveTabPanel7, &lbDateFormatType, &cbDateFormatType, &SSActiveTabPanel8, &lbTimeFormatType,
+                 &cbTimeFormatType, &lblLink, &lblOpData, &cmdLink, &cmdOk, &cmdCancel});
     Caption(L"Protocol Variables");
     KeyPreview(true);
 
@@ -118,6 +120,7 @@ frmProtocolVars::frmProtocolVars() : Form(L"frmProtocolVars") {
         tbSMSVars.AddTab(caption, panel);
         panel->Container(&tbSMSVars);
     }
+    Checksum.Container(&SSActiveTabPanel9);
 
     fText0.Caption(L"Text For 0");
     fText1.Caption(L"Text For 1");
@@ -201,12 +204,16 @@ VarPtr frmProtocolVars::Edit(VarPtr pVar, int32_t& pMethodType) {
         for (int32_t tab : {TabScanNumeric, TabScanStream}) tbSMSVars.TabVisible(tab, false);
     }
     IsLoading = false;
+    Checksum.chkSTXInCS.Enabled(IsExtendedOperandsEnabled());
 
     makeCandidates(pVar);
+    Checksum.Candidate(ChecksumCandidate);
     if (CurrentKind == field_kind::Date || CurrentKind == field_kind::Time || CurrentKind == field_kind::Checksum) {
         hideLinkRow();
         cmdOk.Enabled(true);
     }
+    if (CurrentKind == field_kind::Checksum)
+        Checksum.LoadSTXInCS(ChecksumPanelHost::FieldDialog, IsExtendedOperandsEnabled(), 0);
     resizeForKind();
     if (scan) {
         if (ScanNumericCandidate) ScanNumeric.Load(ScanNumericCandidate);
@@ -216,6 +223,7 @@ VarPtr frmProtocolVars::Edit(VarPtr pVar, int32_t& pMethodType) {
         loadListTab();
         loadDateAndTimeTabs();
     }
+    loadChecksumTab();
     refreshLinkRow();
 
     host().Driver->ShowModal(*this);
@@ -229,6 +237,7 @@ VarPtr frmProtocolVars::Edit(VarPtr pVar, int32_t& pMethodType) {
     DateCandidate.reset();
     TimeCandidate.reset();
     ChecksumCandidate.reset();
+    Checksum.Candidate(nullptr);
     CurrentVar.reset();
     Unload();
     return result;
@@ -614,6 +623,15 @@ void frmProtocolVars::ckListTextAlign_Click() {
 void frmProtocolVars::cbListTextAlign_Click() {
     if (IsLoading) return;
     ListCandidate->AlignmentStringSize(cbListTextAlign.ItemData(cbListTextAlign.ListIndex()));
+}
+
+// --- Tab 7: checksum ---
+
+void frmProtocolVars::loadChecksumTab() {
+    IsLoading = true;
+    Checksum.FillLists();
+    Checksum.ShowCandidate();
+    IsLoading = false;
 }
 
 // --- Tabs 8 and 9: date and time ---

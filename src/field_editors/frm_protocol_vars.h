@@ -4,11 +4,13 @@
 // and objects of its own, never on the message; Cancel is possible only
 // because of that. Tabs 1, 4, 8 and 9 edit binary, list, date and time
 // fields here; tabs 2, 3, 5 and 6 (numeric and stream) and 7 (checksum) have
-// their link row and OK rule here and their panels in their own units.
+// their panels in units of their own, the checksum panel shared with the
+// end-of-message dialog.
 #pragma once
 #include <cstdint>
 #include <memory>
 
+#include "field_editors/checksum_panel.h"
 #include "field_editors/scan_numeric_panel.h"
 #include "field_editors/send_numeric_panel.h"
 #include "message/itf_protocol_var.h"
@@ -78,6 +80,7 @@ public:
     // Tabs 2 and 3, and tabs 5 and 6: their controls, placed on this form.
     SendNumericPanel SendNumeric{IsLoading};
     ScanNumericPanel ScanNumeric{IsLoading};
+    ChecksumPanel Checksum{IsLoading};
     int32_t CurrentKind = 0;
     VarPtr CurrentVar;
     std::shared_ptr<clsProtocolBinaryVar> BinaryCandidate;
@@ -123,6 +126,7 @@ private:
     void loadBinaryTab();
     void loadListTab();
     void loadDateAndTimeTabs();
+    void loadChecksumTab();
     void storeListTab();
     void endDialog(bool accepted);
 
