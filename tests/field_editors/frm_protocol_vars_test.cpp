@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "field_editors/field_dialog_support.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -29,18 +30,8 @@ std::shared_ptr<Field> fieldAt(int32_t position) {
     return field;
 }
 
-OperandChoice memory(int32_t type, int32_t address) {
-    OperandChoice choice;
-    choice.OperandType = type;
-    choice.OperandAddress = address;
-    return choice;
-}
-
-void link(clsOperand& operand, int32_t type, int32_t address) {
-    operand.OperandType(type);
-    operand.OperandAddress(address);
-    operand.IsNew(false);
-}
+using test::link;
+using test::memory;
 
 class FieldDialogTest : public ::testing::Test {
 protected:

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "field_editors/field_dialog_support.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_cs_var.h"
@@ -34,18 +35,8 @@ Items numbered(int32_t first, int32_t last) {
     return items;
 }
 
-OperandChoice memory(int32_t type, int32_t address) {
-    OperandChoice choice;
-    choice.OperandType = type;
-    choice.OperandAddress = address;
-    return choice;
-}
-
-void link(clsOperand& operand, int32_t type, int32_t address) {
-    operand.OperandType(type);
-    operand.OperandAddress(address);
-    operand.IsNew(false);
-}
+using test::link;
+using test::memory;
 
 NumericVarPtr sendField(int32_t operandType = 3) {
     auto field = std::make_shared<clsProtocolNumericVar>();
