@@ -45,6 +45,8 @@ frmProtocolHexSelector::frmProtocolHexSelector() : Form(L"frmProtocolHexSelector
     flgLowChars.Rows(1);
     flgLowChars.FixedRows(1);
     flgLowChars.FixedCols(0);
+    // A row is one character: the whole row shows as chosen.
+    flgLowChars.SelectionMode(Grid::SelectionByRow);
     const std::array<const wchar_t*, 3> headers = {L"Dec", L"Hex", L"Description"};
     const std::array<int32_t, 3> widths = {795, 795, 900};
     for (int32_t c = 0; c < 3; ++c) {

@@ -163,7 +163,10 @@ protected:
         }
         if (is(property, "Text")) model_.textChanged();
         if (is(property, "ColWidth")) showWidths();
-        if (is(property, "Cells") || is(property, "Current")) showCurrent();
+        if (is(property, "SelectionMode"))
+            view_.setSelectionBehavior(grid_.SelectionMode() == Grid::SelectionByRow ? QAbstractItemView::SelectRows
+                                                                                     : QAbstractItemView::SelectItems);
+        if (is(property, "Cells") || is(property, "Current") || is(property, "SelectionMode")) showCurrent();
         if (is(property, "ComboList") || is(property, "Current")) view_.viewport()->update();
         if (is(property, "Editing") || is(property, "Cells")) showEditor();
         if (is(property, "EditText")) showEditText();
@@ -272,7 +275,10 @@ private:
     void showCurrent() {
         const QModelIndex current = model_.viewIndex(grid_.Row(), grid_.Col());
         if (!current.isValid()) return;
-        view_.selectionModel()->setCurrentIndex(current, QItemSelectionModel::ClearAndSelect);
+        QItemSelectionModel::SelectionFlags flags = QItemSelectionModel::ClearAndSelect;
+        // Selecting from code ignores the view's behaviour: a whole row has to be asked for.
+        if (grid_.SelectionMode() == Grid::SelectionByRow) flags |= QItemSelectionModel::Rows;
+        view_.selectionModel()->setCurrentIndex(current, flags);
         view_.scrollTo(current);
     }
 

@@ -43,7 +43,7 @@ TEST_F(HexSelectorTest, OpensWithItsCaptionFrameButtonsAndThreeColumnsOfTheirWid
     std::wstring caption, frame, ok, cancel;
     int32_t cols = 0, fixedRows = 0, fixedCols = -1, row = 0;
     std::vector<int32_t> widths;
-    bool hasIcon = false;
+    bool hasIcon = false, byRow = false;
     edit(0, [&](frmProtocolHexSelector& dialog) {
         caption = dialog.Caption();
         frame = dialog.fSelectCharacter.Caption();
@@ -53,6 +53,7 @@ TEST_F(HexSelectorTest, OpensWithItsCaptionFrameButtonsAndThreeColumnsOfTheirWid
         fixedRows = dialog.flgLowChars.FixedRows();
         fixedCols = dialog.flgLowChars.FixedCols();
         row = dialog.flgLowChars.Row();
+        byRow = dialog.flgLowChars.SelectionMode() == Grid::SelectionByRow;
         for (int32_t c = 0; c < cols; ++c) widths.push_back(dialog.flgLowChars.ColWidth(c));
         hasIcon = dialog.Icon() != nullptr;
         dialog.cmdCancel.UserClick();
@@ -66,6 +67,7 @@ TEST_F(HexSelectorTest, OpensWithItsCaptionFrameButtonsAndThreeColumnsOfTheirWid
     EXPECT_EQ(fixedCols, 0);
     EXPECT_EQ(widths, (std::vector<int32_t>{795, 795, 900}));
     EXPECT_EQ(row, 1);
+    EXPECT_TRUE(byRow);
     EXPECT_TRUE(hasIcon);
 }
 

@@ -55,6 +55,17 @@ TEST_F(GridTest, ANewGridHasOneFixedRowAndColumnAndStartsOnTheFirstScrollableCel
     EXPECT_EQ(fresh.TextMatrix(1, 2), L"");
 }
 
+TEST_F(GridTest, SelectionModeIsFreeOrByRowAndAnyOtherIsError380) {
+    EXPECT_EQ(grid.SelectionMode(), Grid::SelectionFree);
+    std::vector<std::string> told;
+    grid.Subscribe([&](std::string_view property) { told.emplace_back(property); });
+    grid.SelectionMode(Grid::SelectionByRow);
+    EXPECT_EQ(grid.SelectionMode(), Grid::SelectionByRow);
+    EXPECT_EQ(told, (std::vector<std::string>{"SelectionMode"}));
+    EXPECT_EQ(runtimeErrorOf([&] { grid.SelectionMode(2); }), 380);
+    EXPECT_EQ(grid.SelectionMode(), Grid::SelectionByRow);
+}
+
 TEST_F(GridTest, ResizingKeepsTheTextOfCellsThatStay) {
     grid.Rows(6);
     grid.Cols(4);

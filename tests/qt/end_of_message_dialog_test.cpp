@@ -81,10 +81,12 @@ TEST_F(QtEndOfMessageTest, TheSelectorGivesTheCodeOfTheRowClickedWithTheMouse) {
     QStringList header;
     QList<int> widths;
     QString title;
+    bool rows = false;
     test::onModal(QStringLiteral("frmProtocolHexSelector"), [&](QWidget& window) {
         QApplication::setActiveWindow(&window);
         auto* grid = child<QTableView>(window, "flgLowChars");
         title = window.windowTitle();
+        rows = grid->selectionBehavior() == QAbstractItemView::SelectRows;
         for (int c = 0; c < 3; ++c) {
             header << grid->model()->headerData(c, Qt::Horizontal).toString();
             widths << grid->columnWidth(c);
@@ -96,6 +98,7 @@ TEST_F(QtEndOfMessageTest, TheSelectorGivesTheCodeOfTheRowClickedWithTheMouse) {
     EXPECT_TRUE(frmProtocolHexSelector().Edit(value, 0));
     EXPECT_EQ(value, 13);
     EXPECT_EQ(title, QStringLiteral("Control Characters"));
+    EXPECT_TRUE(rows);
     EXPECT_EQ(header, (QStringList{QStringLiteral("Dec"), QStringLiteral("Hex"), QStringLiteral("Description")}));
     ASSERT_EQ(widths.size(), 3);
     EXPECT_EQ(widths[0], 53);
@@ -121,17 +124,21 @@ TEST_F(QtEndOfMessageTest, ArrowKeysInTheSelectorAndOkGiveCodeZero) {
 }
 
 TEST_F(QtEndOfMessageTest, ADoubleClickInTheSelectorAcceptsItsRow) {
+    qsizetype selectedCells = 0;
     test::onModal(QStringLiteral("frmProtocolHexSelector"), [&](QWidget& window) {
         QApplication::setActiveWindow(&window);
         auto* grid = child<QTableView>(window, "flgLowChars");
         const QPoint at = rowOfCode(*grid, 7, 2);
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
+        selectedCells = grid->selectionModel()->selectedIndexes().size();
         test::saveScreenshot(window, QStringLiteral("hex_selector.png"));
         QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
     });
     uint8_t value = 0;
     EXPECT_TRUE(frmProtocolHexSelector().Edit(value, 0));
     EXPECT_EQ(value, 7);
+    // The clicked row shows as one.
+    EXPECT_EQ(selectedCells, 3);
 }
 
 TEST_F(QtEndOfMessageTest, EscapeInTheSelectorCancelsAndStillWritesTheClickedCode) {

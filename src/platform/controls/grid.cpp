@@ -167,6 +167,13 @@ void Grid::MouseIcon(PicturePtr value) {
     notify("MouseIcon");
 }
 
+void Grid::SelectionMode(int32_t value) {
+    if (value != SelectionFree && value != SelectionByRow) raiseError(err::InvalidPropertyValue);
+    if (selectionMode_ == value) return;
+    selectionMode_ = value;
+    notify("SelectionMode");
+}
+
 void Grid::EditCell() {
     if (row_ < 0) return;
     if (editing_) FinishEditing();

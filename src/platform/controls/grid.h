@@ -63,6 +63,13 @@ public:
     PicturePtr MouseIcon() const { return mouseIcon_; }
     void MouseIcon(PicturePtr value);
 
+    // What a view highlights of the current cell: the cell alone, or its whole row.
+    static constexpr int32_t SelectionFree = 0;
+    static constexpr int32_t SelectionByRow = 1;
+    int32_t SelectionMode() const { return selectionMode_; }
+    // Anything but the two modes is error 380.
+    void SelectionMode(int32_t value);
+
     bool Editable() const { return editable_; }
     void Editable(bool value) { editable_ = value; }
     // Starts the cell editor on the current cell unless BeforeEdit cancels.
@@ -130,6 +137,7 @@ private:
     int32_t row_ = -1, col_ = -1;
     int32_t mouseRow_ = -1, mouseCol_ = -1;
     PicturePtr mouseIcon_;
+    int32_t selectionMode_ = SelectionFree;
     bool editable_ = false;
     bool editing_ = false;
     std::wstring editText_;
