@@ -1,12 +1,23 @@
 #include "qt/form_binding.h"
 
 #include <QIcon>
+#include <QLayout>
+#include <QTabBar>
 #include <set>
 
 #include "qt/colours.h"
 #include "qt/qt_text.h"
 
 namespace qx {
+
+namespace {
+// A tab bar names its own scroll buttons; they are Qt's, not the form's.
+bool isInsideTabBar(const QWidget& widget) {
+    for (const QWidget* parent = widget.parentWidget(); parent; parent = parent->parentWidget())
+        if (qobject_cast<const QTabBar*>(parent)) return true;
+    return false;
+}
+}  // namespace
 
 FormBinding::FormBinding(Form& form, QWidget& window) : form_(form), window_(window) {
     std::set<QString> bound;
@@ -23,7 +34,8 @@ FormBinding::FormBinding(Form& form, QWidget& window) : form_(form), window_(win
     }
     for (QWidget* widget : window.findChildren<QWidget*>()) {
         const QString name = widget->objectName();
-        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")) || bound.count(name)) continue;
+        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")) || bound.count(name) || isInsideTabBar(*widget))
+            continue;
         widgetsWithoutControl_.push_back(name);
     }
     token_ = form.Subscribe([this](std::string_view property) { showForm(property); });
@@ -45,9 +57,13 @@ void FormBinding::showForm(std::string_view property) {
         if (!icon.isNull()) window_.setWindowIcon(QIcon(icon));
     }
     if (property.empty() || property == "Font") window_.setFont(toQFont(form_.Font(), window_.font()));
-    // Twips at 96 dots per inch: 15 a pixel.
-    if ((property.empty() || property == "Height") && form_.Height() > 0)
+    // Twips at 96 dots per inch: 15 a pixel. The layout is brought up to date
+    // first: a panel just shown or hidden must count in the minimum height,
+    // or the window keeps the height of the panel it left.
+    if ((property.empty() || property == "Height") && form_.Height() > 0) {
+        if (QLayout* layout = window_.layout()) layout->activate();
         window_.resize(window_.width(), form_.Height() / 15);
+    }
 }
 
 }  // namespace qx

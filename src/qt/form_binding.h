@@ -27,7 +27,7 @@ public:
     // a kind they cannot be shown as.
     const std::vector<std::wstring>& ControlsWithoutWidget() const { return controlsWithoutWidget_; }
     // Named widgets of the view that stand for no control. Qt's own inner
-    // widgets (unnamed, or named "qt_...") are not counted.
+    // widgets (unnamed, named "qt_...", or the buttons inside a tab bar) are not counted.
     const std::vector<QString>& WidgetsWithoutControl() const { return widgetsWithoutControl_; }
     QWidget* WidgetOf(const Control& control) const;
 
