@@ -17,6 +17,12 @@ bool isInsideTabBar(const QWidget& widget) {
         if (qobject_cast<const QTabBar*>(parent)) return true;
     return false;
 }
+
+// The window at that height, or at the least its layout allows.
+void applyHeight(QWidget& window, int height) {
+    if (QLayout* layout = window.layout()) layout->activate();
+    window.resize(window.width(), height);
+}
 }  // namespace
 
 FormBinding::FormBinding(Form& form, QWidget& window) : form_(form), window_(window) {
@@ -61,8 +67,14 @@ void FormBinding::showForm(std::string_view property) {
     // first: a panel just shown or hidden must count in the minimum height,
     // or the window keeps the height of the panel it left.
     if ((property.empty() || property == "Height") && form_.Height() > 0) {
-        if (QLayout* layout = window_.layout()) layout->activate();
-        window_.resize(window_.width(), form_.Height() / 15);
+        *wantedHeight_ = form_.Height() / 15;
+        applyHeight(window_, *wantedHeight_);
+        // A dialog may size itself before it hides the rows that made it
+        // taller: the height held back by them is taken once they are gone.
+        if (window_.height() != *wantedHeight_)
+            QMetaObject::invokeMethod(
+                &window_, [window = &window_, wanted = wantedHeight_] { applyHeight(*window, *wanted); },
+                Qt::QueuedConnection);
     }
 }
 

@@ -37,6 +37,8 @@ private:
     Form& form_;
     QWidget& window_;
     int32_t token_ = 0;
+    // The form's height in pixels; shared with a deferred resize that may outlive the binding.
+    std::shared_ptr<int> wantedHeight_ = std::make_shared<int>(0);
     std::vector<std::unique_ptr<ControlBinding>> bindings_;
     std::vector<std::wstring> controlsWithoutWidget_;
     std::vector<QString> widgetsWithoutControl_;

@@ -408,25 +408,43 @@ TEST_F(QtFieldDialogTest, EverySendTabShowsItsPanelWithNoTextClipped) {
     // A list with texts, so that its tab shows some.
     auto field = fieldAt<clsProtocolistTextVar>(0);
     field->Texts({L"Stopped", L"Running", L"Fault"});
+    field->AlignmentStringSize(7);
     link(*field->LikedOperand(), 3, 8);
     edit(field, method_type::Send, [&](QWidget& window) {
         shootTabs(window, {1, 2, 3, 4, 7, 8, 9}, QStringLiteral("field_dialog_send_"), shots);
         for (const TabShot& shot : shots) heights.push_back(shot.Height);
+        // Hex shows its own rows, in a smaller window.
+        clickTab(window, 2);
+        pressDown(window, "cbVarFormat", 1);
+        QApplication::processEvents();
+        test::saveScreenshot(window, QStringLiteral("field_dialog_send_2_hex.png"));
+        shots.push_back({2, QStringLiteral("field_dialog_send_2_hex.png"), window.height(), clippedTexts(window),
+                         window.minimumSizeHint().height()});
+        heights.push_back(window.height());
         click(window, "cmdCancel");
     });
-    ASSERT_EQ(shots.size(), 7u);
+    ASSERT_EQ(shots.size(), 8u);
     for (const TabShot& shot : shots) {
         for (const QString& name : shot.Clipped) ADD_FAILURE() << shot.File.toStdString() << ": " << name.toStdString();
         EXPECT_GE(shot.Height, shot.MinimumHeight) << shot.File.toStdString();
     }
     // The heights the panels ask for, in pixels.
-    EXPECT_EQ(heights, (std::vector<int>{2940 / 15, 4650 / 15, 4050 / 15, 4125 / 15, 6460 / 15, 2940 / 15, 2940 / 15}));
+    EXPECT_EQ(heights, (std::vector<int>{2940 / 15, 4650 / 15, 4050 / 15, 4125 / 15, 6460 / 15, 2940 / 15, 2940 / 15,
+                                         3300 / 15}));
 }
 
 TEST_F(QtFieldDialogTest, EveryScanTabShowsItsPanelWithNoTextClipped) {
     std::vector<TabShot> shots;
+    TabShot hexShot;
     edit(fieldAt<clsProtocolScanNumericVar>(0), method_type::Scan, [&](QWidget& window) {
         shootTabs(window, {5, 6, 7}, QStringLiteral("field_dialog_scan_"), shots);
+        // The hex format shows its own rows.
+        clickTab(window, 5);
+        pressDown(window, "cbScanVarFormat", 2);
+        QApplication::processEvents();
+        test::saveScreenshot(window, QStringLiteral("field_dialog_scan_5_hex.png"));
+        hexShot = {5, QStringLiteral("field_dialog_scan_5_hex.png"), window.height(), clippedTexts(window),
+                   window.minimumSizeHint().height()};
         click(window, "cmdCancel");
     });
     ASSERT_EQ(shots.size(), 3u);
@@ -435,6 +453,8 @@ TEST_F(QtFieldDialogTest, EveryScanTabShowsItsPanelWithNoTextClipped) {
     EXPECT_EQ(shots[0].Height, 4950 / 15);
     EXPECT_EQ(shots[1].Height, 3550 / 15);
     EXPECT_EQ(shots[2].Height, 6460 / 15);
+    EXPECT_TRUE(hexShot.Clipped.empty());
+    EXPECT_EQ(hexShot.Height, 4300 / 15);
 }
 
 }  // namespace
