@@ -136,10 +136,10 @@ protected:
         return headless([&] { return frmProtocolVars().Edit(std::move(field), methodType); });
     }
     // The dialog on the field, acted on by the person once it is up.
-    VarPtr edit(VarPtr field, int32_t methodType, std::function<void(QWidget&)> person) {
-        test::onModal(QStringLiteral("frmProtocolVars"), [person = std::move(person)](QWidget& window) {
+    VarPtr edit(VarPtr field, int32_t methodType, std::function<void(QWidget&)> actions) {
+        test::onModal(QStringLiteral("frmProtocolVars"), [actions = std::move(actions)](QWidget& window) {
             QApplication::setActiveWindow(&window);
-            person(window);
+            actions(window);
         });
         return frmProtocolVars().Edit(std::move(field), methodType);
     }
