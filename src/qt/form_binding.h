@@ -27,7 +27,7 @@ public:
     // a kind they cannot be shown as.
     const std::vector<std::wstring>& ControlsWithoutWidget() const { return controlsWithoutWidget_; }
     // Named widgets of the view that stand for no control. Qt's own inner
-    // widgets (unnamed, or named "qt_...") are not counted.
+    // widgets (unnamed, named "qt_...", or the buttons inside a tab bar) are not counted.
     const std::vector<QString>& WidgetsWithoutControl() const { return widgetsWithoutControl_; }
     QWidget* WidgetOf(const Control& control) const;
 
@@ -37,6 +37,8 @@ private:
     Form& form_;
     QWidget& window_;
     int32_t token_ = 0;
+    // The form's height in pixels; shared with a deferred resize that may outlive the binding.
+    std::shared_ptr<int> wantedHeight_ = std::make_shared<int>(0);
     std::vector<std::unique_ptr<ControlBinding>> bindings_;
     std::vector<std::wstring> controlsWithoutWidget_;
     std::vector<QString> widgetsWithoutControl_;
