@@ -238,7 +238,16 @@ private:
                 return false;
             default: {
                 const int32_t code = keyAsciiOf(key.key(), key.text());
-                if (code < 32 || !grid_.Editable()) return code != 0;
+                if (code < 32) return code != 0;
+                // An open editor takes the key as if it had the focus: the
+                // character goes in where its caret is.
+                if (auto* line = qobject_cast<QLineEdit*>(editor_)) {
+                    line->setFocus();
+                    line->insert(key.text());
+                    runModelAction([&] { grid_.UserType(fromQString(line->text())); });
+                    return true;
+                }
+                if (!grid_.Editable()) return true;
                 runModelAction([&] { grid_.UserType(fromQString(key.text())); });
                 return true;
             }

@@ -115,6 +115,16 @@ TEST_F(GridTabIPBindingTest, TheCellEditorOpensWhenTheGridEditsAndTakesItsLimit)
     EXPECT_EQ(grid->model()->index(0, 1).data().toString(), QStringLiteral("abcde"));
 }
 
+TEST_F(GridTabIPBindingTest, KeysOnTheTableWhileItsEditorIsOpenGoToTheEditor) {
+    form.grid.EditMaxLength(10);
+    form.grid.EditCell();
+    grid->setFocus();
+    QTest::keyClicks(grid, QStringLiteral("abc"));
+    // The editor opens with its text selected: the first key replaces it, the others follow.
+    EXPECT_TRUE(form.grid.IsEditing());
+    EXPECT_EQ(form.grid.EditText(), L"abc");
+}
+
 TEST_F(GridTabIPBindingTest, EscapeInTheCellEditorLeavesTheCell) {
     form.grid.EditCell();
     auto* editor = grid->findChild<QLineEdit*>(QStringLiteral("qt_grid_cell_editor"));
