@@ -598,8 +598,11 @@ TEST_F(NumericTabsTest, OnLoadTheWidthOfTheOperandDecidesTheScanCopyBytesList) {
                                                                             {99, longReceiveBytes}}) {
         auto field = scanField(type);
         field->StreamForm(1);
+        // Structured bindings are captured by copy: not every compiler takes them in a lambda.
+        const int32_t operandType = type;
+        const Items expected = items;
         scan(field, [&](ScanNumericPanel& panel, frmProtocolVars&) {
-            EXPECT_EQ(itemsOf(panel.cbScanCopyBytes), items) << type;
+            EXPECT_EQ(itemsOf(panel.cbScanCopyBytes), expected) << operandType;
         });
     }
 }
