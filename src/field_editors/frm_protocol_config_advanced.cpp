@@ -28,6 +28,7 @@ frmProtocolConfigAdvanced::frmProtocolConfigAdvanced() : Form(L"frmProtocolConfi
     cbEndOfMsg.OnClick = [this] { cbEndOfMsg_Click(); };
     cmdOk.OnClick = [this] { cmdOk_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
 }
 
 bool frmProtocolConfigAdvanced::Edit(CSVarPtr pChecksum, int32_t& pEndOfMessage) {
@@ -93,13 +94,6 @@ void frmProtocolConfigAdvanced::cmdCancel_Click() {
 
 void frmProtocolConfigAdvanced::Form_KeyPress(int32_t& KeyAscii) {
     if (KeyAscii == keyEscape) cmdCancel_Click();
-}
-
-void frmProtocolConfigAdvanced::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    // The close box cancels; the form stays loaded until Edit is done with it.
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
 }
 
 void frmProtocolConfigAdvanced::Form_Unload(int32_t&) {

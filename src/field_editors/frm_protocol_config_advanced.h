@@ -35,7 +35,6 @@ public:
     CommandButton cmdCancel{L"cmdCancel"};
 
     void Form_Load() override;
-    void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) override;
     void Form_Unload(int32_t& Cancel) override;
     void Form_KeyPress(int32_t& KeyAscii) override;
     void cbEndOfMsg_Click();

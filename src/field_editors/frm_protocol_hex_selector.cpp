@@ -58,6 +58,7 @@ frmProtocolHexSelector::frmProtocolHexSelector() : Form(L"frmProtocolHexSelector
     flgLowChars.OnDblClick = [this] { flgLowChars_DblClick(); };
     cmdOk.OnClick = [this] { cmdOk_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
 }
 
 bool frmProtocolHexSelector::Edit(uint8_t& pSelectedValue, int32_t pHexSelectorType) {
@@ -115,13 +116,6 @@ void frmProtocolHexSelector::cmdCancel_Click() {
 
 void frmProtocolHexSelector::Form_KeyPress(int32_t& KeyAscii) {
     if (KeyAscii == keyEscape) cmdCancel_Click();
-}
-
-void frmProtocolHexSelector::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    // The close box cancels; the form stays loaded until Edit is done with it.
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
 }
 
 }  // namespace qx

@@ -167,6 +167,7 @@ frmProtocolVars::frmProtocolVars() : Form(L"frmProtocolVars") {
     lblOpData.OnClick = [this] { lblOpData_Click(); };
     cmdOk.OnClick = [this] { cmdOk_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
     txtText0.OnChange = [this] { txtText0_Change(); };
     txtText1.OnChange = [this] { txtText1_Change(); };
     txtText0.OnGotFocus = [this] {
@@ -480,13 +481,6 @@ void frmProtocolVars::cmdCancel_Click() { endDialog(false); }
 void frmProtocolVars::Form_KeyPress(int32_t& KeyAscii) {
     if (KeyAscii != keyEscape) return;
     KeyAscii = 0;
-    cmdCancel_Click();
-}
-
-void frmProtocolVars::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    // The close box cancels; the form stays loaded until Edit is done with it.
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
     cmdCancel_Click();
 }
 

@@ -41,6 +41,7 @@ frmProtocolConfig::frmProtocolConfig() : Form(L"frmProtocolConfig") {
     cmdStatusOp.OnClick = [this] { cmdStatusOp_Click(); };
     cmdOk.OnClick = [this] { cmdOk_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
     cmdHelp.OnClick = [this] { cmdHelp_Click(); };
 }
 
@@ -133,13 +134,6 @@ void frmProtocolConfig::cmdHelp_Click() { srv_->ShowHelp(); }
 
 void frmProtocolConfig::Form_KeyPress(int32_t& KeyAscii) {
     if (KeyAscii == keyEscape) cmdCancel_Click();
-}
-
-void frmProtocolConfig::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    // The control box cancels; the form stays loaded until Edit is done with it.
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
 }
 
 void frmProtocolConfig::endDialog(bool result) {

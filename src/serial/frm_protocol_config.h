@@ -37,7 +37,6 @@ public:
 
     void Form_Load() override;
     void Form_Activate() override;
-    void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) override;
     void Form_KeyPress(int32_t& KeyAscii) override;
     void cmdOk_Click();
     void cmdCancel_Click();

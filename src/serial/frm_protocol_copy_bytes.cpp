@@ -43,6 +43,7 @@ frmProtocolCopyBytes::frmProtocolCopyBytes() : Form(L"frmProtocolCopyBytes") {
     cmdOperand.OnClick = [this] { cmdOperand_Click(); };
     cmdOk.OnClick = [this] { cmdOk_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
 }
 
 bool frmProtocolCopyBytes::Edit(int32_t& pCopyBytesToFormat, OperandPtr pOperand, const std::wstring& pCaption,
@@ -161,13 +162,6 @@ void frmProtocolCopyBytes::cmdCancel_Click() { endDialog(false); }
 
 void frmProtocolCopyBytes::Form_KeyPress(int32_t& KeyAscii) {
     if (KeyAscii == keyEscape) cmdCancel_Click();
-}
-
-void frmProtocolCopyBytes::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    // The control box cancels; the form stays loaded until Edit is done with it.
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
 }
 
 void frmProtocolCopyBytes::endDialog(bool result) {

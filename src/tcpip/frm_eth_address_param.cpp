@@ -60,6 +60,7 @@ frmEthAddressParam::frmEthAddressParam() : Form(L"frmEthAddressParam") {
     cmdMI.OnClick = [this] { cmdMI_Click(); };
     cmdOK.OnClick = [this] { cmdOK_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
 }
 
 void frmEthAddressParam::Edit(AddressParam& pParam, int32_t pKind, bool& pCanceled) {
@@ -163,12 +164,6 @@ void frmEthAddressParam::cmdOK_Click() {
 void frmEthAddressParam::cmdCancel_Click() {
     canceled_ = true;
     Hide();
-}
-
-void frmEthAddressParam::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
 }
 
 }  // namespace qx

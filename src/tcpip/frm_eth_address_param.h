@@ -29,7 +29,6 @@ public:
     CommandButton cmdCancel{L"cmdCancel"};
 
     void Form_Load() override;
-    void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) override;
     void optConst_Click();
     void optMI_Click();
     void cmdMI_Click();

@@ -76,6 +76,7 @@ frmEthProtocolConfig::frmEthProtocolConfig() : Form(L"frmEthProtocolConfig") {
     cmdClearLink.OnClick = [this] { cmdClearLink_Click(); };
     cmdOK.OnClick = [this] { cmdOK_Click(); };
     cmdCancel.OnClick = [this] { cmdCancel_Click(); };
+    closeBoxActsAs([this] { cmdCancel_Click(); });
     cmdHelp.OnClick = [this] { cmdHelp_Click(); };
 }
 
@@ -301,11 +302,5 @@ void frmEthProtocolConfig::cmdCancel_Click() {
 }
 
 void frmEthProtocolConfig::cmdHelp_Click() { instances_->ShowFBHelp((method_->itfFBMethod_MethodID() / 100) * 100); }
-
-void frmEthProtocolConfig::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
-    if (UnloadMode != vbFormControlMenu) return;
-    Cancel = 1;
-    cmdCancel_Click();
-}
 
 }  // namespace qx

@@ -35,7 +35,6 @@ public:
     CommandButton cmdHelp{L"cmdHelp"};
 
     void Form_Activate() override;
-    void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) override;
     void txtInstanceName_Change();
     void vsfOperands_DblClick();
     void vsfSlaves_BeforeEdit(int32_t Row, int32_t Col, bool& Cancel);

@@ -62,6 +62,12 @@ void Form::Hide() {
 
 void Form::Activate() { Form_Activate(); }
 
+void Form::Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) {
+    if (UnloadMode != vbFormControlMenu || !closeBox_) return;
+    Cancel = 1;
+    closeBox_();
+}
+
 bool Form::unload(int32_t mode) {
     if (!loaded_) return true;
     int32_t cancel = 0;

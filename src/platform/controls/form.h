@@ -65,11 +65,15 @@ public:
     // Events of the form, as its dialog handles them.
     virtual void Form_Load() {}
     virtual void Form_Activate() {}
-    virtual void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode) { (void)Cancel, (void)UnloadMode; }
+    // By default the close box acts as the click closeBoxActsAs gave, if any.
+    virtual void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode);
     virtual void Form_Unload(int32_t& Cancel) { (void)Cancel; }
     virtual void Form_KeyPress(int32_t& KeyAscii) { (void)KeyAscii; }
 
 protected:
+    // The close box acts as this click (a dialog's Cancel button) and the form
+    // stays loaded until the code that showed it is done with it.
+    void closeBoxActsAs(std::function<void()> click) { closeBox_ = std::move(click); }
     // Places the dialog's member controls on the form, in tab order.
     void addControls(std::initializer_list<Control*> controls);
     // The same for a group of controls that a part of the dialog owns.
@@ -85,6 +89,7 @@ private:
     qx::Font font_;
     bool keyPreview_ = false;
     int32_t height_ = 0;
+    std::function<void()> closeBox_;
     bool loaded_ = false;
     bool visible_ = false;
     std::vector<Control*> controls_;
