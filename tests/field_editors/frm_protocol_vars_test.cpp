@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "field_editors/field_dialog_support.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -19,6 +18,7 @@
 #include "message/protocol_scan_numeric_var.h"
 #include "message/protocol_time_var.h"
 #include "platform/host/host_context.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -30,8 +30,8 @@ std::shared_ptr<Field> fieldAt(int32_t position) {
     return field;
 }
 
-using test::link;
-using test::memory;
+using test::linkOperand;
+using test::memoryChoice;
 
 class FieldDialogTest : public ::testing::Test {
 protected:
@@ -117,7 +117,7 @@ TEST_F(FieldDialogTest, ANewNumericFieldOpensWithOkDisabledAndDateTimeAndChecksu
 
 TEST_F(FieldDialogTest, ALinkedFieldShowsItsLinkAndOpensWithOkEnabled) {
     auto field = fieldAt<clsProtocolNumericVar>(0);
-    link(*field->LikedOperand(), 3, 40);
+    linkOperand(*field->LikedOperand(), 3, 40);
     std::wstring shown;
     bool ok = false;
     edit(field, 0, [&](frmProtocolVars& dialog) {
@@ -215,7 +215,7 @@ TEST_F(FieldDialogTest, ValuesStayOnTheirCandidateWhenTheTabsChangeForthAndBack)
 
 TEST_F(FieldDialogTest, NoLinkIsCarriedFromOneCandidateToAnother) {
     auto field = fieldAt<clsProtocolNumericVar>(0);
-    link(*field->LikedOperand(), 3, 40);
+    linkOperand(*field->LikedOperand(), 3, 40);
     bool listOk = true;
     std::wstring shown = L"x";
     edit(field, 0, [&](frmProtocolVars& dialog) {
@@ -231,7 +231,7 @@ TEST_F(FieldDialogTest, NoLinkIsCarriedFromOneCandidateToAnother) {
 TEST_F(FieldDialogTest, AFloatLinkedOnTheScanStreamTabIsLostOnTheScanNumericTab) {
     auto field = fieldAt<clsProtocolScanNumericVar>(0);
     field->StreamForm(1);
-    link(*field->LikedOperand(), 7, 10);
+    linkOperand(*field->LikedOperand(), 7, 10);
     bool okOnStream = false, okOnNumeric = true;
     VarPtr result = edit(field, 1, [&](frmProtocolVars& dialog) {
         okOnStream = dialog.cmdOk.Enabled();
@@ -249,7 +249,7 @@ TEST_F(FieldDialogTest, AFloatLinkedOnTheScanStreamTabIsLostOnTheScanNumericTab)
 TEST_F(FieldDialogTest, TheLinkOfTheSendStreamTabSurvivesTheMoveToTheNumericTab) {
     auto field = fieldAt<clsProtocolNumericVar>(0);
     field->StreamForm(1);
-    link(*field->LikedOperand(), 7, 10);
+    linkOperand(*field->LikedOperand(), 7, 10);
     bool ok = false;
     edit(field, 0, [&](frmProtocolVars& dialog) {
         dialog.tbSMSVars.UserSelect(2);
@@ -278,7 +278,7 @@ TEST_F(FieldDialogTest, TheScanStreamTabSetsFormat4WhateverItWas) {
 TEST_F(FieldDialogTest, TheScanNumericOkRuleWantsTheDecimalPointLinkedUnlessTheFormatIsHex) {
     auto field = fieldAt<clsProtocolScanNumericVar>(0);
     field->StreamForm(1);
-    link(*field->LikedOperand(), 3, 10);
+    linkOperand(*field->LikedOperand(), 3, 10);
     bool okWithoutPoint = true, okHex = false;
     edit(field, 1, [&](frmProtocolVars& dialog) {
         dialog.tbSMSVars.UserSelect(5);
@@ -321,7 +321,7 @@ TEST_F(FieldDialogTest, LinkingAllowsFloatsOnTheStreamTabsOnly) {
 TEST_F(FieldDialogTest, ALinkEnablesOkAndShowsTheOperandAndACanceledPickChangesNothing) {
     auto field = fieldAt<clsProtocolNumericVar>(0);
     driver.QueuePickCancel();
-    driver.QueuePick(memory(3, 55));
+    driver.QueuePick(memoryChoice(3, 55));
     bool okAfterCancel = true, okAfterLink = false;
     std::wstring shown;
     VarPtr result = edit(field, 0, [&](frmProtocolVars& dialog) {
@@ -389,7 +389,7 @@ TEST_F(FieldDialogTest, EscapeAndTheCloseBoxCancel) {
 
 TEST_F(FieldDialogTest, BinaryTextsLoseTheirTrailingBlanksAndBlanksAloneEnableOk) {
     auto field = fieldAt<clsProtocolBinaryVar>(0);
-    link(*field->LikedOperand(), 1, 5);
+    linkOperand(*field->LikedOperand(), 1, 5);
     bool okEmpty = true, okBlanks = false;
     VarPtr result = edit(field, 0, [&](frmProtocolVars& dialog) {
         dialog.tbSMSVars.UserSelect(8);
@@ -449,7 +449,7 @@ TEST_F(FieldDialogTest, TheListTabShowsOneNumberedLinePerTextAndEditsTheLastLine
 
 TEST_F(FieldDialogTest, TextsTypedIntoTheGridReachTheFieldOnOkOnly) {
     auto field = fieldAt<clsProtocolistTextVar>(0);
-    link(*field->LikedOperand(), 3, 8);
+    linkOperand(*field->LikedOperand(), 3, 8);
     std::vector<std::wstring> whileOpen;
     VarPtr result = edit(field, 0, [&](frmProtocolVars& dialog) {
         dialog.flgListTexts.UserType(L"Idle");
@@ -480,7 +480,7 @@ TEST_F(FieldDialogTest, CancelLeavesTheTextsAsTheyWereLoaded) {
 TEST_F(FieldDialogTest, DeleteLineRenumbersAndTheLastLineStays) {
     auto field = fieldAt<clsProtocolistTextVar>(0);
     field->Texts({L"A", L"B", L"C"});
-    link(*field->LikedOperand(), 3, 8);
+    linkOperand(*field->LikedOperand(), 3, 8);
     std::vector<std::wstring> numbers;
     int32_t rowsAtEnd = 0;
     edit(field, 0, [&](frmProtocolVars& dialog) {
@@ -543,7 +543,7 @@ TEST_F(FieldDialogTest, DefineLengthWithOnlyEmptyTextsWritesZeroAndShowsOne) {
 
 TEST_F(FieldDialogTest, AListWithALinkAndOnlyEmptyTextsCanBeAccepted) {
     auto field = fieldAt<clsProtocolistTextVar>(0);
-    link(*field->LikedOperand(), 3, 8);
+    linkOperand(*field->LikedOperand(), 3, 8);
     bool ok = false;
     edit(field, 0, [&](frmProtocolVars& dialog) {
         ok = dialog.cmdOk.Enabled();

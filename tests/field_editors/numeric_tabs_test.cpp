@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "field_editors/field_dialog_support.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_cs_var.h"
@@ -17,6 +16,7 @@
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
 #include "platform/host/host_context.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -35,8 +35,8 @@ Items numbered(int32_t first, int32_t last) {
     return items;
 }
 
-using test::link;
-using test::memory;
+using test::linkOperand;
+using test::memoryChoice;
 
 NumericVarPtr sendField(int32_t operandType = 3) {
     auto field = std::make_shared<clsProtocolNumericVar>();
@@ -275,7 +275,7 @@ TEST_F(NumericTabsTest, LinkingAWordClipsBeforeThePointAndLeavesAfterThePointOnT
     auto field = sendField(5);
     field->BeforePoint(8);
     field->AfterPoint(7);
-    driver.QueuePick(memory(3, 10));
+    driver.QueuePick(memoryChoice(3, 10));
     send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         EXPECT_EQ(panel.cbBefore.Text(), L"8");
         dialog.cmdLink.UserClick();
@@ -291,7 +291,7 @@ TEST_F(NumericTabsTest, LinkingAWordClipsBeforeThePointAndLeavesAfterThePointOnT
 
 TEST_F(NumericTabsTest, LinkingALongWidensTheSendLists) {
     auto field = sendField(3);
-    driver.QueuePick(memory(16, 10));
+    driver.QueuePick(memoryChoice(16, 10));
     send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         EXPECT_EQ(itemsOf(panel.cbBefore), numbered(1, 10));
@@ -305,8 +305,8 @@ TEST_F(NumericTabsTest, ASendFloatStaysSmallWhenAnotherFloatIsLinked) {
     auto field = sendField(7);
     field->StreamForm(1);
     field->CopyBytesFormat(5);
-    link(*field->LikedOperand(), 7, 4);
-    driver.QueuePick(memory(7, 8));
+    linkOperand(*field->LikedOperand(), 7, 4);
+    driver.QueuePick(memoryChoice(7, 8));
     send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         EXPECT_EQ(itemsOf(panel.cbCopyBytes), floatSendBytes);
@@ -324,7 +324,7 @@ TEST_F(NumericTabsTest, LinkingSendWidthsAppliesTheCopyBytesResets) {
         auto field = sendField(c.From);
         field->StreamForm(1);
         field->CopyBytesFormat(c.Before);
-        driver.QueuePick(memory(c.Type, 1));
+        driver.QueuePick(memoryChoice(c.Type, 1));
         send(field, [](SendNumericPanel&, frmProtocolVars& dialog) { dialog.cmdLink.UserClick(); });
         EXPECT_EQ(field->CopyBytesFormat(), c.After) << c.Type << " " << c.Before;
     }
@@ -333,7 +333,7 @@ TEST_F(NumericTabsTest, LinkingSendWidthsAppliesTheCopyBytesResets) {
 TEST_F(NumericTabsTest, ALinkOfNoKnownWidthLeavesTheSendListsAsTheyStand) {
     auto field = sendField(3);
     field->StreamForm(1);
-    driver.QueuePick(memory(15, 1));
+    driver.QueuePick(memoryChoice(15, 1));
     send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         EXPECT_EQ(itemsOf(panel.cbBefore), numbered(1, 5));
@@ -345,7 +345,7 @@ TEST_F(NumericTabsTest, LinkingABinaryFieldRefillsItsListAndStartsAtOneByte) {
     auto field = sendField(3);
     field->VarFormat(2);
     field->BeforePoint(2);
-    driver.QueuePick(memory(5, 1));
+    driver.QueuePick(memoryChoice(5, 1));
     send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         EXPECT_EQ(itemsOf(panel.cbBinaryFormat), sendBytes(2));
         dialog.cmdLink.UserClick();
@@ -455,7 +455,7 @@ TEST_F(NumericTabsTest, AnIndirectStreamOpensWithTheCountButtonEnabled) {
 TEST_F(NumericTabsTest, IndirectChosenWithNoOperandLeavesTheFieldDirect) {
     auto field = sendField(5);
     field->StreamForm(1);
-    link(*field->LikedOperand(), 5, 2);
+    linkOperand(*field->LikedOperand(), 5, 2);
     VarPtr result = send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         panel.opInDirect.UserClick();
         EXPECT_FALSE(panel.cbSteamVector.Enabled());
@@ -479,7 +479,7 @@ TEST_F(NumericTabsTest, TheCountOperandIsATypeThreeLinkThatWritesItsAddress) {
         return true;
     });
     driver.QueuePickCancel();
-    driver.QueuePick(memory(3, 33));
+    driver.QueuePick(memoryChoice(3, 33));
     std::wstring shown, afterCancel, afterLabel, afterDirect;
     send(field, [&](SendNumericPanel& panel, frmProtocolVars&) {
         panel.opInDirect.UserClick();
@@ -500,11 +500,11 @@ TEST_F(NumericTabsTest, TheCountOperandIsATypeThreeLinkThatWritesItsAddress) {
     EXPECT_EQ(typeAsked, 3);
     EXPECT_EQ(addressAsked, -1);
     OperandPtr at20 = newOperand();
-    link(*at20, 3, 20);
+    linkOperand(*at20, 3, 20);
     EXPECT_EQ(shown, GetOperandDisplayText(*at20));
     EXPECT_EQ(afterCancel, shown);
     OperandPtr at33 = newOperand();
-    link(*at33, 3, 33);
+    linkOperand(*at33, 3, 33);
     EXPECT_EQ(afterLabel, GetOperandDisplayText(*at33));
     EXPECT_EQ(afterDirect, L"");
     EXPECT_EQ(field->StreamLengthAddress(), -1);
@@ -526,7 +526,7 @@ TEST_F(NumericTabsTest, TheCountPickerStartsFromTheAddressOfTheField) {
 
 TEST_F(NumericTabsTest, SendValuesStayOnTheCandidateAcrossTabs) {
     auto field = sendField(5);
-    link(*field->LikedOperand(), 5, 2);
+    linkOperand(*field->LikedOperand(), 5, 2);
     VarPtr result = send(field, [](SendNumericPanel& panel, frmProtocolVars& dialog) {
         panel.cbVectorLength.UserSelect(2);
         dialog.tbSMSVars.UserSelect(3);
@@ -709,7 +709,7 @@ TEST_F(NumericTabsTest, EveryScanListAndBoxWritesItsValue) {
 TEST_F(NumericTabsTest, AChangeOfScanFormatSetsTheLengthShowsItsRowsAndResizes) {
     auto field = scanField(3);
     field->BeforePoint(7);
-    link(*field->LikedOperand(), 3, 1);
+    linkOperand(*field->LikedOperand(), 3, 1);
     std::vector<int32_t> heights;
     std::vector<bool> ok;
     scan(field, [&](ScanNumericPanel& panel, frmProtocolVars& dialog) {
@@ -761,8 +761,8 @@ TEST_F(NumericTabsTest, AScanFloatFallsBackToBigWhenAnotherFloatIsLinked) {
     field->StreamForm(1);
     field->VarFormat(4);
     field->CopyBytesFormat(5);
-    link(*field->LikedOperand(), 7, 4);
-    driver.QueuePick(memory(7, 8));
+    linkOperand(*field->LikedOperand(), 7, 4);
+    driver.QueuePick(memoryChoice(7, 8));
     scan(field, [](ScanNumericPanel& panel, frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         EXPECT_EQ(itemsOf(panel.cbScanCopyBytes), floatReceiveBytes);
@@ -783,7 +783,7 @@ TEST_F(NumericTabsTest, LinkingScanWidthsAppliesTheCopyBytesResets) {
         field->StreamForm(1);
         field->VarFormat(4);
         field->CopyBytesFormat(c.Before);
-        driver.QueuePick(memory(c.Type, 1));
+        driver.QueuePick(memoryChoice(c.Type, 1));
         scan(field, [&](ScanNumericPanel& panel, frmProtocolVars& dialog) {
             dialog.cmdLink.UserClick();
             EXPECT_EQ(itemsOf(panel.cbScanCopyBytes), c.List) << c.Type;
@@ -795,7 +795,7 @@ TEST_F(NumericTabsTest, LinkingScanWidthsAppliesTheCopyBytesResets) {
 TEST_F(NumericTabsTest, AScanLinkLeavesTheLengthListsAlone) {
     auto field = scanField(3);
     field->BeforePoint(9);
-    driver.QueuePick(memory(5, 1));
+    driver.QueuePick(memoryChoice(5, 1));
     scan(field, [](ScanNumericPanel& panel, frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         EXPECT_EQ(itemsOf(panel.cbScanLength), numbered(1, 10));
@@ -809,9 +809,9 @@ TEST_F(NumericTabsTest, AScanLinkLeavesTheLengthListsAlone) {
 
 TEST_F(NumericTabsTest, TheDecimalPointLinkShowsItselfAndCompletesTheScanOkRule) {
     auto field = scanField(3);
-    driver.QueuePick(memory(3, 5));
+    driver.QueuePick(memoryChoice(3, 5));
     driver.QueuePickCancel();
-    driver.QueuePick(memory(3, 6));
+    driver.QueuePick(memoryChoice(3, 6));
     std::vector<bool> ok;
     std::wstring shown;
     VarPtr result = scan(field, [&](ScanNumericPanel& panel, frmProtocolVars& dialog) {
@@ -834,8 +834,8 @@ TEST_F(NumericTabsTest, TheDecimalPointLinkShowsItselfAndCompletesTheScanOkRule)
 
 TEST_F(NumericTabsTest, ALinkedDecimalPointShowsOnLoad) {
     auto field = scanField(3);
-    link(*field->DecimalPointOperand(), 3, 12);
-    link(*field->LikedOperand(), 3, 11);
+    linkOperand(*field->DecimalPointOperand(), 3, 12);
+    linkOperand(*field->LikedOperand(), 3, 11);
     std::wstring shown;
     bool ok = false;
     scan(field, [&](ScanNumericPanel& panel, frmProtocolVars& dialog) {
@@ -871,7 +871,7 @@ TEST_F(NumericTabsTest, TheScanNumericTabTakesTheFormatItsListShows) {
 
 TEST_F(NumericTabsTest, ScanValuesStayOnTheCandidateAcrossTabs) {
     auto field = scanField(3);
-    link(*field->LikedOperand(), 3, 1);
+    linkOperand(*field->LikedOperand(), 3, 1);
     VarPtr result = scan(field, [](ScanNumericPanel& panel, frmProtocolVars& dialog) {
         panel.cbScanVarFormat.UserSelect(2);
         panel.cbScanHexLength.UserSelect(3);

@@ -86,8 +86,8 @@ TEST_F(QtConfigDialogTest, ANewConfigMadeWithKeysAndMouseEqualsTheOneMadeHeadles
 
     ConfigBench headless;
     headless.makeNew();
-    headless.driver.QueuePick(testing_config::choice(1, 100, L""));
-    headless.driver.QueuePick(testing_config::choice(3, 200, L""));
+    headless.driver.QueuePick(testing_config::memoryChoice(1, 100, L""));
+    headless.driver.QueuePick(testing_config::memoryChoice(3, 200, L""));
     headless.onDialog([](frmProtocolConfig& dialog) {
         dialog.txtInstanceName.UserType(L"Printer");
         dialog.cbComport.UserSelect(2);

@@ -33,6 +33,7 @@
 #include "qt/qt_modal_driver.h"
 #include "qt/qt_text.h"
 #include "qt_test_support.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -77,18 +78,8 @@ std::shared_ptr<Field> fieldAt(int32_t position) {
     return field;
 }
 
-void link(clsOperand& operand, int32_t type, int32_t address) {
-    operand.OperandType(type);
-    operand.OperandAddress(address);
-    operand.IsNew(false);
-}
-
-OperandChoice memory(int32_t type, int32_t address) {
-    OperandChoice choice;
-    choice.OperandType = type;
-    choice.OperandAddress = address;
-    return choice;
-}
+using test::linkOperand;
+using test::memoryChoice;
 
 // What a person sees wrong in a window: a visible text wider than its widget.
 std::vector<QString> clippedTexts(QWidget& window) {
@@ -176,7 +167,7 @@ TEST_F(QtFieldDialogTest, ASendNumericFieldLinkedThroughThePickerEqualsTheOneMad
 
     clsProtocolMessage expected;
     expected.MessageString(std::wstring(clsProtocolMessage::MaxPositions, L' '));
-    person.QueuePick(memory(3, 100));
+    person.QueuePick(memoryChoice(3, 100));
     onDialog([](frmProtocolVars& dialog) {
         dialog.cmdLink.UserClick();
         dialog.SendNumeric.cbLeading.UserSelect(dialog.SendNumeric.cbLeading.ListIndex() + 1);
@@ -203,7 +194,7 @@ TEST_F(QtFieldDialogTest, ASendNumericFieldLinkedThroughThePickerEqualsTheOneMad
 
 TEST_F(QtFieldDialogTest, AScanStreamFieldSetWithKeysAndMouseEqualsTheOneSetHeadless) {
     auto field = fieldAt<clsProtocolScanNumericVar>(4);
-    link(*field->LikedOperand(), 3, 20);
+    linkOperand(*field->LikedOperand(), 3, 20);
     bool fixedShown = false, nullShown = true;
     VarPtr result = edit(field, method_type::Scan, [&](QWidget& window) {
         clickTab(window, 6);
@@ -216,7 +207,7 @@ TEST_F(QtFieldDialogTest, AScanStreamFieldSetWithKeysAndMouseEqualsTheOneSetHead
     });
 
     auto expected = fieldAt<clsProtocolScanNumericVar>(4);
-    link(*expected->LikedOperand(), 3, 20);
+    linkOperand(*expected->LikedOperand(), 3, 20);
     VarPtr wanted = editHeadless(expected, method_type::Scan, [](frmProtocolVars& dialog) {
         dialog.tbSMSVars.UserSelect(6);
         dialog.ScanNumeric.cbScanStream.UserSelect(dialog.ScanNumeric.cbScanStream.ListIndex() + 4);
@@ -243,7 +234,7 @@ TEST_F(QtFieldDialogTest, AScanStreamFieldSetWithKeysAndMouseEqualsTheOneSetHead
 
 TEST_F(QtFieldDialogTest, TextsTypedIntoTheGridEqualTheOnesTypedHeadless) {
     auto field = fieldAt<clsProtocolistTextVar>(0);
-    link(*field->LikedOperand(), 3, 8);
+    linkOperand(*field->LikedOperand(), 3, 8);
     QStringList shown;
     VarPtr result = edit(field, method_type::Send, [&](QWidget& window) {
         auto* grid = child<QTableView>(window, "flgListTexts");
@@ -265,7 +256,7 @@ TEST_F(QtFieldDialogTest, TextsTypedIntoTheGridEqualTheOnesTypedHeadless) {
     });
 
     auto expected = fieldAt<clsProtocolistTextVar>(0);
-    link(*expected->LikedOperand(), 3, 8);
+    linkOperand(*expected->LikedOperand(), 3, 8);
     editHeadless(expected, method_type::Send, [](frmProtocolVars& dialog) {
         dialog.flgListTexts.UserClick(1, 1);
         dialog.flgListTexts.UserType(L"Idle");
@@ -353,7 +344,7 @@ TEST_F(QtFieldDialogTest, CancelWithTheMouseReturnsIsCanceledAndTheMessageKeepsI
         dialog.cmdLink.UserClick();
         dialog.cmdOk.UserClick();
     });
-    person.QueuePick(memory(3, 5));
+    person.QueuePick(memoryChoice(3, 5));
     ASSERT_TRUE(headless([&] { return message.EditVar(1); }));
     const VarPtr before = message.GetVar(1);
     const std::wstring text = message.MessageString();
@@ -409,7 +400,7 @@ TEST_F(QtFieldDialogTest, EverySendTabShowsItsPanelWithNoTextClipped) {
     auto field = fieldAt<clsProtocolistTextVar>(0);
     field->Texts({L"Stopped", L"Running", L"Fault"});
     field->AlignmentStringSize(7);
-    link(*field->LikedOperand(), 3, 8);
+    linkOperand(*field->LikedOperand(), 3, 8);
     edit(field, method_type::Send, [&](QWidget& window) {
         shootTabs(window, {1, 2, 3, 4, 7, 8, 9}, QStringLiteral("field_dialog_send_"), shots);
         for (const TabShot& shot : shots) heights.push_back(shot.Height);

@@ -41,14 +41,7 @@ inline OperandPtr linkedOperand(int32_t type, int32_t address, const std::wstrin
     return operand;
 }
 
-inline OperandChoice choice(int32_t type, int32_t address, const std::wstring& description) {
-    OperandChoice picked;
-    picked.Mode = 1;
-    picked.OperandType = type;
-    picked.OperandAddress = address;
-    picked.Description = description;
-    return picked;
-}
+using test::memoryChoice;
 
 struct ConfigBench : test::OperationBench<clsProtocolConfig> {
     ScriptedModalDriver& driver = *context->Script();

@@ -17,7 +17,7 @@
 
 namespace qx::testing_copy {
 
-using testing_config::choice;
+using testing_config::memoryChoice;
 
 struct CopyBufferBench : test::OperationBench<clsProtocolCopyToBuffer> {
     ScriptedModalDriver& driver = *context->Script();

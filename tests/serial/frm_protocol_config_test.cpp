@@ -8,8 +8,8 @@
 namespace qx {
 namespace {
 
-using testing_config::choice;
 using testing_config::ConfigBench;
+using testing_config::memoryChoice;
 
 class FrmProtocolConfigTest : public ::testing::Test {
 protected:
@@ -140,8 +140,8 @@ TEST_F(FrmProtocolConfigTest, StoredNameWithAForbiddenCharacterIsShownAsItIs) {
 
 TEST_F(FrmProtocolConfigTest, FirstActivationWalksANewConfigThroughBothLinks) {
     bench.makeNew();
-    bench.driver.QueuePick(choice(1, 100, L"Busy"));
-    bench.driver.QueuePick(choice(3, 200, L"State"));
+    bench.driver.QueuePick(memoryChoice(1, 100, L"Busy"));
+    bench.driver.QueuePick(memoryChoice(3, 200, L"State"));
     bool okEnabled = false;
     std::wstring fail, status;
     bench.onDialog([&](frmProtocolConfig& dialog) {
@@ -161,7 +161,7 @@ TEST_F(FrmProtocolConfigTest, FirstActivationWalksANewConfigThroughBothLinks) {
 TEST_F(FrmProtocolConfigTest, CanceledFirstPickSkipsTheSecond) {
     bench.makeNew();
     bench.driver.QueuePickCancel();
-    bench.driver.QueuePick(choice(3, 200, L"State"));
+    bench.driver.QueuePick(memoryChoice(3, 200, L"State"));
     bool okEnabled = true;
     bench.onDialog([&](frmProtocolConfig& dialog) { okEnabled = dialog.cmdOk.Enabled(); });
     bench.config->itfFBMethod_EditOperands();
@@ -171,7 +171,7 @@ TEST_F(FrmProtocolConfigTest, CanceledFirstPickSkipsTheSecond) {
 }
 
 TEST_F(FrmProtocolConfigTest, NoWalkWhenAnOperandIsAlreadyLinked) {
-    bench.driver.QueuePick(choice(1, 100, L"Busy"));
+    bench.driver.QueuePick(memoryChoice(1, 100, L"Busy"));
     editExisting([](frmProtocolConfig&) {});
     EXPECT_EQ(bench.driver.PendingPicks(), 1u);
 }
@@ -179,7 +179,7 @@ TEST_F(FrmProtocolConfigTest, NoWalkWhenAnOperandIsAlreadyLinked) {
 TEST_F(FrmProtocolConfigTest, TheWalkRunsOnTheFirstActivationOnly) {
     bench.makeNew();
     bench.driver.QueuePickCancel();
-    bench.driver.QueuePick(choice(1, 100, L"Busy"));
+    bench.driver.QueuePick(memoryChoice(1, 100, L"Busy"));
     bench.onDialog([](frmProtocolConfig& dialog) { dialog.Activate(); });
     bench.config->itfFBMethod_EditOperands();
     EXPECT_EQ(bench.driver.PendingPicks(), 1u);
@@ -193,10 +193,10 @@ TEST_F(FrmProtocolConfigTest, OkStaysDisabledUntilBothOperandsAreLinked) {
         okStates.push_back(dialog.cmdOk.Enabled());
         dialog.cmdOk.UserClick();  // does nothing while disabled
         okStates.push_back(dialog.Visible());
-        bench.driver.QueuePick(choice(1, 100, L"Busy"));
+        bench.driver.QueuePick(memoryChoice(1, 100, L"Busy"));
         dialog.cmdFailLink.UserClick();
         okStates.push_back(dialog.cmdOk.Enabled());
-        bench.driver.QueuePick(choice(3, 200, L"State"));
+        bench.driver.QueuePick(memoryChoice(3, 200, L"State"));
         dialog.cmdStatusOp.UserClick();
         okStates.push_back(dialog.cmdOk.Enabled());
         dialog.cmdOk.UserClick();
@@ -212,9 +212,9 @@ TEST_F(FrmProtocolConfigTest, ClickingTheLabelsLinksTheOperandsToo) {
     bench.driver.QueuePickCancel();
     std::wstring fail, status;
     bench.onDialog([&](frmProtocolConfig& dialog) {
-        bench.driver.QueuePick(choice(1, 5, L"Busy"));
+        bench.driver.QueuePick(memoryChoice(1, 5, L"Busy"));
         dialog.lbOpFail.UserClick();
-        bench.driver.QueuePick(choice(3, 6, L"State"));
+        bench.driver.QueuePick(memoryChoice(3, 6, L"State"));
         dialog.lbStatusOp.UserClick();
         fail = dialog.lbOpFail.Caption();
         status = dialog.lbStatusOp.Caption();

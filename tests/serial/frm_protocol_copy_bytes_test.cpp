@@ -12,8 +12,8 @@
 namespace qx {
 namespace {
 
-using testing_copy::choice;
 using testing_copy::CopyBufferBench;
+using testing_copy::memoryChoice;
 
 const std::wstring convert1 = L"Convert 1 Receive Bytes to ONE Linked Element";
 const std::wstring convert2 = L"Convert 2 Receive Bytes to ONE Linked Element";
@@ -195,7 +195,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkShowsItsDisplayText) {
     std::wstring before, after;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
         before = dialog.lbOperand.Caption();
-        bench.driver.QueuePick(choice(16, 321, L"Buffer copy"));
+        bench.driver.QueuePick(memoryChoice(16, 321, L"Buffer copy"));
         dialog.cmdOperand.UserClick();
         after = dialog.lbOperand.Caption();
     });
@@ -208,7 +208,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkShowsItsDisplayText) {
 TEST_F(FrmProtocolCopyBytesTest, ClickingTheOperandLabelLinksToo) {
     bench.reopen(Bytes{0x02, 0x00});
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(5, 12, L"Elsewhere"));
+        bench.driver.QueuePick(memoryChoice(5, 12, L"Elsewhere"));
         dialog.lbOperand.UserClick();
         dialog.cmdOk.UserClick();
     });
@@ -221,7 +221,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkToAnMiTurnsFormat4Into1) {
     bench.reopen(Bytes{0x04, 0x00}, 5);
     Seen seen;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(3, 7, L"Word"));
+        bench.driver.QueuePick(memoryChoice(3, 7, L"Word"));
         dialog.cmdOperand.UserClick();
         seen = look(dialog);
         dialog.cmdOk.UserClick();
@@ -235,7 +235,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkToAnMiTurnsFormat4Into1) {
 TEST_F(FrmProtocolCopyBytesTest, NewLinkToAnExtendedMiTurnsFormat4Into1) {
     bench.reopen(Bytes{0x04, 0x00}, 66);
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(65, 7, L"Word"));
+        bench.driver.QueuePick(memoryChoice(65, 7, L"Word"));
         dialog.cmdOperand.UserClick();
         dialog.cmdOk.UserClick();
     });
@@ -246,7 +246,7 @@ TEST_F(FrmProtocolCopyBytesTest, StoredFormat4OnAnMiBecomes1AfterANewLinkToAnMi)
     bench.reopen(Bytes{0x04, 0x00}, 3);
     Seen seen;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(3, 8, L"Other word"));
+        bench.driver.QueuePick(memoryChoice(3, 8, L"Other word"));
         dialog.cmdOperand.UserClick();
         seen = look(dialog);
         dialog.cmdOk.UserClick();
@@ -259,7 +259,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkToALongRegisterKeepsTheFormatAndOffersFo
     bench.reopen(Bytes{0x02, 0x00}, 3);
     Seen seen;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(16, 9, L"Long"));
+        bench.driver.QueuePick(memoryChoice(16, 9, L"Long"));
         dialog.cmdOperand.UserClick();
         seen = look(dialog);
         dialog.cmdOk.UserClick();
@@ -274,7 +274,7 @@ TEST_F(FrmProtocolCopyBytesTest, NewLinkToATypeWithoutFormatsEmptiesTheListButKe
     Seen seen;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
         // A host whose picker offers a type the list has no format for.
-        bench.driver.QueuePick(choice(7, 3, L"Float"));
+        bench.driver.QueuePick(memoryChoice(7, 3, L"Float"));
         dialog.cmdOperand.UserClick();
         seen = look(dialog);
         dialog.cmdOk.UserClick();
@@ -294,7 +294,7 @@ TEST_F(FrmProtocolCopyBytesTest, RefillAfterALinkSelectsUnderTheGuard) {
             guardAtClick.push_back(dialog.IgnoreListEvents);
             handler();
         };
-        bench.driver.QueuePick(choice(3, 7, L"Word"));
+        bench.driver.QueuePick(memoryChoice(3, 7, L"Word"));
         dialog.cmdOperand.UserClick();
         EXPECT_FALSE(dialog.IgnoreListEvents);
         dialog.cbCopyBytes.UserSelect(0);
@@ -336,7 +336,7 @@ TEST_F(FrmProtocolCopyBytesTest, CanceledPickerOnAnMiWithFormat4StillTakesFormat
 TEST_F(FrmProtocolCopyBytesTest, CancelKeepsANewLinkButNotTheFormat) {
     bench.reopen(Bytes{0x04, 0x00}, 5);
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(3, 77, L"Word"));
+        bench.driver.QueuePick(memoryChoice(3, 77, L"Word"));
         dialog.cmdOperand.UserClick();
         dialog.cmdCancel.UserClick();
     });
@@ -514,7 +514,7 @@ TEST_F(FrmProtocolCopyBytesTest, OkWaitsForTheDestinationLink) {
         bench.driver.QueuePickCancel();
         dialog.cmdOperand.UserClick();
         okStates.push_back(dialog.cmdOk.Enabled());
-        bench.driver.QueuePick(choice(3, 5, L"Word"));
+        bench.driver.QueuePick(memoryChoice(3, 5, L"Word"));
         dialog.cmdOperand.UserClick();
         okStates.push_back(dialog.cmdOk.Enabled());
         dialog.cmdOk.UserClick();
@@ -543,7 +543,7 @@ TEST_F(FrmProtocolCopyBytesTest, OkWaitsForAnInstanceSelection) {
     bench.makeNew();
     std::vector<bool> okStates;
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(5, 40, L"Target"));
+        bench.driver.QueuePick(memoryChoice(5, 40, L"Target"));
         dialog.cmdOperand.UserClick();
         dialog.cbCopyBytes.UserSelect(2);
         okStates.push_back(dialog.cmdOk.Enabled());

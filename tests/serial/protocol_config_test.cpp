@@ -190,8 +190,8 @@ TEST(ProtocolConfigEdit, NewConfigAddsAnInstanceBeforeTheDialog) {
 TEST(ProtocolConfigEdit, OkOnANewConfigStoresTheImageAndTheName) {
     ConfigBench bench;
     bench.makeNew();
-    bench.driver.QueuePick(testing_config::choice(1, 100, L"Busy"));
-    bench.driver.QueuePick(testing_config::choice(3, 200, L"State"));
+    bench.driver.QueuePick(testing_config::memoryChoice(1, 100, L"Busy"));
+    bench.driver.QueuePick(testing_config::memoryChoice(3, 200, L"State"));
     bench.onDialog([](frmProtocolConfig& dialog) {
         dialog.txtInstanceName.UserType(L"Printer");
         dialog.cbComport.UserSelect(2);
@@ -275,7 +275,7 @@ TEST(ProtocolConfigEdit, ExistingConfigShowsItsStoredNameAndPort) {
 TEST(ProtocolConfigEdit, CancelOnAnExistingConfigKeepsTheImageButNewOperandLinks) {
     ConfigBench bench;
     int32_t number = bench.reopen(L"Line1", Bytes{0x02, 0x00});
-    bench.driver.QueuePick(testing_config::choice(1, 77, L"Other"));
+    bench.driver.QueuePick(testing_config::memoryChoice(1, 77, L"Other"));
     bench.onDialog([](frmProtocolConfig& dialog) {
         dialog.cbComport.UserSelect(0);
         dialog.txtInstanceName.UserType(L"Renamed");

@@ -11,8 +11,8 @@ namespace qx {
 namespace {
 
 using test::runtimeErrorOf;
-using testing_copy::choice;
 using testing_copy::CopyBufferBench;
+using testing_copy::memoryChoice;
 
 // --- The Srv object and its image ---
 
@@ -251,7 +251,7 @@ TEST(ProtocolCopyToBufferEdit, OkOnANewOperationStoresTheImageAndClearsIsNew) {
     int32_t config = bench.instances->Seed(L"Line1");
     bench.makeNew();
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(5, 40, L"Target"));
+        bench.driver.QueuePick(memoryChoice(5, 40, L"Target"));
         dialog.cmdOperand.UserClick();
         dialog.cbCopyBytes.UserSelect(2);
         dialog.cmdOk.UserClick();
@@ -316,7 +316,7 @@ TEST(ProtocolCopyToBufferEdit, SecondEditAfterACanceledNewOneStartsWithoutAForma
     bench.instances->Seed(L"Line1");
     bench.makeNew();
     bench.edit([&](frmProtocolCopyBytes& dialog) {
-        bench.driver.QueuePick(choice(5, 40, L"Target"));
+        bench.driver.QueuePick(memoryChoice(5, 40, L"Target"));
         dialog.cmdOperand.UserClick();
         dialog.cbCopyBytes.UserSelect(1);
         dialog.cmdCancel.UserClick();

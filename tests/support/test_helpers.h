@@ -18,6 +18,16 @@
 
 namespace qx::test {
 
+// A memory operand as a person picks it in the host's picker.
+inline OperandChoice memoryChoice(int32_t type, int32_t address, const std::wstring& description = L"") {
+    OperandChoice picked;
+    picked.Mode = 1;
+    picked.OperandType = type;
+    picked.OperandAddress = address;
+    picked.Description = description;
+    return picked;
+}
+
 // Byte images written out part by part, in the order of their layout.
 inline Bytes concat(std::initializer_list<Bytes> parts) {
     Bytes out;

@@ -15,14 +15,7 @@ namespace qx::testing_eth {
 
 constexpr int32_t kEthFatherID = 170200;
 
-inline OperandChoice memoryChoice(int32_t type, int32_t address, const std::wstring& description = L"") {
-    OperandChoice picked;
-    picked.Mode = 1;
-    picked.OperandType = type;
-    picked.OperandAddress = address;
-    picked.Description = description;
-    return picked;
-}
+using test::memoryChoice;
 
 // Socket n from the constant list, as the picker gives it.
 inline OperandChoice socketChoice(int32_t socket) {
