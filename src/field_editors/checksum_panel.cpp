@@ -3,6 +3,7 @@
 #include <string>
 
 #include "field_editors/frm_protocol_hex_selector.h"
+#include "field_editors/number_lists.h"
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
 #include "platform/basics/runtime_error.h"
@@ -17,12 +18,6 @@ constexpr int32_t endOfMessageETX = 1;
 constexpr int32_t offsetCount = 16;
 constexpr int32_t longestChecksum = 5;
 constexpr const wchar_t* linkToolTip = L"Link Operand to Variable";
-
-void addNumbers(ComboBox& list, int32_t first, int32_t last) {
-    for (int32_t n = first; n <= last; ++n) list.AddItem(std::to_wstring(n), n);
-}
-
-void position(ComboBox& list, int32_t number) { list.ListIndex(FindComboIndex(list, number)); }
 
 int32_t chosenNumber(const ComboBox& list) { return list.ItemData(list.ListIndex()); }
 }  // namespace
@@ -88,8 +83,7 @@ void ChecksumPanel::Container(Control* container) {
 
 void ChecksumPanel::FillLists() {
     addNumbers(cbCSFromFwr, 0, offsetCount - 1);
-    cbCSFromBwr.Clear();
-    addNumbers(cbCSFromBwr, 0, offsetCount - 1);
+    fillNumbers(cbCSFromBwr, 0, offsetCount - 1);
     // CRC-8 stands before CRC-16, whose codes lie the other way round.
     cbCSCalcType.Clear();
     cbCSCalcType.AddItem(L"SUM-8", 1);
@@ -106,8 +100,7 @@ void ChecksumPanel::FillLists() {
     cbCSModulusType.AddItem(L"256 (100H)", 1);
     cbCSModulusType.AddItem(L"65536 (10000H)", 2);
     cbCSModulusType.AddItem(L"32 bit", 3);
-    cbCSLength.Clear();
-    addNumbers(cbCSLength, 1, longestChecksum);
+    fillNumbers(cbCSLength, 1, longestChecksum);
     cbCSFormatView.Clear();
     cbCSFormatView.AddItem(L"Decimal ASCII", 0);
     cbCSFormatView.AddItem(L"Hex as ASCII", 1);
@@ -116,12 +109,12 @@ void ChecksumPanel::FillLists() {
 
 void ChecksumPanel::ShowCandidate() {
     clsProtocolCSVar& candidate = objectOf(candidate_);
-    position(cbCSFromFwr, candidate.OffsetFromForward());
-    position(cbCSFromBwr, candidate.OffsetTillBackwards());
-    position(cbCSCalcType, candidate.CalculationType());
-    position(cbCSModulusType, candidate.ModulusType());
-    position(cbCSLength, candidate.CSLength());
-    position(cbCSFormatView, candidate.FormatView());
+    positionOn(cbCSFromFwr, candidate.OffsetFromForward());
+    positionOn(cbCSFromBwr, candidate.OffsetTillBackwards());
+    positionOn(cbCSCalcType, candidate.CalculationType());
+    positionOn(cbCSModulusType, candidate.ModulusType());
+    positionOn(cbCSLength, candidate.CSLength());
+    positionOn(cbCSFormatView, candidate.FormatView());
     // Unchecked too when the limits are off, so that a reload after
     // InitChecksum shows the defaults; the host's isLoading keeps the handler out.
     ckSpecialAddition.Value(candidate.SpecialAddition() ? CheckBox::Checked : CheckBox::Unchecked);

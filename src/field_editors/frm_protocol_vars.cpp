@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <typeinfo>
 
+#include "field_editors/number_lists.h"
 #include "framework/shared_helpers.h"
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -534,8 +535,7 @@ void frmProtocolVars::loadListTab() {
         flgListTexts.TextMatrix(line, 0, std::to_wstring(line - 1));
         flgListTexts.TextMatrix(line, 1, texts[static_cast<size_t>(line - 1)]);
     }
-    cbListTextAlign.Clear();
-    for (int32_t n = 1; n <= listAlignmentItems; ++n) cbListTextAlign.AddItem(std::to_wstring(n), n);
+    fillNumbers(cbListTextAlign, 1, listAlignmentItems);
     if (ListCandidate->AlignmentStringSize() > 0) {
         ckListTextAlign.Value(CheckBox::Checked);
         cbListTextAlign.Visible(true);

@@ -2,10 +2,8 @@
 // operand is: a word, a long or a float. Shared by the Send and Scan panels.
 #pragma once
 #include <cstdint>
-#include <string>
 
-#include "framework/shared_helpers.h"
-#include "platform/controls/combo_box.h"
+#include "field_editors/number_lists.h"
 
 namespace qx {
 
@@ -51,16 +49,5 @@ private:
     bool& isLoading_;
     bool was_;
 };
-
-// Items "first" to "last", each numbered by its text.
-inline void fillNumbers(ComboBox& combo, int32_t first, int32_t last) {
-    combo.Clear();
-    for (int32_t n = first; n <= last; ++n) combo.AddItem(std::to_wstring(n), n);
-}
-
-// Selects the item numbered value, or the first one; an empty list stays as it is.
-inline void positionOn(ComboBox& combo, int32_t value) {
-    if (combo.ListCount() > 0) combo.ListIndex(FindComboIndex(combo, value));
-}
 
 }  // namespace qx
