@@ -4,7 +4,7 @@
 QXFB_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 QXFB_BUILD_DIR="${QXFB_BUILD_DIR:-$QXFB_ROOT/build}"
 QXFB_JOBS="${QXFB_JOBS:-$(nproc 2>/dev/null || echo 2)}"
-QXFB_PACKAGES=(cmake make g++ libgtest-dev libbenchmark-dev
+QXFB_PACKAGES=(cmake ninja-build g++ mold ccache libgtest-dev libbenchmark-dev
     qt6-base-dev qt6-qpa-plugins fonts-dejavu-core libsqlite3-dev)
 
 # Installs the packages of the list that are not installed yet, with one
@@ -27,6 +27,9 @@ qxfb_ensure_packages() {
     "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
 
+# Ninja for a new build folder; one made earlier keeps the generator it has.
 qxfb_configure() {
-    cmake -S "$QXFB_ROOT" -B "$QXFB_BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+    local generator=()
+    [ -f "$QXFB_BUILD_DIR/CMakeCache.txt" ] || generator=(-G Ninja)
+    cmake -S "$QXFB_ROOT" -B "$QXFB_BUILD_DIR" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
 }
