@@ -7,6 +7,16 @@ install(TARGETS qxfb_core EXPORT QxFBCom2Targets
 set_target_properties(QxFBCom2 PROPERTIES EXPORT_NAME component)
 install(TARGETS QxFBCom2 EXPORT QxFBCom2Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# The project store and the view layer, each in an export set of its own, so
+# that the package's config file loads them (and looks for SQLite, OpenSSL
+# and Qt) only for the programs that want them. Their headers include only
+# headers installed below; the .ui-generated ones stay inside qxfb_qt.
+install(TARGETS qxfb_project EXPORT QxFBCom2ProjectTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT QxFBCom2ProjectTargets NAMESPACE QxFBCom2:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)
+if(TARGET qxfb_qt)
+  install(TARGETS qxfb_qt EXPORT QxFBCom2QtTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(EXPORT QxFBCom2QtTargets NAMESPACE QxFBCom2:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/QxFBCom2)
+endif()
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2
         FILES_MATCHING PATTERN "*.h")
 # The runtime folder: bin/, the application folder of an installed component,

@@ -232,7 +232,8 @@ HRESULT serverGetClassObject(const GUID* rclsid, const GUID* riid, void** ppv) {
     if (!rclsid || !riid) return E_INVALIDARG;
     try {
         // Every object of the component is made through here, so the sets
-        // find their dialogs whichever class the host asks for first.
+        // find their dialogs whichever class the host asks for first. Only
+        // empty hooks are filled: a host's own editors stay.
         installFieldEditors();
         const PublicClass* cls = findPublicClass(*rclsid);
         if (!cls) return CLASS_E_CLASSNOTAVAILABLE;

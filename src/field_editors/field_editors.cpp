@@ -7,13 +7,18 @@
 namespace qx {
 
 void installFieldEditors() {
-    // A fresh dialog for each edit, as the host's shared instance is dropped after each.
-    editorHooks().EndOfMessage = [](std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType) {
-        return frmProtocolConfigAdvanced().Edit(std::move(pChecksum), pEndOfMessageType);
-    };
-    editorHooks().Field = [](VarPtr pVar, int32_t& pMethodType) {
-        return frmProtocolVars().Edit(std::move(pVar), pMethodType);
-    };
+    // Only where no editor is installed: a host's own stays, whether it came
+    // before this call or after. A fresh dialog for each edit, as the host's
+    // shared instance is dropped after each.
+    EditorHooks& hooks = editorHooks();
+    if (!hooks.EndOfMessage)
+        hooks.EndOfMessage = [](std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType) {
+            return frmProtocolConfigAdvanced().Edit(std::move(pChecksum), pEndOfMessageType);
+        };
+    if (!hooks.Field)
+        hooks.Field = [](VarPtr pVar, int32_t& pMethodType) {
+            return frmProtocolVars().Edit(std::move(pVar), pMethodType);
+        };
 }
 
 }  // namespace qx

@@ -7,8 +7,11 @@
 namespace qx {
 
 // Installs frmProtocolConfigAdvanced as the end-of-message editor of the
-// Send and Scan sets, and frmProtocolVars as the editor of every field. The component calls it at its first entry; a
-// program that links the core without the component calls it once before editing. Calling it again changes nothing.
+// Send and Scan sets, and frmProtocolVars as the editor of every field, each
+// only where editorHooks() holds no editor yet: a host that set its own
+// EndOfMessage or Field keeps it. The component calls it at every class
+// object it hands out; a program that links the core without the component
+// calls it once before editing. Calling it again changes nothing.
 void installFieldEditors();
 
 }  // namespace qx

@@ -14,7 +14,10 @@ bool runEndOfMessageEditor(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t&
     const EndOfMessageEditor& editor = editorHooks().EndOfMessage;
     if (!editor)
         throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
-                           L"No end-of-message editor is installed; call installFieldEditors() first.");
+                           L"No end-of-message editor dialog is installed: a program that links QxFBCom2::core "
+                           L"itself must call qx::installFieldEditors() from field_editors/field_editors.h once "
+                           L"before editing the end of a message, or set qx::editorHooks().EndOfMessage to an "
+                           L"editor of its own.");
     return editor(std::move(pChecksum), pEndOfMessageType);
 }
 
@@ -22,7 +25,9 @@ VarPtr runFieldEditor(VarPtr pVar, int32_t& pMethodType) {
     const FieldEditor& editor = editorHooks().Field;
     if (!editor)
         throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
-                           L"No field editor is installed; call installFieldEditors() first.");
+                           L"No field editor dialog is installed: a program that links QxFBCom2::core itself must "
+                           L"call qx::installFieldEditors() from field_editors/field_editors.h once before editing "
+                           L"fields, or set qx::editorHooks().Field to an editor of its own.");
     return editor(std::move(pVar), pMethodType);
 }
 

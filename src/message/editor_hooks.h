@@ -2,9 +2,11 @@
 // the field editors, a layer above the message model and the message sets
 // whose operations open them. Those operations reach the dialogs through the
 // hooks here, which the field editors install: installFieldEditors() in
-// field_editors/field_editors.h, called by the component at its first entry
-// and by any program that links the core on its own. The registry lies in
-// the message layer so that the fields' EditVar can use it as the sets do.
+// field_editors/field_editors.h, called by the component at each class
+// object and by any program that links the core on its own. It fills only
+// empty hooks, so a host may set either hook to an editor of its own, before
+// or after. The registry lies in the message layer so that the fields'
+// EditVar can use it as the sets do.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -35,8 +37,8 @@ struct EditorHooks {
 EditorHooks& editorHooks();
 
 // Runs the end-of-message editor. Without one installed it raises
-// RuntimeError(91), as a call on an object that was never set does: the
-// program forgot installFieldEditors().
+// RuntimeError(91), as a call on an object that was never set does, with a
+// description that tells the program to call installFieldEditors().
 bool runEndOfMessageEditor(std::shared_ptr<clsProtocolCSVar> pChecksum, int32_t& pEndOfMessageType);
 
 // Runs the field editor; RuntimeError(91) without one, as above.

@@ -223,6 +223,7 @@ protected:
         const QSignalBlocker quiet(widget_);
         if (is(property, "Text")) widget_.setText(toQString(box_.Text()));
         if (is(property, "Locked")) widget_.setReadOnly(box_.Locked());
+        if (focusArriving_ && (property == "SelStart" || property == "SelLength")) selectionSetOnFocus_ = true;
         if (is(property, "Text") || is(property, "SelStart") || is(property, "SelLength")) {
             const int start = qtPosition(box_.Text(), box_.SelStart());
             if (box_.SelLength() > 0)
@@ -235,13 +236,27 @@ protected:
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn) {
-            ControlBinding::eventFilter(watched, event);
-            // Reached by keys or from code, the whole text is selected; a
-            // click puts the caret where it was clicked.
-            if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
-                runModelAction([this] { box_.UserSelectAll(); });
-            return false;
+        switch (event->type()) {
+            case QEvent::FocusIn:
+                return focusIn(watched, *static_cast<QFocusEvent*>(event));
+            case QEvent::FocusOut:
+                focusClick_ = clickHeld_ = false;
+                break;
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonDblClick:
+                if (!focusClick_) break;
+                focusClick_ = false;
+                clickHeld_ = true;
+                return true;
+            case QEvent::MouseMove:
+                if (clickHeld_) return true;
+                break;
+            case QEvent::MouseButtonRelease:
+                if (!clickHeld_) break;
+                clickHeld_ = false;
+                return true;
+            default:
+                break;
         }
         if (event->type() == QEvent::KeyPress) {
             bool taken = true;
@@ -252,6 +267,27 @@ protected:
     }
 
 private:
+    // The model hears of the focus first: its GotFocus may select. Then the
+    // widget takes the focus with its signals quiet, so that no selection of
+    // its own (a line edit tabbed into selects its whole text) reaches the
+    // model, and shows the model's selection. When that selection is the
+    // dialog's doing and a click brought the focus, the click places no caret
+    // over it; a click into a box whose dialog selects nothing does.
+    bool focusIn(QObject* watched, QFocusEvent& event) {
+        focusArriving_ = true;
+        selectionSetOnFocus_ = false;
+        ControlBinding::eventFilter(watched, &event);
+        focusArriving_ = false;
+        {
+            const QSignalBlocker quiet(widget_);
+            static_cast<QObject&>(widget_).event(&event);
+        }
+        showProperty("SelStart");
+        focusClick_ = selectionSetOnFocus_ && event.reason() == Qt::MouseFocusReason;
+        clickHeld_ = false;
+        return true;
+    }
+
     // True when the key stroke was the model's; moving keys stay the widget's.
     bool keyPressed(const QKeyEvent& key) {
         switch (key.key()) {
@@ -309,6 +345,12 @@ private:
 
     TextBox& box_;
     QLineEdit& widget_;
+    // While the model handles the focus: whether it set a selection.
+    bool focusArriving_ = false;
+    bool selectionSetOnFocus_ = false;
+    // The click that brought the focus, from its press to its release.
+    bool focusClick_ = false;
+    bool clickHeld_ = false;
 };
 
 // The IP entry takes digits and dots only; the model keeps what it accepts

@@ -67,6 +67,7 @@ frmEthProtocolConfig::frmEthProtocolConfig() : Form(L"frmEthProtocolConfig") {
     cmdClearLink.Enabled(false);
 
     txtInstanceName.OnChange = [this] { txtInstanceName_Change(); };
+    txtInstanceName.OnGotFocus = [this] { txtInstanceName_GotFocus(); };
     vsfOperands.OnDblClick = [this] { vsfOperands_DblClick(); };
     vsfSlaves.OnBeforeEdit = [this](int32_t r, int32_t c, bool& cancel) { vsfSlaves_BeforeEdit(r, c, cancel); };
     vsfSlaves.OnStartEdit = [this](int32_t r, int32_t c, bool& cancel) { vsfSlaves_StartEdit(r, c, cancel); };
@@ -273,6 +274,13 @@ void frmEthProtocolConfig::txtInstanceName_Change() {
         txtInstanceName.Text(L"");
     }
     updateCmdOK();
+}
+
+// However the box is reached, by a click, by a key or from code, the whole
+// name is selected, so that what is typed next replaces it.
+void frmEthProtocolConfig::txtInstanceName_GotFocus() {
+    txtInstanceName.SelStart(0);
+    txtInstanceName.SelLength(static_cast<int32_t>(txtInstanceName.Text().size()));
 }
 
 void frmEthProtocolConfig::cmdOK_Click() {

@@ -36,6 +36,7 @@ public:
 
     void Form_Activate() override;
     void txtInstanceName_Change();
+    void txtInstanceName_GotFocus();
     void vsfOperands_DblClick();
     void vsfSlaves_BeforeEdit(int32_t Row, int32_t Col, bool& Cancel);
     void vsfSlaves_StartEdit(int32_t Row, int32_t Col, bool& Cancel);

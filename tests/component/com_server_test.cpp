@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <memory>
 #include <new>
 #include <set>
 #include <stdexcept>
 #include <string>
 
 #include "message/editor_hooks.h"
+#include "message/protocol_cs_var.h"
 #include "platform/basics/runtime_error.h"
 
 namespace qx {
@@ -139,6 +141,26 @@ TEST(ClassObjects, TheFirstOneInstallsTheFieldEditorsForTheSets) {
     ASSERT_EQ(serverGetClassObject(&CLSID_clsProtocolSend, &IID_IClassFactory, &pv), S_OK);
     static_cast<IClassFactory*>(pv)->Release();
     EXPECT_TRUE(static_cast<bool>(editorHooks().EndOfMessage));
+}
+
+TEST(ClassObjects, AHookTheHostSetBeforeTheFirstClassObjectStays) {
+    ScopedEditorHooks hooks;
+    int32_t hostCalls = 0;
+    editorHooks().Field = nullptr;
+    editorHooks().EndOfMessage = [&](std::shared_ptr<clsProtocolCSVar>, int32_t&) {
+        ++hostCalls;
+        return false;
+    };
+    for (const GUID* clsid : {&CLSID_clsProtocolSend, &CLSID_clsProtocolscan, &CLSID_clsGate}) {
+        void* pv = nullptr;
+        ASSERT_EQ(serverGetClassObject(clsid, &IID_IClassFactory, &pv), S_OK);
+        static_cast<IClassFactory*>(pv)->Release();
+    }
+    // The empty hook was filled; the host's own one is still the one that runs.
+    EXPECT_TRUE(static_cast<bool>(editorHooks().Field));
+    int32_t type = 1;
+    EXPECT_FALSE(runEndOfMessageEditor(std::make_shared<clsProtocolCSVar>(), type));
+    EXPECT_EQ(hostCalls, 1);
 }
 
 }  // namespace

@@ -65,5 +65,23 @@ TEST(EditVar, WithoutAFieldEditorItIsError91) {
     }
 }
 
+TEST(EditVar, WithoutAFieldEditorTheErrorSaysWhatIsMissingAndHowToInstallIt) {
+    ScopedHostContext context;
+    ScopedEditorHooks hooks;
+    editorHooks() = EditorHooks{};
+    auto field = std::make_shared<clsProtocolNumericVar>();
+    try {
+        field->EditVar(1);
+        ADD_FAILURE() << "no error";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), 91);
+        EXPECT_EQ(error.Source(), L"QxFBCom2");
+        EXPECT_EQ(error.Description(),
+                  L"No field editor dialog is installed: a program that links QxFBCom2::core itself must call "
+                  L"qx::installFieldEditors() from field_editors/field_editors.h once before editing fields, "
+                  L"or set qx::editorHooks().Field to an editor of its own.");
+    }
+}
+
 }  // namespace
 }  // namespace qx

@@ -128,6 +128,8 @@ TEST_F(QtConfigDialogTest, AnEmptyNameAtOkShowsMessage152AndTheDialogStays) {
         auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
         QApplication::setActiveWindow(&window);
         name->setFocus(Qt::TabFocusReason);
+        // The serial Config selects nothing on focus: the person selects the name to erase it.
+        QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(name, Qt::Key_Backspace);
         // The message box is answered, then the dialog is still there to cancel.
         test::onModal(QString(), [&](QWidget& box) {

@@ -135,16 +135,55 @@ TEST_F(ControlBindingTest, KeysTypedIntoATextBoxAreTheModelsKeyPresses) {
     EXPECT_EQ(text->text(), QStringLiteral("longer text"));
 }
 
-TEST_F(ControlBindingTest, ATextBoxReachedByKeysSelectsItsWholeText) {
-    auto binding = ControlBinding::bind(form.text, *text);
+TEST_F(ControlBindingTest, ATextBoxShowsTheSelectionItsDialogMakesWhenItGetsTheFocus) {
     form.text.Text(L"Old");
+    form.text.OnGotFocus = [&] {
+        form.text.SelStart(1);
+        form.text.SelLength(2);
+    };
+    auto binding = ControlBinding::bind(form.text, *text);
+    auto buttonBinding = ControlBinding::bind(form.button, *button);
     QApplication::setActiveWindow(&window);
     text->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(form.text.SelLength(), 3);
-    EXPECT_EQ(text->selectedText(), QStringLiteral("Old"));
-    QTest::keyClicks(text, QStringLiteral("New"));
-    EXPECT_EQ(form.text.Text(), L"New");
     EXPECT_EQ(form.ActiveControl(), &form.text);
+    EXPECT_EQ(text->selectedText(), QStringLiteral("ld"));
+    EXPECT_EQ(text->selectionStart(), 1);
+    // Reached by a click, the same: the click that brings the focus places no caret.
+    button->setFocus(Qt::TabFocusReason);
+    QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(2, text->height() / 2));
+    EXPECT_EQ(text->selectedText(), QStringLiteral("ld"));
+    EXPECT_EQ(form.text.SelStart(), 1);
+    EXPECT_EQ(form.text.SelLength(), 2);
+    QTest::keyClicks(text, QStringLiteral("X"));
+    EXPECT_EQ(form.text.Text(), L"OX");
+}
+
+TEST_F(ControlBindingTest, ATextBoxWhoseDialogSetsNoSelectionKeepsItsCaretWhenReachedByKeys) {
+    form.text.Text(L"Old");
+    form.text.SelStart(1);
+    auto binding = ControlBinding::bind(form.text, *text);
+    QApplication::setActiveWindow(&window);
+    text->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(form.ActiveControl(), &form.text);
+    EXPECT_EQ(text->selectedText(), QString());
+    EXPECT_EQ(text->cursorPosition(), 1);
+    EXPECT_EQ(form.text.SelStart(), 1);
+    EXPECT_EQ(form.text.SelLength(), 0);
+    QTest::keyClicks(text, QStringLiteral("X"));
+    EXPECT_EQ(form.text.Text(), L"OXld");
+}
+
+TEST_F(ControlBindingTest, AClickIntoATextBoxWhoseDialogSetsNoSelectionPutsTheCaretWhereItLands) {
+    form.text.Text(L"Old");
+    auto binding = ControlBinding::bind(form.text, *text);
+    auto buttonBinding = ControlBinding::bind(form.button, *button);
+    QApplication::setActiveWindow(&window);
+    button->setFocus(Qt::TabFocusReason);
+    QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(text->width() - 4, text->height() / 2));
+    EXPECT_EQ(form.ActiveControl(), &form.text);
+    EXPECT_EQ(text->cursorPosition(), 3);
+    EXPECT_EQ(form.text.SelStart(), 3);
+    EXPECT_EQ(form.text.SelLength(), 0);
 }
 
 TEST_F(ControlBindingTest, ALockedTextBoxTakesNoTyping) {

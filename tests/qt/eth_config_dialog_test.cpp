@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
+#include <string>
 
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
@@ -39,6 +40,19 @@ void pickFromConstantList(QWidget& picker, int steps) {
     ASSERT_TRUE(list && buttons);
     for (int i = 0; i < steps; ++i) QTest::keyClick(list, Qt::Key_Down);
     QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+}
+
+// The address table of an instance: port 20000 and "Address i" everywhere.
+Bytes defaultTable() {
+    Bytes table{100, 16};
+    for (int i = 0; i < 16; ++i) {
+        Bytes row{0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0x20, 0x4E, 0, 0};
+        std::string text = "Address " + std::to_string(i);
+        text.resize(12, ' ');
+        row.insert(row.end(), text.begin(), text.end());
+        table.insert(table.end(), row.begin(), row.end());
+    }
+    return table;
 }
 
 class QtEthConfigDialogTest : public ::testing::Test {
@@ -205,6 +219,70 @@ TEST_F(QtEthConfigDialogTest, ClearLinkWithTheMouseEmptiesTheRow) {
     Bytes expected{0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0};
     expected.resize(26, ' ');
     EXPECT_EQ(Bytes(data.begin() + 2 + 2 * 26, data.begin() + 2 + 3 * 26), expected);
+}
+
+TEST_F(QtEthConfigDialogTest, AClickIntoTheNameBoxSelectsTheWholeNameAndASecondClickPlacesTheCaret) {
+    bench.reopen(L"Plant", defaultTable());
+    QString selectedByFocus, selectedBySecondClick = QStringLiteral("?");
+    int32_t modelStart = -1, modelLength = -1;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto& form = static_cast<frmEthProtocolConfig&>(static_cast<FormDialog&>(window).BoundForm());
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 2, 1));
+        ASSERT_FALSE(name->hasFocus());
+        // The click lands after the last letter, where a caret would go.
+        const QPoint end(name->width() - 4, name->height() / 2);
+        QTest::mouseClick(name, Qt::LeftButton, {}, end);
+        selectedByFocus = name->selectedText();
+        modelStart = form.txtInstanceName.SelStart();
+        modelLength = form.txtInstanceName.SelLength();
+        QTest::mouseClick(name, Qt::LeftButton, {}, end);
+        selectedBySecondClick = name->selectedText();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(selectedByFocus, QStringLiteral("Plant"));
+    EXPECT_EQ(modelStart, 0);
+    EXPECT_EQ(modelLength, 5);
+    EXPECT_EQ(selectedBySecondClick, QString());
+}
+
+TEST_F(QtEthConfigDialogTest, KeysTypedAfterAClickIntoTheNameBoxReplaceTheWholeName) {
+    bench.reopen(L"Plant", defaultTable());
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 2, 1));
+        QTest::mouseClick(name, Qt::LeftButton, {}, QPoint(4, name->height() / 2));
+        QTest::keyClicks(name, QStringLiteral("Mill"));
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    ASSERT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(bench.config->itfFBMethod_FatherInstanceName(), L"Mill");
+}
+
+TEST_F(QtEthConfigDialogTest, ADescriptionTypedWithoutEnterIsStoredByAClickOnOK) {
+    const int32_t number = bench.reopen(L"Plant", defaultTable());
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 1, 3));
+        auto* editor = grid->findChild<QLineEdit*>(QStringLiteral("qt_grid_cell_editor"));
+        ASSERT_NE(editor, nullptr);
+        QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("Pump"));
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    ASSERT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    Bytes data;
+    bench.instances->GetInstanceData(number, data);
+    ASSERT_EQ(data.size(), 418u);
+    EXPECT_EQ(std::string(data.begin() + 2 + 14, data.begin() + 2 + 26), "Pump        ");
 }
 
 TEST_F(QtEthConfigDialogTest, CancelOfANewConfigDeletesItsInstance) {

@@ -354,6 +354,8 @@ TEST_F(QtFieldDialogTest, CancelWithTheMouseReturnsIsCanceledAndTheMessageKeepsI
         QApplication::setActiveWindow(&window);
         auto* box = child<QLineEdit>(window, "txtText0");
         box->setFocus(Qt::TabFocusReason);
+        // The field dialog selects nothing on focus: the person selects the text to replace it.
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClicks(box, QStringLiteral("Stopped"));
         typed = box->text() == QStringLiteral("Stopped");
         click(window, "cmdCancel");

@@ -47,6 +47,18 @@ TEST_F(EndOfMessageEditTest, WithoutAnEditorTheSendOperationIsError91AndSaysWhy)
     EXPECT_NE(error.Description().find(L"installFieldEditors"), std::wstring::npos);
 }
 
+TEST_F(EndOfMessageEditTest, WithoutAnEditorTheErrorSaysWhatIsMissingAndHowToInstallIt) {
+    editorHooks() = EditorHooks{};
+    clsProtocolScanSrv set;
+    RuntimeError error = test::raisedError([&] { set.EditScanETXAdvanced(); });
+    EXPECT_EQ(error.Number(), 91);
+    EXPECT_EQ(error.Source(), L"QxFBCom2");
+    EXPECT_EQ(error.Description(),
+              L"No end-of-message editor dialog is installed: a program that links QxFBCom2::core itself must call "
+              L"qx::installFieldEditors() from field_editors/field_editors.h once before editing the end of a "
+              L"message, or set qx::editorHooks().EndOfMessage to an editor of its own.");
+}
+
 TEST_F(EndOfMessageEditTest, WithoutAnEditorTheScanOperationIsError91) {
     editorHooks().EndOfMessage = nullptr;
     clsProtocolScanSrv set;

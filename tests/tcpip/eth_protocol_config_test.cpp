@@ -406,6 +406,46 @@ TEST_F(EthConfigTest, TheNameOfAnotherInstanceShowsMessage110AndTheDialogStays) 
     EXPECT_EQ(config->itfFBMethod_FatherInstanceName(), L"Renamed");
 }
 
+TEST_F(EthConfigTest, TheNameBoxSelectsItsWholeTextWhenItGetsTheFocus) {
+    bench.reopen(L"Plant", defaultTable());
+    int32_t start = -1, length = -1, startAgain = -1, lengthAgain = -1;
+    std::wstring selected;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        dialog.vsfSlaves.UserMoveTo(1, 1);
+        dialog.txtInstanceName.SelStart(2);
+        dialog.txtInstanceName.SetFocus();
+        start = dialog.txtInstanceName.SelStart();
+        length = dialog.txtInstanceName.SelLength();
+        selected = dialog.txtInstanceName.SelText();
+        // Away and back: the caret placed in between does not survive the focus.
+        dialog.txtInstanceName.SelStart(3);
+        dialog.cmdHelp.UserClick();
+        dialog.txtInstanceName.SetFocus();
+        startAgain = dialog.txtInstanceName.SelStart();
+        lengthAgain = dialog.txtInstanceName.SelLength();
+        dialog.cmdCancel.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_EQ(start, 0);
+    EXPECT_EQ(length, 5);
+    EXPECT_EQ(selected, L"Plant");
+    EXPECT_EQ(startAgain, 0);
+    EXPECT_EQ(lengthAgain, 5);
+}
+
+TEST_F(EthConfigTest, TypingAfterTheFocusReplacesTheWholeName) {
+    bench.reopen(L"Plant", defaultTable());
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        dialog.cmdHelp.UserClick();
+        dialog.txtInstanceName.SetFocus();
+        for (wchar_t ch : std::wstring(L"Mill")) dialog.txtInstanceName.UserKeyPress(ch);
+        dialog.cmdOK.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    ASSERT_FALSE(config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(config->itfFBMethod_FatherInstanceName(), L"Mill");
+}
+
 TEST_F(EthConfigTest, AnInstanceMayKeepItsOwnName) {
     bench.reopen(L"Plant", defaultTable());
     bench.onDialog([](frmEthProtocolConfig& dialog) { dialog.cmdOK.UserClick(); });
@@ -459,6 +499,42 @@ TEST_F(EthConfigTest, AClickInTheDescriptionColumnStartsTheEditorAtOnceAndStopsA
     EXPECT_TRUE(editingAfterClick);
     EXPECT_EQ(instanceData(number),
               tableWith({{1, record(0, constantParam(0), constantParam(20000), "Boiler house")}}));
+}
+
+TEST_F(EthConfigTest, ADescriptionStillBeingEditedIsStoredWhenOKIsClicked) {
+    int32_t number = bench.reopen(L"Plant", defaultTable());
+    bool editingBeforeOK = false;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        dialog.vsfSlaves.UserClick(1, 3);
+        dialog.vsfSlaves.UserType(L"Pump");
+        editingBeforeOK = dialog.vsfSlaves.IsEditing();
+        // No Enter: OK is clicked with the cell editor still open.
+        dialog.cmdOK.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(editingBeforeOK);
+    ASSERT_FALSE(config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(instanceData(number), tableWith({{0, record(0, constantParam(0), constantParam(20000), "Pump")}}));
+}
+
+TEST_F(EthConfigTest, ADescriptionBeingEditedEndsBeforeClearLinkActsOnItsRow) {
+    int32_t number = bench.reopen(L"Plant", defaultTable());
+    std::wstring cellAfterClear = L"?";
+    bool editingAfterClear = true;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        dialog.vsfSlaves.UserClick(3, 3);
+        dialog.vsfSlaves.UserType(L"Tank");
+        dialog.cmdClearLink.UserClick();
+        editingAfterClear = dialog.vsfSlaves.IsEditing();
+        cellAfterClear = dialog.vsfSlaves.TextMatrix(3, 3);
+        dialog.cmdOK.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_FALSE(editingAfterClear);
+    EXPECT_EQ(cellAfterClear, L"");
+    Bytes cleared{0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0};
+    cleared.resize(26, ' ');
+    EXPECT_EQ(instanceData(number), tableWith({{2, cleared}}));
 }
 
 TEST_F(EthConfigTest, ClearLinkStartsDisabledAndEmptiesTheCurrentAddress) {

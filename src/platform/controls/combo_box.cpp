@@ -56,7 +56,7 @@ void ComboBox::ListIndex(int32_t value) {
 std::wstring ComboBox::Text() const { return listIndex_ < 0 ? std::wstring() : items_[listIndex_].Text; }
 
 void ComboBox::UserSelect(int32_t index) {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     SetFocus();
     ListIndex(index);
 }

@@ -84,8 +84,14 @@ void Control::SetFocus() {
     if (OnGotFocus) OnGotFocus();
 }
 
+bool Control::beginUserAction() {
+    if (!CanAct()) return false;
+    if (parent_) parent_->endEditsBefore(*this);
+    return CanAct();
+}
+
 void Control::UserKeyPress(int32_t KeyAscii) {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     if (parent_ && parent_->KeyPreview()) parent_->Form_KeyPress(KeyAscii);
     if (KeyAscii == 0) return;
     if (OnKeyPress) OnKeyPress(KeyAscii);

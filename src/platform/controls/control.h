@@ -97,6 +97,15 @@ protected:
     Control(std::wstring name, uint32_t backColor, uint32_t foreColor);
     // What a key that nobody swallowed does to the control.
     virtual void keyAction(int32_t KeyAscii) { (void)KeyAscii; }
+    // Where every User* action starts: false when the control takes no
+    // action now. Otherwise the form first has its other controls end their
+    // edits in progress (a grid's open cell editor, with its AfterEdit), as
+    // a person who turns to this control leaves them; since their events may
+    // disable this control, it is asked again afterwards.
+    bool beginUserAction();
+    // Ends an edit in progress as a person who turns to another control of
+    // the form does; nothing for most controls.
+    virtual void endEditForOtherControl() {}
 
 private:
     friend class Form;

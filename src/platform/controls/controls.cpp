@@ -19,14 +19,14 @@ void CaptionedControl::Caption(const std::wstring& value) {
 Label::Label(std::wstring name) : CaptionedControl(std::move(name), colour::ButtonFace, colour::ButtonText) {}
 
 void Label::UserClick() {
-    if (CanAct() && OnClick) OnClick();
+    if (beginUserAction() && OnClick) OnClick();
 }
 
 CommandButton::CommandButton(std::wstring name)
     : CaptionedControl(std::move(name), colour::ButtonFace, colour::ButtonText) {}
 
 void CommandButton::UserClick() {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     SetFocus();
     if (OnClick) OnClick();
 }
@@ -48,7 +48,7 @@ void CheckBox::Value(int32_t value) {
 }
 
 void CheckBox::UserClick() {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     SetFocus();
     Value(value_ == Checked ? Unchecked : Checked);
 }
@@ -79,7 +79,7 @@ void OptionButton::Value(bool value) {
 }
 
 void OptionButton::UserClick() {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     SetFocus();
     Value(true);
 }

@@ -39,6 +39,11 @@ void Form::addControls(const std::vector<Control*>& controls) {
     }
 }
 
+void Form::endEditsBefore(const Control& actor) {
+    for (Control* control : controls_)
+        if (control != &actor) control->endEditForOtherControl();
+}
+
 void Form::Load() {
     if (loaded_) return;
     // The form counts as loaded while its Load event runs, as the host's do.

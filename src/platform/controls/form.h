@@ -3,7 +3,10 @@
 // shown, activated (Form_Activate, again each time it becomes the active
 // dialog), hidden, and unloaded through Form_QueryUnload and Form_Unload.
 // A person closes it through the control box (UserClose) or presses keys on
-// it (UserKeyPress); the modal driver runs it.
+// it (UserKeyPress); the modal driver runs it. A person who acts on one of
+// its controls (a click, a key, typing) first ends a cell edit that is open
+// in any other control, so that the grid's AfterEdit has run before the
+// control's own event: OK takes the text still being typed into a cell.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -82,6 +85,8 @@ protected:
 private:
     friend class Control;
     bool unload(int32_t mode);
+    // Before a person acts on actor: every other control ends its edit.
+    void endEditsBefore(const Control& actor);
 
     std::wstring name_;
     std::wstring caption_;

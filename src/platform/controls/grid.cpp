@@ -215,7 +215,7 @@ void Grid::FinishEditing() {
 }
 
 void Grid::UserClick(int32_t row, int32_t col) {
-    if (!CanAct() || row < 0 || row >= rows_ || col < 0 || col >= cols_) return;
+    if (row < 0 || row >= rows_ || col < 0 || col >= cols_ || !beginUserAction()) return;
     SetFocus();
     mouseRow_ = row;
     mouseCol_ = col;
@@ -230,7 +230,7 @@ void Grid::UserClick(int32_t row, int32_t col) {
 }
 
 void Grid::UserDoubleClick(int32_t row, int32_t col) {
-    if (!CanAct() || row < 0 || row >= rows_ || col < 0 || col >= cols_) return;
+    if (row < 0 || row >= rows_ || col < 0 || col >= cols_ || !beginUserAction()) return;
     SetFocus();
     mouseRow_ = row;
     mouseCol_ = col;
@@ -239,13 +239,13 @@ void Grid::UserDoubleClick(int32_t row, int32_t col) {
 }
 
 void Grid::UserMoveTo(int32_t row, int32_t col) {
-    if (!CanAct() || IsFixed(row, col) || row >= rows_ || col >= cols_) return;
+    if (IsFixed(row, col) || row >= rows_ || col >= cols_ || !beginUserAction()) return;
     SetFocus();
     moveTo(row, col);
 }
 
 void Grid::UserType(const std::wstring& text) {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     if (!editing_ && editable_) EditCell();
     if (!editing_) return;
     std::wstring typed = text;
@@ -257,17 +257,19 @@ void Grid::UserType(const std::wstring& text) {
 }
 
 void Grid::UserEndEdit() {
-    if (CanAct()) FinishEditing();
+    if (beginUserAction()) FinishEditing();
 }
 
 void Grid::UserCancelEdit() {
-    if (CanAct() && editing_) closeEditor();
+    if (beginUserAction() && editing_) closeEditor();
 }
 
 void Grid::UserCellButtonClick() {
-    if (!CanAct() || row_ < 0 || comboList_ != EllipsisButton) return;
+    if (row_ < 0 || comboList_ != EllipsisButton || !beginUserAction()) return;
     if (OnCellButtonClick) OnCellButtonClick(row_, col_);
 }
+
+void Grid::endEditForOtherControl() { FinishEditing(); }
 
 void Grid::keyAction(int32_t KeyAscii) {
     if (KeyAscii == keyEnter) FinishEditing();

@@ -3,7 +3,8 @@
 // Moving the current cell raises RowColChange, then SelChange, also from
 // code; an editable grid then asks BeforeEdit about the new cell, so that a
 // dialog can set the editor's limit and button before anyone types. An edit
-// in progress is committed (AfterEdit) before the current cell moves.
+// in progress is committed (AfterEdit) before the current cell moves, and
+// before a person acts on another control of the form.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -112,6 +113,7 @@ public:
 
 protected:
     void keyAction(int32_t KeyAscii) override;
+    void endEditForOtherControl() override;
 
 private:
     struct Cell {

@@ -56,7 +56,7 @@ bool IPAddressControl::IsValid() const {
 }
 
 void IPAddressControl::UserType(const std::wstring& text) {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     SetFocus();
     Text(acceptedText(text));
 }

@@ -46,7 +46,7 @@ void TabStrip::SelectedTab(int32_t tab) {
 }
 
 void TabStrip::UserSelect(int32_t tab) {
-    if (!CanAct() || tab < 1 || tab > Tabs() || !TabVisible(tab)) return;
+    if (tab < 1 || tab > Tabs() || !TabVisible(tab) || !beginUserAction()) return;
     SetFocus();
     SelectedTab(tab);
 }

@@ -90,7 +90,7 @@ void TextBox::keyAction(int32_t KeyAscii) {
 }
 
 void TextBox::UserType(const std::wstring& text) {
-    if (!CanAct() || locked_) return;
+    if (locked_ || !beginUserAction()) return;
     SetFocus();
     UserSelectAll();
     if (text.empty()) {
@@ -101,13 +101,13 @@ void TextBox::UserType(const std::wstring& text) {
 }
 
 void TextBox::UserPaste(const std::wstring& text) {
-    if (!CanAct() || locked_) return;
+    if (locked_ || !beginUserAction()) return;
     SetFocus();
     replaceSelection(text.substr(0, roomForUser()));
 }
 
 void TextBox::UserSelectAll() {
-    if (!CanAct()) return;
+    if (!beginUserAction()) return;
     selStart_ = 0;
     selLength_ = static_cast<int32_t>(text_.size());
     notify("SelStart");
