@@ -185,17 +185,7 @@ TEST_F(QtEthConfigDialogTest, ANewConfigMadeWithKeysAndMouseEqualsTheOneMadeHead
 }
 
 TEST_F(QtEthConfigDialogTest, ClearLinkWithTheMouseEmptiesTheRow) {
-    bench.reopen(L"Plant", [] {
-        Bytes table{100, 16};
-        for (int i = 0; i < 16; ++i) {
-            Bytes row{0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0x20, 0x4E, 0, 0};
-            std::string text = "Address " + std::to_string(i);
-            text.resize(12, ' ');
-            row.insert(row.end(), text.begin(), text.end());
-            table.insert(table.end(), row.begin(), row.end());
-        }
-        return table;
-    }());
+    bench.reopen(L"Plant", defaultTable());
     bool enabledBefore = true, enabledOnRow = false;
     QStringList cells;
     test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
