@@ -765,6 +765,24 @@ TEST_F(LengthColumnTest, TheCellsOwnComboListWinsOverTheColumns) {
     EXPECT_TRUE(grid.ComboItems().empty());
 }
 
+TEST_F(LengthColumnTest, OpeningTheDropDownStartsTheEditorOnlyWhereThereIsAList) {
+    grid.OnBeforeEdit = [this](int32_t Row, int32_t Col, bool&) {
+        log("BeforeEdit " + std::to_string(Row) + "," + std::to_string(Col));
+    };
+    grid.UserClick(1, 1);
+    events.clear();
+    grid.UserDropDown();
+    EXPECT_TRUE(grid.IsEditing());
+    EXPECT_EQ(grid.EditText(), L"0");
+    EXPECT_EQ(events, (std::vector<std::string>{"BeforeEdit 1,1"}));
+    grid.UserPickComboItem(3);
+    EXPECT_EQ(grid.TextMatrix(1, 1), L"3");
+    grid.UserClick(1, 4);
+    grid.Editable(true);
+    grid.UserDropDown();
+    EXPECT_FALSE(grid.IsEditing());
+}
+
 TEST_F(LengthColumnTest, TypingRaisesChangeEditWithTheNewText) {
     grid.UserClick(1, 1);
     events.clear();

@@ -484,6 +484,11 @@ void Grid::UserType(const std::wstring& text) {
     if (OnChangeEdit) OnChangeEdit();
 }
 
+void Grid::UserDropDown() {
+    if (!CanAct() || row_ < 0 || !editable_ || editing_ || ComboItems().empty()) return;
+    EditCell();
+}
+
 void Grid::UserPickComboItem(int32_t index) {
     if (!CanAct() || row_ < 0) return;
     const std::vector<std::wstring> items = ComboItems();

@@ -171,6 +171,10 @@ public:
     // Replaces the editor's text, cut to EditMaxLength; an editable grid
     // not yet editing starts the editor first. Raises ChangeEdit.
     void UserType(const std::wstring& text);
+    // A person opens the drop-down of the current cell: an editable grid
+    // whose current cell offers ComboItems starts the editor (BeforeEdit,
+    // StartEdit), which shows them.
+    void UserDropDown();
     // Picks item index of ComboItems in the drop-down of the current cell:
     // an editable grid not yet editing starts the editor, the editor's text
     // becomes the item (ChangeEdit), ComboCloseUp is asked, and unless it
