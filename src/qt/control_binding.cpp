@@ -26,6 +26,7 @@
 #include "qt/grid_binding.h"
 #include "qt/model_action.h"
 #include "qt/qt_text.h"
+#include "qt/toolbar_binding.h"
 
 namespace qx {
 
@@ -486,6 +487,7 @@ std::unique_ptr<ControlBinding> ControlBinding::bind(Control& control, QWidget& 
     if (auto bound = bindAs<ComboBox, QComboBox, ComboBinding>(control, widget)) return bound;
     if (auto bound = bindAs<IPAddressControl, QLineEdit, IPAddressBinding>(control, widget)) return bound;
     if (auto bound = bindAs<TabStrip, QTabBar, TabStripBinding>(control, widget)) return bound;
+    if (auto bound = bindToolBar(control, widget)) return bound;
     return bindGrid(control, widget);
 }
 

@@ -16,6 +16,7 @@
 #include "platform/controls/ip_address_control.h"
 #include "platform/controls/tab_strip.h"
 #include "platform/controls/text_box.h"
+#include "platform/controls/toolbar.h"
 
 namespace qx {
 namespace {
@@ -26,7 +27,7 @@ class EditingForm : public Form {
 public:
     EditingForm() : Form(L"frmEditing") {
         addControls(
-            {&grdFirst, &grdSecond, &txtName, &cbList, &ckOption, &opA, &tabs, &ctlIP, &cmdGo, &cmdOff, &lblInfo});
+            {&grdFirst, &grdSecond, &txtName, &cbList, &ckOption, &opA, &tabs, &ctlIP, &cmdGo, &cmdOff, &lblInfo, &abTools});
         for (Grid* grid : {&grdFirst, &grdSecond}) {
             grid->Cols(3);
             grid->Rows(3);
@@ -50,6 +51,11 @@ public:
         cmdGo.OnClick = [this] { log("cmdGo_Click"); };
         cmdOff.OnClick = [this] { log("cmdOff_Click"); };
         lblInfo.OnClick = [this] { log("lblInfo_Click"); };
+        abTools.AddBand(L"MainToolBar", ToolBand::Kind::Docked).AddTool(L"ID_Go", L"Go");
+        abTools.AddBand(L"popMenu", ToolBand::Kind::Popup).AddTool(L"ID_Go", L"Go");
+        abTools.OnToolClick = [this](const std::wstring&) { log("abTools_ToolClick"); };
+        grdSecond.OnMouseUp = [this](int32_t, int32_t, float, float) { log("grdSecond_MouseUp"); };
+        grdSecond.OnKeyDown = [this](int32_t&, int32_t) { log("grdSecond_KeyDown"); };
         Show();
     }
 
@@ -76,6 +82,7 @@ public:
     CommandButton cmdGo{L"cmdGo"};
     CommandButton cmdOff{L"cmdOff"};
     Label lblInfo{L"lblInfo"};
+    ToolBar abTools{L"abTools"};
     std::vector<std::string> events;
 };
 
@@ -98,6 +105,14 @@ TEST(FormCellEdit, EveryOtherKindOfControlEndsItFirstToo) {
         {"opA_Click", [](EditingForm& f) { f.opA.UserClick(); }},
         {"tabs_Click", [](EditingForm& f) { f.tabs.UserSelect(2); }},
         {"lblInfo_Click", [](EditingForm& f) { f.lblInfo.UserClick(); }},
+        {"abTools_ToolClick", [](EditingForm& f) { f.abTools.UserClickTool(L"ID_Go"); }},
+        {"abTools_ToolClick",
+         [](EditingForm& f) {
+             f.abTools.Bands(L"popMenu").PopupMenu();
+             f.abTools.UserPickPopupTool(L"ID_Go");
+         }},
+        {"grdSecond_MouseUp", [](EditingForm& f) { f.grdSecond.UserMouseUp(2, 1, 1, 0); }},
+        {"grdSecond_KeyDown", [](EditingForm& f) { f.grdSecond.UserKeyDown(keys::Down, 0); }},
     };
     for (const auto& [event, act] : actions) {
         EditingForm form;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "platform/host/host_services.h"
 
@@ -138,6 +140,70 @@ TEST(HostServices, DeviceCapsAnswersPixelsPerInch) {
     EXPECT_EQ(GetDeviceCaps(88), 120);
     EXPECT_EQ(GetDeviceCaps(90), 96);
     EXPECT_EQ(GetDeviceCaps(12), 0);
+}
+
+TEST(HostServices, DeviceCapsRecordsEachIndexAsked) {
+    ScopedHostContext context;
+    context->DpiY = 144;
+    EXPECT_EQ(GetDeviceCaps(90), 144);
+    (void)GetDeviceCaps(88);
+    EXPECT_EQ(context->DeviceCapsAsked, (std::vector<int32_t>{90, 88}));
+}
+
+TEST(HostServices, ThereIsNoCaretUntilOneIsCreated) {
+    ScopedHostContext context;
+    EXPECT_EQ(context->Caret, CaretState{});
+    EXPECT_FALSE(SetCaretPos(4, 5));
+    EXPECT_FALSE(ShowCaret(7));
+    EXPECT_EQ(context->Caret, CaretState{});
+    EXPECT_EQ(context->CaretCalls, (std::vector<std::string>{"SetCaretPos(4, 5)", "ShowCaret(7)"}));
+}
+
+TEST(HostServices, CreateMoveAndShowLeaveTheCaretOfTheWindowWhereItWasPut) {
+    ScopedHostContext context;
+    EXPECT_TRUE(CreateCaret(0x10002, 0, 4, 20));
+    EXPECT_EQ(context->Caret, (CaretState{0x10002, 0, 4, 20, 0, 0, false}));
+    EXPECT_TRUE(SetCaretPos(43, 20));
+    EXPECT_FALSE(context->Caret.Shown);
+    EXPECT_TRUE(ShowCaret(0x10002));
+    EXPECT_EQ(context->Caret, (CaretState{0x10002, 0, 4, 20, 43, 20, true}));
+    EXPECT_EQ(context->CaretCalls,
+              (std::vector<std::string>{"CreateCaret(65538, 0, 4, 20)", "SetCaretPos(43, 20)", "ShowCaret(65538)"}));
+}
+
+TEST(HostServices, EachCreateCaretReplacesTheLastCaretHiddenAtTheOrigin) {
+    ScopedHostContext context;
+    CreateCaret(11, 0, 4, 20);
+    SetCaretPos(80, 40);
+    ShowCaret(11);
+    CreateCaret(13, 0, 5, 25);
+    EXPECT_EQ(context->Caret, (CaretState{13, 0, 5, 25, 0, 0, false}));
+}
+
+TEST(HostServices, OnlyTheWindowThatOwnsTheCaretCanShowIt) {
+    ScopedHostContext context;
+    CreateCaret(11, 0, 4, 20);
+    EXPECT_FALSE(ShowCaret(13));
+    EXPECT_FALSE(context->Caret.Shown);
+    EXPECT_TRUE(ShowCaret(0));
+    EXPECT_TRUE(context->Caret.Shown);
+}
+
+TEST(HostServices, CaretListenersHearEachChangeUntilTheyLeave) {
+    ScopedHostContext context;
+    std::vector<CaretState> heard;
+    const int32_t token = context->SubscribeCaret([&] { heard.push_back(host().Caret); });
+    CreateCaret(11, 0, 4, 20);
+    SetCaretPos(8, 0);
+    ShowCaret(11);
+    ShowCaret(11);  // already shown: nothing changed
+    ASSERT_EQ(heard.size(), 3u);
+    EXPECT_EQ(heard[1], (CaretState{11, 0, 4, 20, 8, 0, false}));
+    EXPECT_TRUE(heard[2].Shown);
+    context->UnsubscribeCaret(token);
+    SetCaretPos(12, 0);
+    EXPECT_EQ(heard.size(), 3u);
+    EXPECT_EQ(context->Caret.X, 12);
 }
 
 TEST(HostServices, ValueTextOfFixedPointConstants) {

@@ -1,6 +1,7 @@
 #include "platform/controls/control.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "platform/basics/runtime_error.h"
 #include "platform/controls/form.h"
@@ -27,8 +28,16 @@ void Observable::notify(std::string_view property) {
     }
 }
 
+namespace {
+int32_t newWindowHandle() {
+    // Window handles of the host are even numbers well above the small ones.
+    static std::atomic<int32_t> next{0x10000};
+    return next.fetch_add(2);
+}
+}  // namespace
+
 Control::Control(std::wstring name, uint32_t backColor, uint32_t foreColor)
-    : name_(std::move(name)), backColor_(backColor), foreColor_(foreColor) {}
+    : name_(std::move(name)), hWnd_(newWindowHandle()), backColor_(backColor), foreColor_(foreColor) {}
 
 void Control::Enabled(bool value) {
     if (enabled_ == value) return;
@@ -97,6 +106,15 @@ void Control::UserKeyPress(int32_t KeyAscii) {
     if (OnKeyPress) OnKeyPress(KeyAscii);
     if (KeyAscii == 0) return;
     keyAction(KeyAscii);
+}
+
+void Control::UserKeyDown(int32_t KeyCode, int32_t Shift) {
+    if (!beginUserAction()) return;
+    if (parent_ && parent_->KeyPreview()) parent_->Form_KeyDown(KeyCode, Shift);
+    if (KeyCode == 0) return;
+    if (OnKeyDown) OnKeyDown(KeyCode, Shift);
+    if (KeyCode == 0) return;
+    keyDownAction(KeyCode, Shift);
 }
 
 }  // namespace qx

@@ -15,6 +15,23 @@
 
 namespace qx {
 
+// Key codes of UserKeyDown.
+namespace keys {
+inline constexpr int32_t PageUp = 33;
+inline constexpr int32_t PageDown = 34;
+inline constexpr int32_t End = 35;
+inline constexpr int32_t Home = 36;
+inline constexpr int32_t Left = 37;
+inline constexpr int32_t Up = 38;
+inline constexpr int32_t Right = 39;
+inline constexpr int32_t Down = 40;
+inline constexpr int32_t Delete = 46;
+// Bits of Shift.
+inline constexpr int32_t ShiftMask = 1;
+inline constexpr int32_t CtrlMask = 2;
+inline constexpr int32_t AltMask = 4;
+}  // namespace keys
+
 namespace err {
 inline constexpr int32_t InvalidPropertyValue = 380;
 inline constexpr int32_t InvalidPropertyArrayIndex = 381;
@@ -58,6 +75,9 @@ public:
     virtual ~Control() = default;
 
     const std::wstring& Name() const { return name_; }
+    // The control's window handle: a number of its own, never 0, that the
+    // caret calls name it by.
+    int32_t hWnd() const { return hWnd_; }
     bool Enabled() const { return enabled_; }
     void Enabled(bool value);
     bool Visible() const { return visible_; }
@@ -93,6 +113,15 @@ public:
     void UserKeyPress(int32_t KeyAscii);
     std::function<void(int32_t& KeyAscii)> OnKeyPress;
 
+    // A key going down (a key code: 33 Page Up, 34 Page Down, 35 End, 36
+    // Home, 37 to 40 the arrows left, up, right, down, 46 Delete; Shift is
+    // 1 shift, 2 ctrl, 4 alt, added): the form's Form_KeyDown first when it
+    // previews keys, then the control's KeyDown; either may swallow the key
+    // by setting the code to 0. A key that makes a character is followed by
+    // UserKeyPress, which a view calls on its own.
+    void UserKeyDown(int32_t KeyCode, int32_t Shift = 0);
+    std::function<void(int32_t& KeyCode, int32_t Shift)> OnKeyDown;
+
 protected:
     Control(std::wstring name, uint32_t backColor, uint32_t foreColor);
     // What a key that nobody swallowed does to the control.
@@ -106,10 +135,16 @@ protected:
     // Ends an edit in progress as a person who turns to another control of
     // the form does; nothing for most controls.
     virtual void endEditForOtherControl() {}
+    // What a key going down that nobody swallowed does to the control.
+    virtual void keyDownAction(int32_t KeyCode, int32_t Shift) {
+        (void)KeyCode;
+        (void)Shift;
+    }
 
 private:
     friend class Form;
     std::wstring name_;
+    int32_t hWnd_;
     bool enabled_ = true;
     bool visible_ = true;
     std::wstring toolTipText_;

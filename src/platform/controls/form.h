@@ -72,6 +72,11 @@ public:
     virtual void Form_QueryUnload(int32_t& Cancel, int32_t UnloadMode);
     virtual void Form_Unload(int32_t& Cancel) { (void)Cancel; }
     virtual void Form_KeyPress(int32_t& KeyAscii) { (void)KeyAscii; }
+    // Seen before the focused control's KeyDown while the form previews keys.
+    virtual void Form_KeyDown(int32_t& KeyCode, int32_t Shift) {
+        (void)KeyCode;
+        (void)Shift;
+    }
 
 protected:
     // The close box acts as this click (a dialog's Cancel button) and the form

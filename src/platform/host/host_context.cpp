@@ -25,6 +25,23 @@ ScriptedModalDriver* HostContext::Script() { return dynamic_cast<ScriptedModalDr
 
 std::wstring HostContext::RuntimeFolder() const { return AppFolder + L"/../FB_Lib/RT/"; }
 
+int32_t HostContext::SubscribeCaret(std::function<void()> listener) {
+    const int32_t token = nextCaretToken_++;
+    caretListeners_.emplace_back(token, std::move(listener));
+    return token;
+}
+
+void HostContext::UnsubscribeCaret(int32_t token) {
+    std::erase_if(caretListeners_, [token](const auto& entry) { return entry.first == token; });
+}
+
+void HostContext::caretChanged() {
+    // A copy, so that a listener may unsubscribe while told.
+    const auto listeners = caretListeners_;
+    for (const auto& [token, listener] : listeners)
+        if (listener) listener();
+}
+
 HostContext& host() {
     if (!current()) {
         // A process that never installed a context gets one for its lifetime.

@@ -154,6 +154,20 @@ private:
     int32_t nextConstantAddress_ = 1;
 };
 
+// The one caret of the user interface, as the caret calls left it. Sizes
+// and places are pixels of the window's client area.
+struct CaretState {
+    // The window that owns the caret; 0 while there is none.
+    int32_t Window = 0;
+    int32_t Bitmap = 0;
+    int32_t Width = 0;
+    int32_t Height = 0;
+    int32_t X = 0;
+    int32_t Y = 0;
+    bool Shown = false;
+    bool operator==(const CaretState&) const = default;
+};
+
 class HostContext {
 public:
     HostContext();
@@ -171,6 +185,8 @@ public:
     // GetDeviceCaps with index 88 (LOGPIXELSX) and 90 (LOGPIXELSY).
     int32_t DpiX = 96;
     int32_t DpiY = 96;
+    // The caret that CreateCaret, SetCaretPos and ShowCaret keep.
+    CaretState Caret;
     // Words of text and message numbers that replace the built-in table.
     std::map<int32_t, std::wstring> TextOverrides;
     // When set, every error report is also written to standard error.
@@ -184,9 +200,23 @@ public:
     std::vector<ErrorReport> Reports;
     std::vector<ShownMessage> Messages;
     int32_t BeepCount = 0;
+    // Each caret call as it was written, e.g. "CreateCaret(3, 0, 4, 20)".
+    std::vector<std::string> CaretCalls;
+    // The indexes GetDeviceCaps was asked for, in order.
+    std::vector<int32_t> DeviceCapsAsked;
     std::vector<std::wstring> Help;  // ShowFBHelp and friends, as text
 
     std::wstring RuntimeFolder() const;
+
+    // A view that paints the caret hears each change of it.
+    int32_t SubscribeCaret(std::function<void()> listener);
+    void UnsubscribeCaret(int32_t token);
+    // Tells the listeners; the caret calls do, after they changed Caret.
+    void caretChanged();
+
+private:
+    std::vector<std::pair<int32_t, std::function<void()>>> caretListeners_;
+    int32_t nextCaretToken_ = 1;
 };
 
 // The context in force; there is always one.

@@ -1,6 +1,7 @@
 #include "platform/host/host_services.h"
 
 #include <cstdio>
+#include <initializer_list>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -205,9 +206,54 @@ void systemBeep() {
 }
 
 int32_t GetDeviceCaps(int32_t index) {
+    host().DeviceCapsAsked.push_back(index);
     if (index == 88) return host().DpiX;
     if (index == 90) return host().DpiY;
     return 0;
+}
+
+namespace {
+std::string callText(const char* name, std::initializer_list<int32_t> args) {
+    std::string text = name;
+    text += '(';
+    bool first = true;
+    for (int32_t arg : args) {
+        if (!first) text += ", ";
+        text += std::to_string(arg);
+        first = false;
+    }
+    return text + ')';
+}
+}  // namespace
+
+bool CreateCaret(int32_t hWnd, int32_t hBitmap, int32_t nWidth, int32_t nHeight) {
+    HostContext& context = host();
+    context.CaretCalls.push_back(callText("CreateCaret", {hWnd, hBitmap, nWidth, nHeight}));
+    context.Caret = CaretState{hWnd, hBitmap, nWidth, nHeight, 0, 0, false};
+    context.caretChanged();
+    return true;
+}
+
+bool SetCaretPos(int32_t X, int32_t Y) {
+    HostContext& context = host();
+    context.CaretCalls.push_back(callText("SetCaretPos", {X, Y}));
+    if (context.Caret.Window == 0) return false;
+    context.Caret.X = X;
+    context.Caret.Y = Y;
+    context.caretChanged();
+    return true;
+}
+
+bool ShowCaret(int32_t hWnd) {
+    HostContext& context = host();
+    context.CaretCalls.push_back(callText("ShowCaret", {hWnd}));
+    // 0 names the window that owns the caret, whichever it is.
+    if (context.Caret.Window == 0 || (hWnd != 0 && hWnd != context.Caret.Window)) return false;
+    if (!context.Caret.Shown) {
+        context.Caret.Shown = true;
+        context.caretChanged();
+    }
+    return true;
 }
 
 }  // namespace qx

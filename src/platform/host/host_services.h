@@ -76,7 +76,17 @@ uint32_t GetPrivateProfileStringA(const std::string& section, const std::string&
 // The system beep.
 void systemBeep();
 
-// GetDeviceCaps of the screen: 88 horizontal, 90 vertical pixels per inch.
+// GetDeviceCaps of the screen: 88 horizontal, 90 vertical pixels per inch;
+// any other index answers 0.
 int32_t GetDeviceCaps(int32_t index);
+
+// The caret calls. CreateCaret gives the window a new caret of the size,
+// hidden, at (0, 0), and replaces whatever caret there was; a bitmap of 0 is
+// a solid bar. SetCaretPos moves the caret in pixels of its window's client
+// area and fails while there is none. ShowCaret shows it when the window
+// owns it, and fails otherwise. Each call is recorded in the host context.
+bool CreateCaret(int32_t hWnd, int32_t hBitmap, int32_t nWidth, int32_t nHeight);
+bool SetCaretPos(int32_t X, int32_t Y);
+bool ShowCaret(int32_t hWnd);
 
 }  // namespace qx
