@@ -2,14 +2,21 @@
 
 #include <openssl/evp.h>
 
-#include <stdexcept>
+#include <string>
+
+#include "platform/basics/runtime_error.h"
 
 namespace qx {
 
 namespace {
 
-void check(int result, const char* what) {
-    if (result != 1) throw std::runtime_error(std::string("SHA-256: ") + what + " failed in libcrypto");
+// libcrypto fails a digest only when it runs out of memory.
+[[noreturn]] void fail(const std::wstring& what) {
+    throw RuntimeError(err::OutOfMemory, L"QxFBCom2 SHA-256", L"SHA-256: " + what + L" failed in libcrypto");
+}
+
+void check(int result, const wchar_t* what) {
+    if (result != 1) fail(what);
 }
 
 }  // namespace
@@ -17,22 +24,22 @@ void check(int result, const char* what) {
 void Sha256::ContextFree::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
 
 Sha256::Sha256() : context_(EVP_MD_CTX_new()) {
-    if (!context_) throw std::runtime_error("SHA-256: libcrypto could not make a digest context");
+    if (!context_) fail(L"EVP_MD_CTX_new");
     reset();
 }
 
-void Sha256::reset() { check(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr), "EVP_DigestInit_ex"); }
+void Sha256::reset() { check(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr), L"EVP_DigestInit_ex"); }
 
 void Sha256::update(const uint8_t* data, size_t size) {
     if (size == 0) return;  // data may be null then
-    check(EVP_DigestUpdate(context_.get(), data, size), "EVP_DigestUpdate");
+    check(EVP_DigestUpdate(context_.get(), data, size), L"EVP_DigestUpdate");
 }
 
 std::array<uint8_t, 32> Sha256::digest() {
     std::array<uint8_t, 32> result{};
     unsigned int length = 0;
-    check(EVP_DigestFinal_ex(context_.get(), result.data(), &length), "EVP_DigestFinal_ex");
-    if (length != result.size()) throw std::runtime_error("SHA-256: libcrypto gave a digest of another length");
+    check(EVP_DigestFinal_ex(context_.get(), result.data(), &length), L"EVP_DigestFinal_ex");
+    if (length != result.size()) fail(L"a digest of 32 bytes");
     reset();
     return result;
 }
