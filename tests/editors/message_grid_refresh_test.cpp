@@ -149,7 +149,7 @@ TEST(GridOnSets, TheSendSetsClearAllReloadsTheGrid) {
     ASSERT_EQ(form.grid.Rows(), 3);
     form.grid.UserClick(2, 4);
     form.grid.UserKeyPress('A');
-    EXPECT_EQ(set.GetMessage(3)->MessageString().substr(3, 3), L" A ");
+    EXPECT_EQ(set.GetMessage(3)->MessageString().substr(2, 3), L" A ");  // column 4 is position 3
     set.ClearAll();
     EXPECT_EQ(form.grid.Rows(), 1);
     EXPECT_EQ(form.grid.Row(), 0);
