@@ -96,7 +96,9 @@ MessageGridEditor::MessageGridEditor(MessageGridKind kind, Grid& grid, ToolBar& 
     grid_.OnKeyDown = [this](int32_t& KeyCode, int32_t Shift) { Grid_KeyDown(KeyCode, Shift); };
     grid_.OnClick = [this] { Grid_Click(); };
     grid_.OnDblClick = [this] { Grid_DblClick(); };
-    grid_.OnMouseMove = [this](int32_t Button, int32_t Shift, float X, float Y) { Grid_MouseMove(Button, Shift, X, Y); };
+    grid_.OnMouseMove = [this](int32_t Button, int32_t Shift, float X, float Y) {
+        Grid_MouseMove(Button, Shift, X, Y);
+    };
     grid_.OnMouseUp = [this](int32_t Button, int32_t Shift, float X, float Y) { Grid_MouseUp(Button, Shift, X, Y); };
     if (isScan())
         grid_.OnComboCloseUp = [this](int32_t Row, int32_t Col, bool& FinishEdit) {
@@ -179,10 +181,12 @@ void MessageGridEditor::PaintMessageRow(int32_t row, const MessagePtr& message) 
         grid_.TextMatrix(r, firstTextColumn_ + i, cellText);
     }
 
+    // The texts a field answers are not shown; kept across fields so that
+    // answering them costs no allocation after the first.
+    std::wstring display, toolTip;
     for (int32_t i = 1; i <= message->NumberOfVars(); ++i) {
         int32_t start = 0, length = 0;
         bool selected = false;
-        std::wstring display, toolTip;
         uint32_t back = 0, fore = 0;
         message->GetVarPropsAt(i, start, length, selected, display, toolTip, back, fore);
         if (selected) {
@@ -275,8 +279,7 @@ void MessageGridEditor::swapRow() {
     PaintMessageRow(currentRowNumber(), CurrentMessage);
 }
 
-bool MessageGridEditor::rebuildAfter(const std::function<bool(int32_t pMessageNumber)>& operation,
-                                     LandingRow landing) {
+bool MessageGridEditor::rebuildAfter(const std::function<bool(int32_t pMessageNumber)>& operation, LandingRow landing) {
     const int32_t row = grid_.Row();
     const int32_t col = grid_.Col();
     if (!operation || !operation(row + 1)) return false;

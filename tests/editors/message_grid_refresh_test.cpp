@@ -167,8 +167,8 @@ TEST(GridOnSets, CutOnTheSendSetIsARowSwapAndAppendAFullRebuild) {
     form.editor.swapRow();
     EXPECT_EQ(form.grid.TextMatrix(0, 1), L" ");
     EXPECT_EQ(form.editor.CurrentMessage, set.GetMessage(1));
-    EXPECT_TRUE(form.editor.rebuildAfter([&](int32_t) { return set.AppendMessage(); },
-                                         MessageGridEditor::LandingRow::LastRow));
+    EXPECT_TRUE(
+        form.editor.rebuildAfter([&](int32_t) { return set.AppendMessage(); }, MessageGridEditor::LandingRow::LastRow));
     EXPECT_EQ(form.grid.Rows(), 2);
     set.PasteMessage(2);
     form.editor.swapRow();

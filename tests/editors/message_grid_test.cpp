@@ -96,7 +96,7 @@ TEST(SendGridScale, AtOneHundredTwentyDotsPerInchTheCaretScalesByOneAndAQuarter)
     form.editor.InitCaret();
     EXPECT_EQ(form.editor.ScaleX, 1.25F);
     EXPECT_EQ(form.editor.ScaleY, 1.5F);
-    EXPECT_EQ(form.editor.CaretWidth, 5);   // 60 twips
+    EXPECT_EQ(form.editor.CaretWidth, 5);    // 60 twips
     EXPECT_EQ(form.editor.CaretHeight, 25);  // by ScaleX too
     EXPECT_EQ(form.editor.CaretX, 28);       // 345 / 15 * 1.25 = 28.75, cut
     EXPECT_EQ(form.editor.TwipsToPixels(-345), -28);
