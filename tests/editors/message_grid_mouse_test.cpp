@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "editors/message_grid_form.h"
@@ -209,6 +210,40 @@ TEST_F(GridMouseTest, TheRightButtonOnAControlCharacterOffersItsPopupAndDeleteLe
     EXPECT_EQ(cell(0, 5), L" ");
     EXPECT_EQ(back(0, 5), colour::Window);
     EXPECT_EQ(messageText(0, 10), L"ABCDE GHIJ");
+}
+
+TEST_F(GridMouseTest, TheRightButtonOnAControlCharacterDoesNotRepaintTheRow) {
+    addTimeField(0, 3);
+    addControlChar(0, 12, 0x05);
+    moveTo(0, 4);
+    ASSERT_EQ(back(0, 4), highlightBack);
+    int32_t painted = 0;
+    grid().Subscribe([&](std::string_view property) { painted += property == "Text"; });
+    grid().UserMouseUp(Grid::RightButton, 0, 12 + first());
+    EXPECT_EQ(popupBand(), "popOnControlChar");
+    // The hit test unselected the field in the message; the grid shows it until the next paint.
+    EXPECT_FALSE(message(0).GetVar(1)->IsSelected());
+    EXPECT_EQ(back(0, 4), highlightBack);
+    EXPECT_EQ(painted, 0);
+}
+
+TEST_F(GridMouseTest, NoMouseEventIsHandledWhileIgnoreGridEventsIsSet) {
+    addTimeField(0, 3);
+    editor().IgnoreGridEvents = true;
+    moveTo(0, 4);
+    grid().UserMouseMove(0, 9);
+    grid().UserMouseUp(Grid::RightButton, 0, 4 + first());
+    grid().UserMouseUp(Grid::RightButton, -1, -1);
+    bool opened = false;
+    pickControlChar(1, &opened);
+    grid().UserDoubleClick(0, 20 + first());
+    EXPECT_FALSE(message(0).GetVar(1)->IsSelected());
+    EXPECT_EQ(back(0, 4), fieldBack);
+    EXPECT_EQ(grid().ToolTipText(), L"");
+    EXPECT_EQ(popupBand(), "");
+    EXPECT_EQ(context->BeepCount, 0);
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(driver.PendingDialogs(), 1u);
 }
 
 TEST_F(GridMouseTest, TheRightButtonOnABlankCellUnselectsAllAndOffersTheEmptyAreaPopup) {
