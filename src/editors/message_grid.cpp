@@ -39,6 +39,21 @@ std::wstring characterOf(int32_t code) {
     return std::wstring(1, static_cast<wchar_t>(code));
 }
 
+// The decimal text of a number; std::to_wstring goes through swprintf,
+// which a row's fifty field numbers would feel.
+std::wstring decimalOf(int32_t number) {
+    wchar_t digits[12];
+    wchar_t* end = digits + 12;
+    wchar_t* at = end;
+    uint32_t value = number < 0 ? 0U - static_cast<uint32_t>(number) : static_cast<uint32_t>(number);
+    do {
+        *--at = static_cast<wchar_t>(L'0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    if (number < 0) *--at = L'-';
+    return std::wstring(at, end);
+}
+
 // Two upper-case hexadecimal digits, with a leading zero.
 std::wstring hexOf(int32_t code) {
     static constexpr wchar_t digits[] = L"0123456789ABCDEF";
@@ -71,7 +86,7 @@ int32_t wholeNumberOf(const std::wstring& text) {
 const std::wstring& lengthList() {
     static const std::wstring list = [] {
         std::wstring text;
-        for (int32_t n = 0; n <= clsProtocolMessage::MaxPositions; ++n) text += std::to_wstring(n) + L'|';
+        for (int32_t n = 0; n <= clsProtocolMessage::MaxPositions; ++n) text += decimalOf(n) + L'|';
         return text;
     }();
     return list;
@@ -144,7 +159,7 @@ void MessageGridEditor::BuildMessageGrid() {
     grid_.Cols(cols_);
     if (isScan()) grid_.ColComboList(LengthColumn, lengthList());
     for (int32_t r = 0; r < rows; ++r) {
-        grid_.TextMatrix(r, 0, std::to_wstring(r));
+        grid_.TextMatrix(r, 0, decimalOf(r));
         grid_.CellBackColor(r, 0, NumberBackColor);
         grid_.CellForeColor(r, 0, NumberForeColor);
         if (isScan()) {
@@ -171,7 +186,7 @@ void MessageGridEditor::PaintMessageRow(int32_t row, const MessagePtr& message) 
     ClearMessageRow(row, message);
     if (!message || row < 1 || row > grid_.Rows()) return;
     const int32_t r = row - 1;
-    if (isScan()) grid_.TextMatrix(r, LengthColumn, std::to_wstring(message->MessageLength()));
+    if (isScan()) grid_.TextMatrix(r, LengthColumn, decimalOf(message->MessageLength()));
 
     const std::wstring text = message->MessageString();
     const int32_t shown = std::min<int32_t>(static_cast<int32_t>(text.size()), cols_ - firstTextColumn_);
@@ -193,7 +208,7 @@ void MessageGridEditor::PaintMessageRow(int32_t row, const MessagePtr& message) 
             back = SelectedBackColor;
             fore = SelectedForeColor;
         }
-        const std::wstring number = std::to_wstring(i);
+        const std::wstring number = decimalOf(i);
         for (int32_t c = start + firstTextColumn_; c < start + firstTextColumn_ + length; ++c) {
             if (c < firstTextColumn_ || c >= cols_) continue;
             grid_.CellBackColor(r, c, back);
@@ -469,7 +484,7 @@ void MessageGridEditor::Grid_MouseMove(int32_t Button, int32_t Shift, float X, f
         const int32_t col = grid_.MouseCol();
         const int32_t row = grid_.MouseRow();
         if (col >= firstTextColumn_ && row >= 0)
-            grid_.ToolTipText(L"Index: " + std::to_wstring(ColumnToPosition(col)));
+            grid_.ToolTipText(L"Index: " + decimalOf(ColumnToPosition(col)));
         else
             grid_.ToolTipText(L"");
     } catch (const std::exception&) {
