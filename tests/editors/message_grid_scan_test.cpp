@@ -167,8 +167,19 @@ TEST_F(ScanGridTest, CaretCommandsFromTheToolbarOnTheLengthColumnBeep) {
     grid().UserClick(1, 1);
     bar().UserClickTool(tools::ID_NewVar);
     bar().UserClickTool(tools::ID_ControlChar);
-    EXPECT_EQ(context->BeepCount, 2);
+    EXPECT_TRUE(editor().runCaretCommand(tools::ID_DeleteControlChar));
+    EXPECT_EQ(context->BeepCount, 3);
     EXPECT_EQ(message(1).NumberOfVars(), 0);
+}
+
+TEST_F(ScanGridTest, InitCaretKeepsCurrentMessageInFlgScan) {
+    moveTo(1, 4);
+    editor().IgnoreGridEvents = true;
+    editor().InitCaret();
+    editor().IgnoreGridEvents = false;
+    EXPECT_EQ(grid().Row(), 0);
+    EXPECT_EQ(grid().Col(), 2);
+    EXPECT_EQ(editor().CurrentMessage.get(), &message(1));
 }
 
 TEST_F(ScanGridTest, AControlCharacterPaintsFromColumnTwo) {

@@ -181,6 +181,26 @@ TEST_F(SendGridTest, HomeInFlgSendIsTheGridsOwnAndReachesColumnOne) {
     EXPECT_EQ(context->Caret.X, 23);
 }
 
+TEST_F(SendGridTest, InitCaretMakesTheFirstMessageCurrentInFlgSend) {
+    moveTo(2, 4);
+    editor().IgnoreGridEvents = true;
+    editor().InitCaret();
+    editor().IgnoreGridEvents = false;
+    EXPECT_EQ(grid().Row(), 0);
+    EXPECT_EQ(grid().Col(), 1);
+    EXPECT_EQ(editor().CurrentMessage.get(), &message(0));
+    EXPECT_EQ(context->Caret.X, 23);
+    EXPECT_EQ(context->Caret.Y, 0);
+}
+
+TEST_F(SendGridTest, OnlyTheCaretCommandsAreTheEditors) {
+    for (const wchar_t* id : {tools::ID_Cut, tools::ID_Copy, tools::ID_Paste, tools::ID_InsertBefore,
+                              tools::ID_InsertMsg, tools::ID_AppendMsg, tools::ID_DeleteMsg, tools::ID_ClearAll})
+        EXPECT_FALSE(editor().runCaretCommand(id));
+    EXPECT_EQ(grid().Rows(), 3);
+    EXPECT_EQ(context->BeepCount, 0);
+}
+
 TEST_F(SendGridTest, NoKeyIsHandledWhileIgnoreGridEventsIsSet) {
     moveTo(0, 0);
     editor().IgnoreGridEvents = true;
