@@ -12,7 +12,11 @@
 //
 // Painting writes cells by their address and never moves the current cell,
 // so that a view does not scroll while a row is painted; the current cell
-// moves only where the editor puts the caret.
+// moves only where the editor puts the caret. Every handler and command sets
+// IgnoreGridEvents while it works on the grid and puts back what it found,
+// so that the moves it makes itself raise nothing; the right button sets it
+// only after it has made the clicked cell current, so that the change of row
+// runs first. The right button's popups open at the mouse pointer.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -133,6 +137,8 @@ public:
 
     // The commands on the caret position. runCaretCommand runs the one the
     // tool id names and answers true, or answers false for any other tool.
+    // With the caret on FlgScan's length column, which is no position, each
+    // but ID_DeleteVar beeps and does nothing.
     bool runCaretCommand(const std::wstring& toolId);
     // ID_NewVar and ID_EditVar: the field under the caret edited, or a new one there.
     void editVarAtCaret();
