@@ -277,7 +277,7 @@ void MessageGridEditor::followLengthColumn() {
 
 void MessageGridEditor::Reload() {
     IgnoreScope ignore(IgnoreGridEvents);
-    CurrentMessage = GetMessage(1);
+    CurrentMessage = NumberOfMessages() > 0 ? GetMessage(1) : nullptr;
     BuildMessageGrid();
     PaintAllMessages();
     InitCaret();
@@ -289,6 +289,7 @@ void MessageGridEditor::refreshRow() {
 }
 
 void MessageGridEditor::swapRow() {
+    if (currentRowNumber() < 1) return;
     IgnoreScope ignore(IgnoreGridEvents);
     CurrentMessage = GetMessage(currentRowNumber());
     PaintMessageRow(currentRowNumber(), CurrentMessage);

@@ -197,6 +197,7 @@ TEST(GridOnSets, WithoutASourceTheGridIsEmptyAndNothingBreaks) {
     EXPECT_EQ(form.editor.CurrentMessage, nullptr);
     form.grid.UserKeyPress('x');
     form.editor.refreshRow();
+    form.editor.swapRow();
     form.editor.editVarAtCaret();
     EXPECT_EQ(context->BeepCount, 1);
 }
