@@ -1,5 +1,6 @@
 #include "editors/frm_protocol_send_advanced.h"
 
+#include <initializer_list>
 #include <utility>
 
 #include "framework/shared_helpers.h"
@@ -85,10 +86,9 @@ void frmProtocolSendAdvanced::Form_Load() {
 }
 
 void frmProtocolSendAdvanced::SetCopyControlsEnabled(bool on) {
-    for (Control* control : {static_cast<Control*>(&lbCopyBit), static_cast<Control*>(&lbOPCopyBytesBit),
-                             static_cast<Control*>(&cmdOPCopyBytesBit), static_cast<Control*>(&lbCopyDestination),
-                             static_cast<Control*>(&lbOpCopyBytesTo), static_cast<Control*>(&cmdOpCopyBytesTo),
-                             static_cast<Control*>(&lbFormat), static_cast<Control*>(&cbCopyBytes)})
+    for (Control* control :
+         std::initializer_list<Control*>{&lbCopyBit, &lbOPCopyBytesBit, &cmdOPCopyBytesBit, &lbCopyDestination,
+                                         &lbOpCopyBytesTo, &cmdOpCopyBytesTo, &lbFormat, &cbCopyBytes})
         control->Enabled(on);
 }
 

@@ -77,7 +77,8 @@ TEST_F(QtSendAdvancedDialogTest, EveryControlOfTheDialogHasAWidgetOfItsNameAndNo
     for (const std::wstring& name : binding.ControlsWithoutWidget()) ADD_FAILURE() << toQString(name).toStdString();
     for (const QString& name : binding.WidgetsWithoutControl()) ADD_FAILURE() << name.toStdString();
     EXPECT_EQ(view->windowTitle(), QStringLiteral("Advanced..."));
-    EXPECT_EQ(view->findChild<QCheckBox*>(QStringLiteral("ckCopyBytes"))->text(), QStringLiteral("Send Data Destination"));
+    EXPECT_EQ(view->findChild<QCheckBox*>(QStringLiteral("ckCopyBytes"))->text(),
+              QStringLiteral("Send Data Destination"));
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("lbCopyBit"))->text(), QStringLiteral("Copy  Bytes when ON :"));
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("lbCopyDestination"))->text(), QStringLiteral("Copy  to :"));
     EXPECT_EQ(view->findChild<QPushButton*>(QStringLiteral("cmdOPCopyBytesBit"))->toolTip(),
