@@ -8,6 +8,7 @@
 
 #include "component/gate.h"
 #include "component/registry.h"
+#include "editors/message_editors.h"
 #include "field_editors/field_editors.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/ascii_case.h"
@@ -235,6 +236,7 @@ HRESULT serverGetClassObject(const GUID* rclsid, const GUID* riid, void** ppv) {
         // find their dialogs whichever class the host asks for first. Only
         // empty hooks are filled: a host's own editors stay.
         installFieldEditors();
+        installMessageEditors();
         const PublicClass* cls = findPublicClass(*rclsid);
         if (!cls) return CLASS_E_CLASSNOTAVAILABLE;
         auto* factory = new ClassFactory(*cls);

@@ -71,6 +71,11 @@ protected:
             runModelAction([this] { label_.UserClick(); });
             return true;
         }
+        if (event->type() == QEvent::MouseButtonDblClick &&
+            static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+            runModelAction([this] { label_.UserDoubleClick(); });
+            return true;
+        }
         return ControlBinding::eventFilter(watched, event);
     }
 

@@ -8,6 +8,7 @@
 #include "message/field_state.h"
 #include "message/protocol_cs_var.h"
 #include "sets/send_image.h"
+#include "sets/set_editor_hooks.h"
 
 namespace qx {
 
@@ -60,6 +61,13 @@ void clsProtocolSendSrv::createOperands() {
     opCopyWhenOn_ = newSetOperand(kMemoryMode, 1, kCopyDoneText);
     opCopyWhenOn_->AddAllowedType(kMemoryMode, 1, true);
     if (extended && ethernet) opCopyWhenOn_->AddAllowedType(kMemoryMode, 64, true);
+}
+
+void clsProtocolSendSrv::EditAdvanced() {
+    int32_t count = copyBytesCount_;
+    bool confirmed = false;
+    runSendAdvancedEditor(opCopyDestination_, opCopyWhenOn_, count, confirmed);
+    if (confirmed) copyBytesCount_ = count;
 }
 
 void clsProtocolSendSrv::ClearAll() {

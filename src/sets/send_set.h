@@ -34,6 +34,11 @@ public:
     OperandPtr OpCopyDestination() const { return opCopyDestination_; }
     OperandPtr OpCopyWhenOn() const { return opCopyWhenOn_; }
     int32_t NumberOfMessages() const { return messages_.NumberOfMessages(); }
+    // The Send advanced dialog on OpCopyDestination and OpCopyWhenOn
+    // themselves, so a link changed there stays even when the user cancels;
+    // CopyBytesCount is taken over only when the user confirms. Opens the
+    // dialog through messageEditorHooks(): RuntimeError(91) when none is installed.
+    void EditAdvanced();
     // One empty message; frame, operands and clipboard stay. The dialog then rebuilds its grid.
     void ClearAll();
     // The Send image. With a single message to download, OpMessageNumber

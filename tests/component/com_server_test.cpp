@@ -14,6 +14,7 @@
 #include "message/editor_hooks.h"
 #include "message/protocol_cs_var.h"
 #include "platform/basics/runtime_error.h"
+#include "sets/set_editor_hooks.h"
 
 namespace qx {
 namespace {
@@ -161,6 +162,34 @@ TEST(ClassObjects, AHookTheHostSetBeforeTheFirstClassObjectStays) {
     int32_t type = 1;
     EXPECT_FALSE(runEndOfMessageEditor(std::make_shared<clsProtocolCSVar>(), type));
     EXPECT_EQ(hostCalls, 1);
+}
+
+TEST(ClassObjects, TheFirstOneInstallsTheMessageEditorsForTheSets) {
+    ScopedMessageEditorHooks hooks;
+    messageEditorHooks() = MessageEditorHooks{};
+    void* pv = nullptr;
+    ASSERT_EQ(serverGetClassObject(&CLSID_clsProtocolSend, &IID_IClassFactory, &pv), S_OK);
+    static_cast<IClassFactory*>(pv)->Release();
+    EXPECT_TRUE(static_cast<bool>(messageEditorHooks().SendAdvanced));
+}
+
+TEST(ClassObjects, ASendAdvancedEditorTheHostSetBeforehandStays) {
+    ScopedMessageEditorHooks hooks;
+    int32_t hostCalls = 0;
+    messageEditorHooks().SendAdvanced = [&](OperandPtr, OperandPtr, int32_t& count, bool& confirmed) {
+        ++hostCalls;
+        count = 2;
+        confirmed = true;
+    };
+    void* pv = nullptr;
+    ASSERT_EQ(serverGetClassObject(&CLSID_clsProtocolSend, &IID_IClassFactory, &pv), S_OK);
+    static_cast<IClassFactory*>(pv)->Release();
+    int32_t count = 0;
+    bool confirmed = false;
+    runSendAdvancedEditor(std::make_shared<clsOperand>(), std::make_shared<clsOperand>(), count, confirmed);
+    EXPECT_EQ(hostCalls, 1);
+    EXPECT_EQ(count, 2);
+    EXPECT_TRUE(confirmed);
 }
 
 }  // namespace

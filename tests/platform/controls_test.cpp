@@ -528,6 +528,27 @@ TEST(LabelModel, UserClickRaisesClickUnlessDisabled) {
     EXPECT_EQ(clicks, 1);
 }
 
+TEST(LabelModel, UserDoubleClickRaisesDblClickAloneUnlessDisabled) {
+    Label label(L"lbl");
+    int clicks = 0;
+    int doubleClicks = 0;
+    label.OnClick = [&] { ++clicks; };
+    label.OnDblClick = [&] { ++doubleClicks; };
+    label.UserDoubleClick();
+    label.Enabled(false);
+    label.UserDoubleClick();
+    EXPECT_EQ(doubleClicks, 1);
+    EXPECT_EQ(clicks, 0);
+}
+
+TEST(LabelModel, UserDoubleClickWithoutAHandlerDoesNothing) {
+    Label label(L"lbl");
+    int clicks = 0;
+    label.OnClick = [&] { ++clicks; };
+    label.UserDoubleClick();
+    EXPECT_EQ(clicks, 0);
+}
+
 // --- Common properties and observers ---
 
 TEST(ControlModel, StartsEnabledAndVisibleWithSystemColours) {

@@ -11,6 +11,9 @@
 #include <QRadioButton>
 #include <QTest>
 #include <QWidget>
+#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
@@ -106,6 +109,18 @@ TEST_F(ControlBindingTest, ClickingALabelOrAButtonIsTheModelsClick) {
     form.button.Enabled(false);
     QTest::mouseClick(button, Qt::LeftButton);
     EXPECT_EQ(buttonClicks, 1);
+}
+
+TEST_F(ControlBindingTest, DoubleClickingALabelIsTheModelsDblClickOnce) {
+    std::vector<std::string> heard;
+    form.label.OnClick = [&] { heard.emplace_back("Click"); };
+    form.label.OnDblClick = [&] { heard.emplace_back("DblClick"); };
+    auto binding = ControlBinding::bind(form.label, *label);
+    QTest::mouseDClick(label, Qt::LeftButton);
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "DblClick"), 1);
+    form.label.Enabled(false);
+    QTest::mouseDClick(label, Qt::LeftButton);
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "DblClick"), 1);
 }
 
 TEST_F(ControlBindingTest, KeysTypedIntoATextBoxAreTheModelsKeyPresses) {

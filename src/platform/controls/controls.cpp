@@ -22,6 +22,10 @@ void Label::UserClick() {
     if (beginUserAction() && OnClick) OnClick();
 }
 
+void Label::UserDoubleClick() {
+    if (beginUserAction() && OnDblClick) OnDblClick();
+}
+
 CommandButton::CommandButton(std::wstring name)
     : CaptionedControl(std::move(name), colour::ButtonFace, colour::ButtonText) {}
 

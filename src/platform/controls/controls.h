@@ -27,7 +27,11 @@ class Label : public CaptionedControl {
 public:
     explicit Label(std::wstring name);
     void UserClick();
+    // Raises DblClick alone: the clicks of a double-click reach the label as
+    // clicks of their own first, from the view, as with the host's labels.
+    void UserDoubleClick();
     std::function<void()> OnClick;
+    std::function<void()> OnDblClick;
 };
 
 class CommandButton : public CaptionedControl {

@@ -1,0 +1,23 @@
+#include "editors/message_editors.h"
+
+#include <utility>
+
+#include "editors/frm_protocol_send_advanced.h"
+#include "sets/set_editor_hooks.h"
+
+namespace qx {
+
+void installMessageEditors() {
+    // Only where no editor is installed: a host's own stays, whether it came
+    // before this call or after. A fresh dialog for each edit, as the host's
+    // shared instance is dropped once the dialog has closed.
+    MessageEditorHooks& hooks = messageEditorHooks();
+    if (!hooks.SendAdvanced)
+        hooks.SendAdvanced = [](OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn, int32_t& pCopyBytesCount,
+                                bool& pConfirmed) {
+            frmProtocolSendAdvanced().Edit(std::move(pOpCopyDestination), std::move(pOpCopyWhenOn), pCopyBytesCount,
+                                           pConfirmed);
+        };
+}
+
+}  // namespace qx

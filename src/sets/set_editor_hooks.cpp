@@ -1,0 +1,24 @@
+#include "sets/set_editor_hooks.h"
+
+#include "platform/basics/runtime_error.h"
+
+namespace qx {
+
+MessageEditorHooks& messageEditorHooks() {
+    static MessageEditorHooks hooks;
+    return hooks;
+}
+
+void runSendAdvancedEditor(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn, int32_t& pCopyBytesCount,
+                           bool& pConfirmed) {
+    const SendAdvancedEditor& editor = messageEditorHooks().SendAdvanced;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No Send advanced dialog is installed: a program that links QxFBCom2::core itself must "
+                           L"call qx::installMessageEditors() from editors/message_editors.h once before editing the "
+                           L"copy after the ETX, or set qx::messageEditorHooks().SendAdvanced to an editor of its "
+                           L"own.");
+    editor(std::move(pOpCopyDestination), std::move(pOpCopyWhenOn), pCopyBytesCount, pConfirmed);
+}
+
+}  // namespace qx
