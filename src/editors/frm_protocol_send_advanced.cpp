@@ -94,23 +94,8 @@ void frmProtocolSendAdvanced::SetCopyControlsEnabled(bool on) {
 
 void frmProtocolSendAdvanced::FillFormatList() {
     cbCopyBytes.Clear();
-    switch (destination().OperandType()) {
-        case 3:
-        case 65:
-            cbCopyBytes.AddItem(L"Convert ONE Linked Element to 1 Send Bytes", 1);
-            cbCopyBytes.AddItem(L"Convert ONE Linked Element to 2 Send Bytes", 2);
-            break;
-        case 5:
-        case 16:
-        case 66:
-        case 67:
-            cbCopyBytes.AddItem(L"Convert ONE Linked Element to 1 Send Bytes", 1);
-            cbCopyBytes.AddItem(L"Convert ONE Linked Element to 2 Send Bytes", 2);
-            cbCopyBytes.AddItem(L"Convert ONE Linked Element to 4 Send Bytes", 4);
-            break;
-        default:
-            break;
-    }
+    for (int32_t count : copyByteCountsFor(destination().OperandType()))
+        cbCopyBytes.AddItem(L"Convert ONE Linked Element to " + std::to_wstring(count) + L" Send Bytes", count);
 }
 
 void frmProtocolSendAdvanced::SelectFormat() {

@@ -70,6 +70,21 @@ void EditOperandChecked(OperandPtr& operand) {
     old->ReleaseOperand();
 }
 
+std::vector<int32_t> copyByteCountsFor(int32_t operandType) {
+    switch (operandType) {
+        case 3:
+        case 65:
+            return {1, 2};
+        case 5:
+        case 16:
+        case 66:
+        case 67:
+            return {1, 2, 4};
+        default:
+            return {};
+    }
+}
+
 bool hasForbiddenNameCharacter(const std::wstring& name) { return name.find_first_of(L"'~|\"") != std::wstring::npos; }
 
 bool IsExtendedOperandsEnabled() { return clsEnvironment().IsExtendedOperandsEnabled(); }

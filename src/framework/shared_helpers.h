@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/host/host_context.h"
 #include "platform/host/operand.h"
@@ -25,6 +26,10 @@ bool IsExtendedOperandsEnabled();
 // Whether the name holds a character the host cannot store in an instance
 // name: ' ~ | ".
 bool hasForbiddenNameCharacter(const std::wstring& name);
+// The byte counts one linked element may take or give when bytes are copied
+// between a message and a vector of operands: 1 and 2 for a word register
+// (types 3, 65), 1, 2 and 4 for a long one (5, 16, 66, 67), none otherwise.
+std::vector<int32_t> copyByteCountsFor(int32_t operandType);
 // Index of the first item with this item data; 0 when there is none.
 int32_t FindComboIndex(const ComboBox& combo, int32_t itemData);
 // Gives a form and every control on it the host's font.

@@ -102,23 +102,8 @@ void frmProtocolCopyBytes::Form_Load() {
 
 void frmProtocolCopyBytes::fillCopyBytes(int32_t operandType) {
     cbCopyBytes.Clear();
-    switch (operandType) {
-        case 3:
-        case 65:
-            cbCopyBytes.AddItem(L"Convert 1 Receive Bytes to ONE Linked Element", 1);
-            cbCopyBytes.AddItem(L"Convert 2 Receive Bytes to ONE Linked Element", 2);
-            break;
-        case 5:
-        case 16:
-        case 66:
-        case 67:
-            cbCopyBytes.AddItem(L"Convert 1 Receive Bytes to ONE Linked Element", 1);
-            cbCopyBytes.AddItem(L"Convert 2 Receive Bytes to ONE Linked Element", 2);
-            cbCopyBytes.AddItem(L"Convert 4 Receive Bytes to ONE Linked Element", 4);
-            break;
-        default:
-            break;
-    }
+    for (int32_t count : copyByteCountsFor(operandType))
+        cbCopyBytes.AddItem(L"Convert " + std::to_wstring(count) + L" Receive Bytes to ONE Linked Element", count);
 }
 
 void frmProtocolCopyBytes::selectFormat() { cbCopyBytes.ListIndex(indexOfItemData(cbCopyBytes, format_)); }

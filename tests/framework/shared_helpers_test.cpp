@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 
@@ -255,6 +257,12 @@ TEST(GetTimeFormatText, NamesFormatsZeroAndOneAndNothingElse) {
     EXPECT_EQ(GetTimeFormatText(1), L"HH:MM:SS");
     EXPECT_EQ(GetTimeFormatText(2), L"");
     EXPECT_EQ(GetTimeFormatText(-1), L"");
+}
+
+TEST(CopyByteCounts, AWordRegisterTakesOneOrTwoBytesALongOneAlsoFourOthersNone) {
+    for (int32_t type : {3, 65}) EXPECT_EQ(copyByteCountsFor(type), (std::vector<int32_t>{1, 2})) << type;
+    for (int32_t type : {5, 16, 66, 67}) EXPECT_EQ(copyByteCountsFor(type), (std::vector<int32_t>{1, 2, 4})) << type;
+    for (int32_t type : {0, 1, 4, 7, 37, 64}) EXPECT_TRUE(copyByteCountsFor(type).empty()) << type;
 }
 
 }  // namespace
