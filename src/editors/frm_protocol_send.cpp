@@ -4,10 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "field_editors/frm_protocol_hex_selector.h"
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
-#include "platform/basics/ansi.h"
 #include "sets/send_set.h"
 
 namespace qx {
@@ -16,22 +14,18 @@ namespace {
 constexpr int32_t messageSTXCellEmpty = 145;
 constexpr int32_t messageETXCellEmpty = 146;
 constexpr int32_t maxFramingLength = 4;
-
-// Two upper-case hexadecimal digits.
-std::wstring hexOf(uint8_t value) {
-    static constexpr wchar_t digits[] = L"0123456789ABCDEF";
-    return {digits[value >> 4], digits[value & 0xF]};
-}
-
-// The byte of a key: an ANSI code as it is, a wider character mapped.
-uint8_t byteOfKey(int32_t KeyAscii) {
-    if (KeyAscii >= 0 && KeyAscii <= 0xFF) return static_cast<uint8_t>(KeyAscii);
-    return toAnsiByte(static_cast<wchar_t>(KeyAscii));
-}
 }  // namespace
 
 frmProtocolSend::frmProtocolSend()
-    : SendMessageDialog(L"frmProtocolSend", L"Protocol Send"), abSend(toolBar()), FlgSend(grid()) {
+    : SendMessageDialog(L"frmProtocolSend", L"Protocol Send"),
+      abSend(toolBar()),
+      FlgSend(grid()),
+      stxBytes_(
+          flgSendSTX, gridEditor().IgnoreGridEvents,
+          [this](int32_t pIndex, uint8_t pValue, bool pIsChar) { sendSet().SetSendSTXValue(pIndex, pValue, pIsChar); }),
+      etxBytes_(flgSendETX, gridEditor().IgnoreGridEvents, [this](int32_t pIndex, uint8_t pValue, bool pIsChar) {
+          sendSet().SetSendETXValue(pIndex, pValue, pIsChar);
+      }) {
     addControls({&SSPanel1, &ckSendSTX, &Frame8, &lbSendSTXLength, &cbSendSTXLength, &lbSendSTX, &flgSendSTX,
                  &ckSendETX, &Frame9, &lbSendETXLength, &cbSendETXLength, &lbSendETX, &flgSendETX, &cmdSendAdvanced,
                  &lbSendETXEndOfMsg, &cmdAdvanced});
@@ -50,12 +44,6 @@ frmProtocolSend::frmProtocolSend()
         control->Container(&Frame9);
     cmdSendAdvanced.Caption(L"End Of Message");
     cmdAdvanced.Caption(L"Advanced...");
-    for (Grid* framing : {&flgSendSTX, &flgSendETX}) {
-        framing->FixedRows(0);
-        framing->FixedCols(0);
-        framing->Rows(1);
-        SetFramingColumns(*framing, 1);
-    }
 
     ckSendSTX.OnClick = [this] { ckSendSTX_Click(); };
     ckSendETX.OnClick = [this] { ckSendETX_Click(); };
@@ -83,11 +71,11 @@ void frmProtocolSend::Edit(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod,
 }
 
 frmProtocolSend::FramingSide frmProtocolSend::stx() {
-    return {ckSendSTX, lbSendSTXLength, cbSendSTXLength, lbSendSTX, flgSendSTX, false};
+    return {ckSendSTX, lbSendSTXLength, cbSendSTXLength, lbSendSTX, stxBytes_, false};
 }
 
 frmProtocolSend::FramingSide frmProtocolSend::etx() {
-    return {ckSendETX, lbSendETXLength, cbSendETXLength, lbSendETX, flgSendETX, true};
+    return {ckSendETX, lbSendETXLength, cbSendETXLength, lbSendETX, etxBytes_, true};
 }
 
 // --- Loading ---
@@ -128,17 +116,17 @@ void frmProtocolSend::showSide(const FramingSide& side) {
     side.Check.Value(CheckBox::Checked);
     enableSide(side, true);
     side.Length.ListIndex(FindComboIndex(side.Length, length));
-    SetFramingColumns(side.Bytes, length);
-    FillFramingGrid(side.Bytes, side.IsETX ? set.SendETXChars() : set.SendSTXChars(), length);
+    FramingGrid::SetFramingColumns(side.Bytes.grid(), length);
+    FramingGrid::FillFramingGrid(side.Bytes.grid(), side.IsETX ? set.SendETXChars() : set.SendSTXChars(), length);
 }
 
 void frmProtocolSend::enableSide(const FramingSide& side, bool on) {
     const uint32_t back = on ? EnabledBackColor : DisabledBackColor;
     for (Control* control :
-         std::initializer_list<Control*>{&side.LengthLabel, &side.Length, &side.BytesLabel, &side.Bytes})
+         std::initializer_list<Control*>{&side.LengthLabel, &side.Length, &side.BytesLabel, &side.Bytes.grid()})
         control->Enabled(on);
     side.Length.BackColor(back);
-    side.Bytes.BackColor(back);
+    side.Bytes.grid().BackColor(back);
     if (!side.IsETX) return;
     cmdSendAdvanced.Enabled(on);
     lbSendETXEndOfMsg.Enabled(on);
@@ -151,32 +139,6 @@ void frmProtocolSend::enableSide(const FramingSide& side, bool on) {
 
 void frmProtocolSend::showEndOfMessage() {
     lbSendETXEndOfMsg.Caption(GetEndOfMessageText(sendSet().EndOfSendMessageType()));
-}
-
-void frmProtocolSend::SetFramingColumns(Grid& grid, int32_t n) {
-    grid.Cols(n);
-    for (int32_t c = 0; c < n; ++c) {
-        grid.ColWidth(c, FramingColumnWidth);
-        grid.ColAlignment(c, Grid::AlignCenterCenter);
-    }
-    if (grid.Rows() > 0) grid.Col(0);
-}
-
-void frmProtocolSend::FillFramingGrid(Grid& grid, const FrameChars& bytes, int32_t n) {
-    for (int32_t i = 0; i < n && i < static_cast<int32_t>(bytes.size()); ++i) {
-        const FrameChar& byte = bytes[static_cast<size_t>(i)];
-        if (byte.ByAscii) {
-            // A typed 0 is a cell that was cleared: nothing to show.
-            grid.TextMatrix(0, i, byte.Value == 0 ? std::wstring() : std::wstring(1, fromAnsiByte(byte.Value)));
-        } else {
-            grid.TextMatrix(0, i, hexOf(byte.Value));
-            grid.CellBackColor(0, i, HexCellBackColor);
-        }
-    }
-}
-
-void frmProtocolSend::clearGrid(Grid& grid) {
-    if (grid.Rows() > 0) grid.ClearRow(0, 0);
 }
 
 // --- Check boxes and lengths ---
@@ -193,7 +155,7 @@ void frmProtocolSend::clearBytes(const FramingSide& side) {
         sendSet().ClearSendETX();
     else
         sendSet().ClearSendSTX();
-    clearGrid(side.Bytes);
+    FramingGrid::ClearFramingGrid(side.Bytes.grid());
 }
 
 void frmProtocolSend::ckSendSTX_Click() {
@@ -204,12 +166,12 @@ void frmProtocolSend::ckSendSTX_Click() {
         enableSide(side, true);
         cbSendSTXLength.ListIndex(0);
         setLength(side, 1);
-        SetFramingColumns(flgSendSTX, 1);
+        FramingGrid::SetFramingColumns(flgSendSTX, 1);
         flgSendSTX.SetFocus();
         return;
     }
     enableSide(side, false);
-    SetFramingColumns(flgSendSTX, 1);
+    FramingGrid::SetFramingColumns(flgSendSTX, 1);
     setLength(side, 0);
     cbSendSTXLength.ListIndex(-1);
     clearBytes(side);
@@ -225,12 +187,12 @@ void frmProtocolSend::ckSendETX_Click() {
             cbSendETXLength.ListIndex(0);
         }
         setLength(side, 1);
-        SetFramingColumns(flgSendETX, 1);
+        FramingGrid::SetFramingColumns(flgSendETX, 1);
         flgSendETX.SetFocus();
         return;
     }
     enableSide(side, false);
-    SetFramingColumns(flgSendETX, 1);
+    FramingGrid::SetFramingColumns(flgSendETX, 1);
     setLength(side, 0);
     {
         IgnoreEvents ignore(gridEditor());
@@ -245,12 +207,12 @@ void frmProtocolSend::lengthChanged(const FramingSide& side) {
     if (index < 0) return;
     const int32_t length = side.Length.ItemData(index);
     setLength(side, length);
-    SetFramingColumns(side.Bytes, length);
+    FramingGrid::SetFramingColumns(side.Bytes.grid(), length);
     // A new length wipes every byte, also those that would still fit.
     clearBytes(side);
     // Clearing the end characters puts the end of message back to "ETX".
     if (side.IsETX) showEndOfMessage();
-    side.Bytes.SetFocus();
+    side.Bytes.grid().SetFocus();
 }
 
 void frmProtocolSend::cbSendSTXLength_Click() { lengthChanged(stx()); }
@@ -258,71 +220,12 @@ void frmProtocolSend::cbSendETXLength_Click() { lengthChanged(etx()); }
 
 // --- The framing grids ---
 
-void frmProtocolSend::store(const FramingSide& side, int32_t index, uint8_t value, bool isChar) {
-    if (side.IsETX)
-        sendSet().SetSendETXValue(index, value, isChar);
-    else
-        sendSet().SetSendSTXValue(index, value, isChar);
-}
-
-void frmProtocolSend::framingKeyPress(const FramingSide& side, int32_t& KeyAscii) {
-    if (gridEditor().IgnoreGridEvents) return;
-    Grid& grid = side.Bytes;
-    const int32_t column = grid.Col();
-    const int32_t last = grid.Cols() - 1;
-    if (grid.Row() < 0 || column < 0) return;
-    if (KeyAscii == KeyBlank) {
-        // A blank can't be typed as a byte: it only moves on.
-        if (column < last) grid.Col(column + 1);
-        return;
-    }
-    if (KeyAscii == KeyBackspace) {
-        grid.TextMatrix(0, column, L"");
-        grid.CellBackColor(0, column, EnabledBackColor);
-        store(side, column, 0, true);
-        if (column > 0) grid.Col(column - 1);
-        return;
-    }
-    const uint8_t byte = byteOfKey(KeyAscii);
-    grid.TextMatrix(0, column, std::wstring(1, fromAnsiByte(byte)));
-    grid.CellBackColor(0, column, EnabledBackColor);
-    store(side, column, byte, true);
-    if (column < last) grid.Col(column + 1);
-}
-
-void frmProtocolSend::framingKeyDown(const FramingSide& side, int32_t& KeyCode) {
-    if (gridEditor().IgnoreGridEvents || KeyCode != keys::Delete) return;
-    Grid& grid = side.Bytes;
-    const int32_t column = grid.Col();
-    if (grid.Row() < 0 || column < 0) return;
-    grid.TextMatrix(0, column, L"");
-    grid.CellBackColor(0, column, EnabledBackColor);
-    store(side, column, 0, true);
-}
-
-void frmProtocolSend::framingDblClick(const FramingSide& side) {
-    Grid& grid = side.Bytes;
-    const int32_t column = grid.Col();
-    if (grid.Row() < 0 || column < 0) return;
-    uint8_t value = 0;
-    if (!frmProtocolHexSelector().Edit(value, frmProtocolHexSelector::LowCharsTable)) return;
-    store(side, column, value, false);
-    grid.TextMatrix(0, column, hexOf(value));
-    grid.CellBackColor(0, column, HexCellBackColor);
-}
-
-void frmProtocolSend::flgSendSTX_KeyPress(int32_t& KeyAscii) { framingKeyPress(stx(), KeyAscii); }
-void frmProtocolSend::flgSendSTX_KeyDown(int32_t& KeyCode, int32_t Shift) {
-    (void)Shift;
-    framingKeyDown(stx(), KeyCode);
-}
-void frmProtocolSend::flgSendSTX_DblClick() { framingDblClick(stx()); }
-void frmProtocolSend::flgSendETX_KeyPress(int32_t& KeyAscii) { framingKeyPress(etx(), KeyAscii); }
-void frmProtocolSend::flgSendETX_KeyDown(int32_t& KeyCode, int32_t Shift) {
-    (void)Shift;
-    framingKeyDown(etx(), KeyCode);
-}
-void frmProtocolSend::flgSendETX_DblClick() { framingDblClick(etx()); }
+void frmProtocolSend::flgSendSTX_KeyPress(int32_t& KeyAscii) { stxBytes_.KeyPress(KeyAscii); }
+void frmProtocolSend::flgSendSTX_KeyDown(int32_t& KeyCode, int32_t Shift) { stxBytes_.KeyDown(KeyCode, Shift); }
+void frmProtocolSend::flgSendSTX_DblClick() { stxBytes_.DblClick(); }
+void frmProtocolSend::flgSendETX_KeyPress(int32_t& KeyAscii) { etxBytes_.KeyPress(KeyAscii); }
+void frmProtocolSend::flgSendETX_KeyDown(int32_t& KeyCode, int32_t Shift) { etxBytes_.KeyDown(KeyCode, Shift); }
+void frmProtocolSend::flgSendETX_DblClick() { etxBytes_.DblClick(); }
 
 // --- Buttons ---
 
@@ -338,11 +241,11 @@ void frmProtocolSend::cmdAdvanced_Click() { sendSet().EditAdvanced(); }
 bool frmProtocolSend::ValidateMessages() {
     if (!checkMessages()) return false;
     clsProtocolSendSrv& set = sendSet();
-    if (set.SendSTXLength() > 0 && !framingCellsFilled(flgSendSTX, set.SendSTXLength())) {
+    if (set.SendSTXLength() > 0 && !FramingGrid::CellsFilled(flgSendSTX, set.SendSTXLength())) {
         ShowMessage(messageSTXCellEmpty);
         return false;
     }
-    if (set.SendETXLength() > 0 && !framingCellsFilled(flgSendETX, set.SendETXLength())) {
+    if (set.SendETXLength() > 0 && !FramingGrid::CellsFilled(flgSendETX, set.SendETXLength())) {
         ShowMessage(messageETXCellEmpty);
         return false;
     }

@@ -8,12 +8,12 @@
 #pragma once
 #include <cstdint>
 
+#include "editors/framing_grid.h"
 #include "editors/send_message_dialog.h"
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
 #include "platform/controls/grid.h"
 #include "platform/controls/toolbar.h"
-#include "sets/frame_char.h"
 
 namespace qx {
 
@@ -21,13 +21,6 @@ class clsProtocolSendSrv;
 
 class frmProtocolSend : public SendMessageDialog {
 public:
-    // Width of a framing cell.
-    static constexpr int32_t FramingColumnWidth = 400;
-    // Back colour of a framing cell given as two hexadecimal digits.
-    static constexpr uint32_t HexCellBackColor = 255;
-    static constexpr int32_t KeyBlank = 32;
-    static constexpr int32_t KeyBackspace = 8;
-
     frmProtocolSend();
 
     // Keeps the objects and loads the instance list; with no instance to
@@ -71,11 +64,6 @@ public:
     // Every framing control off: disabled, the disabled colour, the
     // end-of-message text empty, both check boxes unchecked and disabled.
     void ResetFramingControls();
-    // n columns of FramingColumnWidth, centred; current column 0.
-    static void SetFramingColumns(Grid& grid, int32_t n);
-    // Cells 0 to n - 1 from the stored bytes: a typed byte as its
-    // character, a picked one as two hexadecimal digits on red.
-    static void FillFramingGrid(Grid& grid, const FrameChars& bytes, int32_t n);
 
     bool ValidateMessages() override;
 
@@ -90,7 +78,7 @@ private:
         Label& LengthLabel;
         ComboBox& Length;
         Label& BytesLabel;
-        Grid& Bytes;
+        FramingGrid& Bytes;
         bool IsETX;
     };
     FramingSide stx();
@@ -99,13 +87,11 @@ private:
     void showSide(const FramingSide& side);
     void setLength(const FramingSide& side, int32_t length);
     void clearBytes(const FramingSide& side);
-    void store(const FramingSide& side, int32_t index, uint8_t value, bool isChar);
-    void framingKeyPress(const FramingSide& side, int32_t& KeyAscii);
-    void framingKeyDown(const FramingSide& side, int32_t& KeyCode);
-    void framingDblClick(const FramingSide& side);
     void lengthChanged(const FramingSide& side);
     void showEndOfMessage();
-    static void clearGrid(Grid& grid);
+
+    FramingGrid stxBytes_;
+    FramingGrid etxBytes_;
 };
 
 }  // namespace qx

@@ -106,6 +106,7 @@ void MessageDialog::Form_Load() {
 
 void MessageDialog::LoadInstanceList(bool& NoInstances) {
     NoInstances = false;
+    soleInstance_ = false;
     bool isEmpty = true;
     std::vector<FBInstanceRecord> records;
     if (!instances_) raiseError(err::ObjectNotSet);
@@ -117,8 +118,10 @@ void MessageDialog::LoadInstanceList(bool& NoInstances) {
     }
     itfFBMethod& fb = method();
     if (records.size() == 1) {
-        if (fb.itfFBMethod_IsNew()) fb.itfFBMethod_FatherInstanceNum(records.front().InstanceNum);
-        if (!fillsListAfterSoleInstance()) return;
+        const int32_t only = records.front().InstanceNum;
+        if (fb.itfFBMethod_IsNew()) fb.itfFBMethod_FatherInstanceNum(only);
+        soleInstance_ = fb.itfFBMethod_FatherInstanceNum() == only;
+        if (soleInstance_ && !fillsListAfterSoleInstance()) return;
     }
     cbInstanceName.Clear();
     for (const FBInstanceRecord& record : records) {
@@ -213,12 +216,6 @@ bool MessageDialog::checkLongSegments() {
                L" is not legal.\r\nA message segment which contains fixed text may not exceed 255 characters.",
            vbExclamation, longSegmentTitle);
     return false;
-}
-
-bool MessageDialog::framingCellsFilled(const Grid& framing, int32_t length) {
-    for (int32_t c = 0; c < length; ++c)
-        if (c >= framing.Cols() || framing.Rows() < 1 || framing.TextMatrix(0, c).empty()) return false;
-    return true;
 }
 
 // --- Links ---

@@ -98,6 +98,10 @@ public:
     // when the operation is new. An operation that is not new and whose
     // Config is not in the list: host message 141, and nothing is current.
     void LoadInstanceList(bool& NoInstances);
+    // After LoadInstanceList: there is exactly one instance and it is the
+    // operation's Config (taken by a new operation, or already linked). The
+    // Scan dialogs ask it; the Send dialogs do not.
+    bool SoleInstance() const { return soleInstance_; }
     // Runs the toolbar command of a tool id: the caret commands through the
     // grid editor, the message commands on the set.
     void abTool_Click(const std::wstring& ToolId);
@@ -158,8 +162,6 @@ protected:
     bool checkNoEmptyMessage();
     // A fixed-text run above 255 characters: the message box "PROTOCOL".
     bool checkLongSegments();
-    // Whether the cells 0 to length - 1 of a framing grid all hold something.
-    static bool framingCellsFilled(const Grid& framing, int32_t length);
 
     // The link of one operand, shown in its label: the host's picker, the
     // label's text when the operand is linked, then UpdateOKEnabled.
@@ -195,6 +197,7 @@ private:
     MessageSetOps ops_;
     itfFBMethod* method_ = nullptr;
     InstancesPtr instances_;
+    bool soleInstance_ = false;
 };
 
 }  // namespace qx

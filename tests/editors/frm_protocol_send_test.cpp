@@ -66,6 +66,7 @@ TEST_F(FrmProtocolSendTest, ANewSendTakesASoleInstanceByItselfAndOKIsOn) {
         EXPECT_EQ(dialog.cbInstanceName.ListIndex(), 0);
         EXPECT_EQ(dialog.cbInstanceName.List(0), L"Line1");
         EXPECT_EQ(dialog.cbInstanceName.ItemData(0), only);
+        EXPECT_TRUE(dialog.SoleInstance());
         EXPECT_TRUE(dialog.cmdOK.Enabled());
     });
     EXPECT_TRUE(shown);
@@ -102,7 +103,7 @@ TEST_F(FrmProtocolSendTest, AnOldSendWhoseConfigIsGoneGetsHostMessage141AndOKWai
 TEST_F(FrmProtocolSendTest, AnOldSendWithASoleInstanceThatIsNotItsOwnKeepsItsNumber) {
     instances->Seed(L"Line1");
     method.itfFBMethod_FatherInstanceNum(7);
-    edit([](frmProtocolSend&) {});
+    edit([](frmProtocolSend& dialog) { EXPECT_FALSE(dialog.SoleInstance()); });
     EXPECT_EQ(method.itfFBMethod_FatherInstanceNum(), 7);
     EXPECT_EQ(shownMessages(), std::vector<int32_t>{141});
 }
