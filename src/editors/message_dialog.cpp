@@ -30,7 +30,10 @@ MessageDialog::MessageDialog(std::wstring formName, std::wstring caption, Messag
     Caption(caption);
     // Escape reaches the dialog before its controls.
     KeyPreview(true);
-    addControls({&bar_, &cbInstanceName, &grid_, &cmdOK, &cmdCancel, &cmdHelp});
+    // The list before the toolbar that carries it: a view lets go of its
+    // bindings in this order, and the list's must go while its widget is
+    // still there.
+    addControls({&cbInstanceName, &bar_, &grid_, &cmdOK, &cmdCancel, &cmdHelp});
     buildMessageToolBar(bar_, &cbInstanceName);
     cmdOK.Caption(L"OK");
     cmdCancel.Caption(L"Cancel");
