@@ -5,8 +5,9 @@
 
 namespace qx {
 
-// Installs frmProtocolSendAdvanced as the Send advanced editor, only where
-// messageEditorHooks() holds no editor yet: a host that set its own keeps
+// Installs frmProtocolSendAdvanced as the Send advanced editor and
+// frmProtocolSend as the Send editor, each only where messageEditorHooks()
+// holds no editor yet: a host that set its own keeps
 // it. The component calls it at every class object it hands out, next to
 // installFieldEditors(); a program that links the core without the
 // component calls it once before editing. Calling it again changes nothing.

@@ -62,11 +62,16 @@ bool QtModalDriver::PickOperand(clsOperand& operand) {
 
 int32_t QtModalDriver::AnswerMessage(const ShownMessage& message) {
     QMessageBox box(topWindow());
-    box.setWindowTitle(QStringLiteral("QxFBCom2"));
+    box.setWindowTitle(message.Title.empty() ? QStringLiteral("QxFBCom2") : toQString(message.Title));
     box.setText(toQString(message.Text));
     // A message that asks is answered Yes or No; any other is acknowledged.
     const bool question = !message.Text.empty() && message.Text.back() == L'?';
-    box.setIcon(question ? QMessageBox::Question : QMessageBox::Information);
+    // A plain message box names its own icon; 48 is the exclamation mark.
+    constexpr int32_t exclamationStyle = 48;
+    if (message.Number == 0 && (message.Style & 0x70) == exclamationStyle)
+        box.setIcon(QMessageBox::Warning);
+    else
+        box.setIcon(question ? QMessageBox::Question : QMessageBox::Information);
     box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
     const int pressed = box.exec();
     return pressed == QMessageBox::No ? AnswerNo : 1;

@@ -1,5 +1,7 @@
 #include "serial/protocol_send.h"
 
+#include <memory>
+
 #include "sets/send_set.h"
 
 namespace qx {
@@ -24,8 +26,23 @@ FBMethodInfo sendInfo() {
 
 clsProtocolSend::clsProtocolSend() : FBMethodBase(sendInfo()) {}
 
-// The dialog-driven edit arrives with the message editors.
-void clsProtocolSend::itfFBMethod_EditOperands() {}
+void clsProtocolSend::itfFBMethod_EditOperands() {
+    auto srv = std::make_unique<clsProtocolSendSrv>();
+    newOperandsForFindOnly();
+    if (!itfFBMethod_IsNew()) srv->BinaryData(itfFBMethod_BinaryOperands());
+
+    // The set fills OperandsForFindOnly itself on OK. The Config chosen in
+    // the dialog is in the operation already, whichever way it ends.
+    if (srv->Edit(*this, Instances())) {
+        itfFBMethod_IsCanceled(false);
+        setBinaryOperands(srv->BinaryData());
+    } else {
+        itfFBMethod_IsCanceled(true);
+    }
+
+    srv.reset();
+    if (!itfFBMethod_IsCanceled()) setIsNew(false);
+}
 
 void clsProtocolSend::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
                                              int32_t pNewOpAddress) {

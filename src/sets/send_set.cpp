@@ -1,6 +1,7 @@
 #include "sets/send_set.h"
 
 #include <string>
+#include <utility>
 
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
@@ -78,6 +79,19 @@ void clsProtocolSendSrv::ClearAll() {
 Bytes clsProtocolSendSrv::BinaryData() { return writeSendImage(*this, family_ == Family::Serial); }
 
 void clsProtocolSendSrv::BinaryData(const Bytes& value) { readSendImage(*this, value); }
+
+bool clsProtocolSendSrv::Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances) {
+    SetHostObjects(&pFBMethod, pFBInstances);
+    bool confirmed = false;
+    runSendEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
+    // The set keeps no reference to the host beyond its edit.
+    SetHostObjects(nullptr, nullptr);
+    if (confirmed) {
+        OperandCollectionPtr findOnly = pFBMethod.itfFBMethod_OperandsForFindOnly();
+        if (findOnly) AddOperandsToFindOnly(*findOnly);
+    }
+    return confirmed;
+}
 
 void clsProtocolSendSrv::ShowHelp() { hostObjects_.ShowHelp(); }
 

@@ -66,6 +66,14 @@ public:
     bool InsertMessage(int32_t pMessageNumber) { return messages_.InsertMessage(pMessageNumber); }
     // Asks host message 157 first.
     bool DeleteMessage(int32_t pMessageNumber) { return messages_.DeleteMessage(pMessageNumber); }
+    // Keeps the two host objects for the time of the edit and opens the Send
+    // dialog on this set through messageEditorHooks() (RuntimeError(91) when
+    // none is installed); the dialog edits the set itself. On OK the set's
+    // linked operands and those of every message go into the method's
+    // OperandsForFindOnly, and the answer is true; on Cancel it is false.
+    // While the dialog is open, ClearAll rebuilds its grid through
+    // OnMessagesCleared.
+    bool Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances);
     // The family's help: the method id cut to a multiple of 100.
     void ShowHelp();
     void ReplaceOperands(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress);

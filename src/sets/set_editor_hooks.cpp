@@ -21,4 +21,14 @@ void runSendAdvancedEditor(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhen
     editor(std::move(pOpCopyDestination), std::move(pOpCopyWhenOn), pCopyBytesCount, pConfirmed);
 }
 
+void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed) {
+    const SendEditor& editor = messageEditorHooks().SendEdit;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No Send dialog is installed: a program that links QxFBCom2::core itself must call "
+                           L"qx::installMessageEditors() from editors/message_editors.h once before editing a Send "
+                           L"operation, or set qx::messageEditorHooks().SendEdit to an editor of its own.");
+    editor(pSendSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+}
+
 }  // namespace qx

@@ -9,9 +9,13 @@
 #include <cstdint>
 #include <functional>
 
+#include "platform/host/host_contract.h"
 #include "platform/host/operand.h"
 
 namespace qx {
+
+class clsProtocolSendSrv;
+class clsProtocolScanSrv;
 
 // The copy after the ETX of a serial Send: edits the two operands in place
 // and pCopyBytesCount (0 off, else 1, 2 or 4); pConfirmed tells whether the
@@ -20,8 +24,23 @@ namespace qx {
 using SendAdvancedEditor = std::function<void(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn,
                                               int32_t& pCopyBytesCount, bool& pConfirmed)>;
 
+// The Send dialog of a serial Send set: the dialog edits pSendSrv itself
+// (a scratch copy of the operation's image) and writes the chosen Config
+// into pFBMethod at once; pConfirmed is true only when the person left it
+// with an OK that passed validation. A host that has no instance to offer
+// gets pConfirmed false and no dialog.
+using SendEditor = std::function<void(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                                      bool& pConfirmed)>;
+// The Scan dialog of a serial Scan set, in the same shape; the Scan set's
+// Edit will run it once the Scan dialog exists.
+using ScanEditor = std::function<void(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                                      bool& pConfirmed)>;
+
 struct MessageEditorHooks {
     SendAdvancedEditor SendAdvanced;
+    SendEditor SendEdit;
+    // Not filled yet: no Scan dialog is installed by installMessageEditors().
+    ScanEditor ScanEdit;
 };
 
 // The hooks in force, one set for the process.
@@ -32,6 +51,10 @@ MessageEditorHooks& messageEditorHooks();
 // description that tells the program to call installMessageEditors().
 void runSendAdvancedEditor(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn, int32_t& pCopyBytesCount,
                            bool& pConfirmed);
+
+// Runs the Send dialog on the set; RuntimeError(91) naming
+// installMessageEditors() when none is installed.
+void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
 
 // Puts the hooks back as they were when it was made; for tests.
 class ScopedMessageEditorHooks {

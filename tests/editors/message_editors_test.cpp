@@ -8,9 +8,11 @@
 #include <memory>
 
 #include "platform/controls/form.h"
+#include "platform/host/fb_instances_double.h"
 #include "platform/host/host_context.h"
 #include "sets/send_set.h"
 #include "sets/set_editor_hooks.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -99,6 +101,38 @@ TEST_F(MessageEditorsInstallTest, TheScopedGuardPutsTheHooksBack) {
         messageEditorHooks().SendAdvanced = nullptr;
     }
     EXPECT_TRUE(static_cast<bool>(messageEditorHooks().SendAdvanced));
+}
+
+TEST_F(MessageEditorsInstallTest, InstallingFillsTheSendHookWithTheSendDialog) {
+    installMessageEditors();
+    ASSERT_TRUE(static_cast<bool>(messageEditorHooks().SendEdit));
+    auto instances = std::make_shared<FBInstancesDouble>();
+    instances->Seed(L"Line1");
+    test::MethodStub method(170100, 3);
+    method.itfFBMethod_Init(instances);
+    std::wstring shown;
+    driver.QueueDialog([&](Form& dialog) {
+        shown = dialog.Name();
+        dialog.Hide();
+    });
+    clsProtocolSendSrv set;
+    EXPECT_FALSE(set.Edit(method, instances));
+    EXPECT_EQ(shown, L"frmProtocolSend");
+}
+
+TEST_F(MessageEditorsInstallTest, ASendEditorSetByTheHostStaysAndTheScanHookIsLeftEmpty) {
+    int32_t calls = 0;
+    messageEditorHooks().SendEdit = [&](clsProtocolSendSrv&, itfFBMethod&, InstancesPtr, bool& confirmed) {
+        ++calls;
+        confirmed = true;
+    };
+    installMessageEditors();
+    EXPECT_FALSE(static_cast<bool>(messageEditorHooks().ScanEdit));
+    test::MethodStub method(170100, 3);
+    clsProtocolSendSrv set;
+    EXPECT_TRUE(set.Edit(method, nullptr));
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(driver.PendingDialogs(), 0u);
 }
 
 }  // namespace

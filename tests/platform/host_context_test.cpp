@@ -11,6 +11,20 @@
 namespace qx {
 namespace {
 
+TEST(HostContext, AMessageBoxIsAnsweredByTheScriptAndRecordedAsNumber0WithItsTitleAndStyle) {
+    ScopedHostContext context;
+    context->Script()->QueueAnswer(2);
+    EXPECT_EQ(MsgBox(L"Line one.\r\nLine two.", vbExclamation, L"PROTOCOL"), 2);
+    ASSERT_EQ(context->Messages.size(), 1u);
+    const ShownMessage& box = context->Messages[0];
+    EXPECT_EQ(box.Number, 0);
+    EXPECT_EQ(box.Text, L"Line one.\r\nLine two.");
+    EXPECT_EQ(box.Title, L"PROTOCOL");
+    EXPECT_EQ(box.Style, 48);
+    EXPECT_EQ(box.Answer, 2);
+    EXPECT_TRUE(box.Params.empty());
+}
+
 TEST(HostContext, ScopedContextReplacesAndRestores) {
     HostContext* outer = &host();
     {

@@ -32,11 +32,16 @@ struct ErrorReport {
 };
 
 // One message shown through ShowMessage, with the answer it got.
+// A plain message box (MsgBox) has Number 0 and carries its own title and
+// style; a numbered message of the host's text table has neither.
 struct ShownMessage {
     int32_t Number = 0;
     std::vector<std::wstring> Params;
     std::wstring Text;
     int32_t Answer = 0;
+    std::wstring Title;
+    // The MsgBox style: buttons plus icon, e.g. vbExclamation (48).
+    int32_t Style = 0;
 };
 
 struct Font {

@@ -205,6 +205,16 @@ void systemBeep() {
     if (host().Driver) host().Driver->Beep();
 }
 
+int32_t MsgBox(const std::wstring& Prompt, int32_t Buttons, const std::wstring& Title) {
+    ShownMessage message;
+    message.Text = Prompt;
+    message.Title = Title;
+    message.Style = Buttons;
+    message.Answer = host().Driver ? host().Driver->AnswerMessage(message) : 1;
+    host().Messages.push_back(message);
+    return message.Answer;
+}
+
 int32_t GetDeviceCaps(int32_t index) {
     host().DeviceCapsAsked.push_back(index);
     if (index == 88) return host().DpiX;

@@ -76,6 +76,15 @@ uint32_t GetPrivateProfileStringA(const std::string& section, const std::string&
 // The system beep.
 void systemBeep();
 
+// MsgBox styles.
+inline constexpr int32_t vbOKOnly = 0;
+inline constexpr int32_t vbExclamation = 48;
+
+// A plain message box with its own text and title, outside the host's text
+// table: shown through the modal driver and recorded with the host's
+// messages as number 0. Returns the button pressed (1 is OK).
+int32_t MsgBox(const std::wstring& Prompt, int32_t Buttons, const std::wstring& Title);
+
 // GetDeviceCaps of the screen: 88 horizontal, 90 vertical pixels per inch;
 // any other index answers 0.
 int32_t GetDeviceCaps(int32_t index);
