@@ -232,6 +232,8 @@ public:
         // A column is as narrow as the grid says: a message grid's are 20 pixels.
         view.horizontalHeader()->setMinimumSectionSize(1);
         view.setWordWrap(false);
+        // Two hexadecimal digits in a 20-pixel cell are shown whole, never as "...".
+        view.setTextElideMode(Qt::ElideNone);
         // MouseMove is the grid's also while no button is down.
         view.viewport()->setMouseTracking(true);
         view.viewport()->installEventFilter(this);

@@ -46,14 +46,22 @@ private:
 // A control of the dialog that a band shows in its place: its widget (bound
 // to the control like any other) moves into the toolbar and, when the band
 // lets it go, back to where it was, hidden, never deleted.
+//
+// The widget can stand in one container only: a second one (the overflow
+// menu of a toolbar too narrow for its tools) shows the action without it.
+// QWidgetAction's destructor deletes what it created, so the action gives
+// the widget back first.
 class ControlAction : public QWidgetAction {
 public:
     ControlAction(QWidget& widget, QObject* parent)
         : QWidgetAction(parent), widget_(&widget), home_(widget.parentWidget()) {}
+    ~ControlAction() override {
+        for (QWidget* shown : createdWidgets()) releaseWidget(shown);
+    }
 
 protected:
     QWidget* createWidget(QWidget* parent) override {
-        if (!widget_) return nullptr;
+        if (!widget_ || !createdWidgets().isEmpty()) return nullptr;
         widget_->setParent(parent);
         return widget_;
     }
