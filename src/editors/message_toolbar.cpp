@@ -27,7 +27,7 @@ constexpr ToolText mainTools[] = {
     {tools::ID_AppendMsg, L"Append message", L"list-add"},
     {tools::ID_DeleteMsg, L"Delete message", L"list-remove"},
     {nullptr, nullptr, nullptr},
-    {tools::ID_ClearAll, L"Clear All Messages", L"edit-clear-all"},
+    {tools::ID_ClearAll, L"Clear All Messages", L"edit-delete"},
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPointer>
+#include <QStandardPaths>
 #include <QTableView>
 #include <QTimer>
 #include <QToolBar>
@@ -24,6 +25,25 @@ namespace qx {
 namespace {
 
 constexpr int twipsPerPixel = 15;
+
+// The tools name their icons by the freedesktop names. A desktop's platform
+// theme names its icon theme; where there is none (offscreen, a bare window
+// manager) the system's icon folders are searched and Adwaita, which the
+// scripts install, is used.
+void useIconThemeFallback() {
+    static const bool done = [] {
+        if (!QIcon::themeName().isEmpty()) return true;
+        QStringList paths = QIcon::themeSearchPaths();
+        for (const QString& dir :
+             QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
+                                       QStandardPaths::LocateDirectory))
+            if (!paths.contains(dir)) paths << dir;
+        QIcon::setThemeSearchPaths(paths);
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+        return true;
+    }();
+    (void)done;
+}
 
 bool is(std::string_view property, std::string_view name) { return property.empty() || property == name; }
 
@@ -78,6 +98,7 @@ private:
 class ToolBarBinding : public ControlBinding {
 public:
     ToolBarBinding(ToolBar& bar, QToolBar& widget) : ControlBinding(bar, widget), bar_(bar), widget_(widget) {
+        useIconThemeFallback();
         start();
     }
     ~ToolBarBinding() override {

@@ -106,6 +106,17 @@ TEST_F(ToolBarBindingTest, TheDockedBandShowsItsLabelItsListAndItsButtonsInOrder
     EXPECT_EQ(list->itemText(0), QStringLiteral("Config1"));
 }
 
+TEST_F(ToolBarBindingTest, ToolsWithoutIconsShowTheirCaptionsAndWithIconsTheIconsAlone) {
+    EXPECT_EQ(toolbar->toolButtonStyle(), Qt::ToolButtonTextOnly);
+    // Icons by their freedesktop names, from the desktop's theme or, offscreen, from Adwaita.
+    const std::pair<const wchar_t*, const wchar_t*> icons[] = {
+        {L"ID_Cut", L"edit-cut"}, {L"ID_Copy", L"edit-copy"}, {L"ID_Paste", L"edit-paste"}, {L"ID_ClearAll", L"edit-delete"}};
+    for (const auto& [id, icon] : icons) form.abSend.Bands(L"MainToolBar").Tools(id).Icon(icon);
+    for (const auto& [id, icon] : icons) EXPECT_FALSE(actionOf(QString::fromWCharArray(id))->icon().isNull()) << icon;
+    EXPECT_EQ(toolbar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+    EXPECT_EQ(actionOf(QStringLiteral("ID_Cut"))->toolTip(), QStringLiteral("Cut message"));
+}
+
 TEST_F(ToolBarBindingTest, AClickOnAButtonIsTheModelsToolClick) {
     auto* button = qobject_cast<QToolButton*>(toolbar->widgetForAction(actionOf(QStringLiteral("ID_Copy"))));
     ASSERT_NE(button, nullptr);
