@@ -700,6 +700,71 @@ TEST_F(WorkbenchTest, ACopyBufferIsPlacedWithItsFormatFollowingTheDestinationAnd
     EXPECT_EQ(host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands(), (Bytes{2, 0}));
 }
 
+// What the first message of a Send image says, read back through a Send set.
+std::wstring firstSendMessage(const Bytes& image) {
+    clsProtocolSendSrv set;
+    set.BinaryData(image);
+    std::wstring text = set.GetMessage(1)->MessageString();
+    return text.substr(0, text.find_last_not_of(L' ') + 1);
+}
+
+TEST_F(WorkbenchTest, ASerialSendIsTypedIntoItsGridSavedReopenedAndEditedAgain) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    QString configShown;
+    test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        configShown = dialog.findChild<QComboBox*>(QStringLiteral("cbInstanceName"))->currentText();
+        auto* grid = dialog.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("WQ"));
+        QTest::keyClick(grid, Qt::Key_Backspace);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+    doubleClick(*window->Palette(), paletteItem(*window->Palette(), 170103));
+    ASSERT_EQ(host->Nets()[0].Operations.size(), 2u);
+    const MethodPtr send = host->Nets()[0].Operations[1];
+    EXPECT_EQ(configShown, QStringLiteral("Printer"));
+    EXPECT_EQ(send->itfFBMethod_FatherInstanceName(), L"Printer");
+    EXPECT_EQ(firstSendMessage(send->itfFBMethod_BinaryOperands()), L"W");
+
+    const QString file = QString::fromStdString((folder.path() / "send.qxfbproj").string());
+    ASSERT_TRUE(window->SaveFile(file));
+    window.reset();
+    host->Clear();
+    window = std::make_unique<WorkbenchWindow>(*host);
+    window->show();
+    ASSERT_TRUE(window->OpenFile(file));
+    const Bytes saved = host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands();
+    QTreeWidgetItem* block = window->Ladder()->topLevelItem(0)->child(1);
+
+    // Edited again: Home, then "P" in front; OK.
+    test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        auto* grid = dialog.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(grid, Qt::Key_Home);
+        QTest::keyClicks(grid, QStringLiteral("P"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    });
+    window->Ladder()->setCurrentItem(block);
+    doubleClick(*window->Ladder(), block);
+    EXPECT_EQ(firstSendMessage(host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands()), L"PW");
+
+    // And once more, cancelled: the image stays byte for byte.
+    const Bytes confirmed = host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands();
+    EXPECT_NE(confirmed, saved);
+    test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        auto* grid = dialog.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("ZZ"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    doubleClick(*window->Ladder(), block);
+    EXPECT_EQ(host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands(), confirmed);
+}
+
 TEST_F(WorkbenchTest, ClosingWithUnsavedChangesAsksAndCancelKeepsTheWindow) {
     host->AddNet();
     test::onModal(QStringLiteral("UnsavedChanges"), [](QWidget& box) {
