@@ -26,6 +26,9 @@
 #include "component/com_server.h"
 #include "component/registry.h"
 #include "component_loader.h"
+#include "editors/frm_protocol_send.h"
+#include "field_editors/frm_protocol_hex_selector.h"
+#include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
@@ -211,6 +214,73 @@ void scriptCopyBufferPerson(HostContext& context) {
     });
 }
 
+// The person in the control-character selector takes the code and OK.
+ScriptedModalDriver::DialogScript controlCharPerson(int32_t code) {
+    return [code](Form& form) {
+        auto* dialog = dynamic_cast<frmProtocolHexSelector*>(&form);
+        if (!dialog) return;
+        dialog->flgLowChars.UserClick(code + 1, 0);
+        dialog->cmdOk.UserClick();
+    };
+}
+
+// The person's part of a new serial Send on that Config, the requests to a
+// weighing scale: message 0 "W" CR LF asks for the weight, message 1 "T", a
+// numeric field from MI 12 and CR LF sets the tare; STX 02 and ETX 03 from
+// the selector, and the message chosen by MI 5.
+void scriptSendPerson(HostContext& context) {
+    ScriptedModalDriver* person = context.Script();
+    if (!person) throw std::runtime_error("the component's host context has no scripted person");
+    person->QueueDialog([person](Form& form) {
+        auto* dialog = dynamic_cast<frmProtocolSend*>(&form);
+        if (!dialog) return;
+        Grid& grid = dialog->FlgSend;
+        ToolBar& bar = dialog->abSend;
+        std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already\n";
+        auto controlChar = [&](int32_t code) {
+            person->QueueDialog(controlCharPerson(code));
+            bar.UserClickTool(L"ID_ControlChar");
+            grid.UserKeyDown(keys::Right, 0);
+        };
+        grid.UserKeyPress('W');
+        controlChar(13);
+        controlChar(10);
+        std::cout << "  Person: types W and places CR LF in message 0\n";
+        bar.UserClickTool(L"ID_AppendMsg");
+        grid.UserMoveTo(1, 1);
+        grid.UserKeyPress('T');
+        person->QueuePick(OperandChoice{1, 3, 12, 0, L"Tare"});
+        person->QueueDialog([](Form& fieldForm) {
+            auto* field = dynamic_cast<frmProtocolVars*>(&fieldForm);
+            if (!field) return;
+            field->tbSMSVars.UserSelect(2);
+            field->cmdLink.UserClick();
+            field->cmdOk.UserClick();
+        });
+        bar.UserClickTool(L"ID_NewVar");
+        int32_t end = grid.Col();
+        while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
+        grid.UserMoveTo(1, end);
+        controlChar(13);
+        controlChar(10);
+        std::cout << "  Person: appends message 1: T, a numeric field linked to MI 12, CR LF\n";
+        dialog->ckSendSTX.UserClick();
+        person->QueueDialog(controlCharPerson(2));
+        dialog->flgSendSTX.UserDoubleClick(0, 0);
+        dialog->ckSendETX.UserClick();
+        person->QueueDialog(controlCharPerson(3));
+        dialog->flgSendETX.UserDoubleClick(0, 0);
+        std::cout << "  Person: STX " << u8(dialog->flgSendSTX.TextMatrix(0, 0)) << ", ETX "
+                  << u8(dialog->flgSendETX.TextMatrix(0, 0)) << ", end of message "
+                  << u8(dialog->lbSendETXEndOfMsg.Caption()) << "\n";
+        person->QueuePick(OperandChoice{1, 3, 5, 0, L"Request"});
+        dialog->cmdOpMsgNumToSend.UserClick();
+        std::cout << "  Person: links the message number to " << u8(dialog->lbOpMsgNumToSend.Caption())
+                  << ", presses OK\n";
+        dialog->cmdOK.UserClick();
+    });
+}
+
 // One address parameter typed into the address dialog: a constant, or the MI picked for it.
 ScriptedModalDriver::DialogScript addressPerson(const std::wstring& constant) {
     return [constant](Form& form) {
@@ -295,8 +365,8 @@ int demo(const Options& options) {
     std::cout << "Component: " << component.Path() << "\n";
     std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
 
-    MethodPtr config, copy, ethConfig;
-    Bytes image, copyImage, addressTable;
+    MethodPtr config, copy, send, ethConfig;
+    Bytes image, copyImage, sendImage, addressTable;
     try {
         GUID clsid{};
         component.CLSIDFromProgID(L"QxFBCom2.clsGate", &clsid);
@@ -346,6 +416,21 @@ int demo(const Options& options) {
         std::cout << "  FatherInstanceName: " << u8(copy->itfFBMethod_FatherInstanceName()) << "\n";
         copyImage = copy->itfFBMethod_BinaryOperands();
 
+        std::cout << "\nNew serial Send\n";
+        scriptSendPerson(*context);
+        send = serial->itfFBFather_GetFBMethodObject(170103);
+        send->itfFBMethod_Init(instances);
+        send->itfFBMethod_CreateDummyOperands();
+        send->itfFBMethod_BuildOperands();
+        send->itfFBMethod_EditOperands();
+        if (send->itfFBMethod_IsCanceled()) {
+            std::cerr << "qxfb: the Send dialog ended without OK\n";
+            return 1;
+        }
+        printOperands("OperandsForFindOnly", send->itfFBMethod_OperandsForFindOnly());
+        std::cout << "  FatherInstanceName: " << u8(send->itfFBMethod_FatherInstanceName()) << "\n";
+        sendImage = send->itfFBMethod_BinaryOperands();
+
         std::cout << "\nNew TCP/IP Config\n";
         scriptTcpIpConfigPerson(*context);
         FatherPtr tcpip = gate->itfFBGate_GetFatherObject(170200);
@@ -373,9 +458,11 @@ int demo(const Options& options) {
     }
     config.reset();
     copy.reset();
+    send.reset();
     ethConfig.reset();
     if (component.CanUnloadNow() != S_OK) std::cerr << "qxfb: objects of the component are still alive\n";
     printAddressTable(addressTable);
+    std::cout << "Send image bytes: " << sendImage.size() << "\n";
     std::cout << "Copy buffer image: " << hexBytes(copyImage) << "\n";
     std::cout << "BinaryOperands: " << hexBytes(image) << std::endl;
     return 0;
