@@ -464,9 +464,15 @@ private:
         return false;
     }
 
+    // The grid tells "ColWidth" without the column: a message grid building
+    // its 501 columns tells it 501 times, so only widths that differ are set.
     void showWidths() {
-        for (int32_t c = 0; c < grid_.Cols(); ++c)
-            if (grid_.ColWidth(c) > 0) view_.setColumnWidth(c, grid_.ColWidth(c) / twipsPerPixel);
+        const int32_t cols = std::min(grid_.Cols(), model_.columnCount());
+        for (int32_t c = 0; c < cols; ++c) {
+            const int32_t twips = grid_.ColWidth(c);
+            if (twips > 0 && view_.columnWidth(c) != twips / twipsPerPixel)
+                view_.setColumnWidth(c, twips / twipsPerPixel);
+        }
     }
 
     void showCurrent() {
