@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QPaintEvent>
 #include <QTableView>
 #include <memory>
 #include <stdexcept>
@@ -34,15 +35,20 @@ constexpr size_t messageModelBytes =
 constexpr int viewWidth = 960;
 constexpr int viewHeight = 360;
 
-// Counts the paint events of the view's viewport: a frame is painted when
-// the count moves.
+// Counts the paint events of the view's viewport, and the pixels they
+// cover: a frame is painted when the count moves.
 class PaintCounter : public QObject {
 public:
     int Paints = 0;
+    double Pixels = 0;
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++Paints;
+        if (event->type() == QEvent::Paint) {
+            ++Paints;
+            for (const QRect& rect : static_cast<QPaintEvent*>(event)->region())
+                Pixels += static_cast<double>(rect.width()) * rect.height();
+        }
         return false;
     }
 };
@@ -91,6 +97,7 @@ void BM_GridViewTypedCharacter(benchmark::State& state) {
     QKeyEvent key(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("X"));
     CopyRatio ratio(state, sendImageSizeOf(*full), messageModelBytes);
     int32_t typed = 0;
+    double pixels = 0;
     ratio.start();
     for (auto _ : state) {
         if (typed == FullMessageSlack) {
@@ -106,13 +113,19 @@ void BM_GridViewTypedCharacter(benchmark::State& state) {
             state.ResumeTiming();
         }
         QApplication::sendEvent(&form.view, &key);
+        const double before = form.painted.Pixels;
         form.frame();
+        pixels += form.painted.Pixels - before;
         ++typed;
     }
     ratio.finish();
     if (messages[0]->MessageString().front() != L'X') throw std::logic_error("the key did not reach the message");
     state.counters["fields"] = messages[0]->NumberOfVars();
     state.counters["beeps"] = host->BeepCount;
+    // The share of the viewport a typed character has painted again.
+    state.counters["painted_share"] =
+        pixels / static_cast<double>(state.iterations()) /
+        (static_cast<double>(form.view.viewport()->width()) * form.view.viewport()->height());
 }
 
 void BM_GridViewFullRebuild255Rows(benchmark::State& state) {
