@@ -625,7 +625,8 @@ TEST(ControlModel, ObserverMayUnsubscribeItselfWhileBeingToldAndTheOthersStillHe
     label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
     label.Caption(L"x");
     label.Enabled(false);
-    EXPECT_EQ(heard, (std::vector<std::string>{"first Caption", "first still runs", "second Caption", "second Enabled"}));
+    EXPECT_EQ(heard,
+              (std::vector<std::string>{"first Caption", "first still runs", "second Caption", "second Enabled"}));
 }
 
 TEST(ControlModel, ObserverSubscribedWhileAChangeIsToldHearsTheNextChangeOnly) {
@@ -688,7 +689,8 @@ TEST(ControlModel, AnObserverThatThrowsLeavesTheListWorking) {
         label.Unsubscribe(thrower);
         throw std::runtime_error("observer failed");
     });
-    secondToken = label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
+    secondToken =
+        label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
     label.Subscribe([&](std::string_view property) { heard.push_back("third " + std::string(property)); });
     EXPECT_THROW(label.Caption(L"x"), std::runtime_error);
     EXPECT_TRUE(heard.empty());
