@@ -98,18 +98,28 @@ public:
     void reset() {
         beginResetModel();
         takeShape();
+        announcedRow_ = -1;
         endResetModel();
     }
     // Only the row that changed is asked for again, when the grid says which.
+    // A row is announced once until the view paints: the view reads the
+    // cells when it paints, so the row's further changes until then (a
+    // message row painted anew changes each of its 500 cells) need no word.
     void textChanged(int32_t row) {
         if (row >= grid_.FixedRows() && row - grid_.FixedRows() < rowCount() && columnCount() > 0) {
-            emit dataChanged(index(row - grid_.FixedRows(), 0), index(row - grid_.FixedRows(), columnCount() - 1));
+            const int viewRow = row - grid_.FixedRows();
+            if (viewRow == announcedRow_) return;
+            announcedRow_ = viewRow;
+            emit dataChanged(index(viewRow, 0), index(viewRow, columnCount() - 1));
             return;
         }
+        announcedRow_ = -1;
         if (rowCount() > 0 && columnCount() > 0)
             emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
         emit headerDataChanged(Qt::Horizontal, 0, std::max(0, columnCount() - 1));
     }
+    // The view is painting: what changes from now on is announced again.
+    void painted() { announcedRow_ = -1; }
 
 private:
     void takeShape() {
@@ -121,6 +131,8 @@ private:
     QWidget& view_;
     int rows_ = 0;
     int cols_ = 0;
+    // The view row announced since the view last painted, or -1.
+    int announcedRow_ = -1;
 };
 
 // Paints the ellipsis button on the current cell and makes the cell editor.
@@ -269,9 +281,15 @@ protected:
             view_.setSelectionBehavior(grid_.SelectionMode() == Grid::SelectionByRow ? QAbstractItemView::SelectRows
                                                                                      : QAbstractItemView::SelectItems);
         if (is(property, "Cells") || is(property, "Current") || is(property, "SelectionMode") || redrawn) showCurrent();
-        if (is(property, "ComboList") || is(property, "Current") || is(property, "ColComboList") ||
-            is(property, "Editing"))
+        if (is(property, "ComboList") || is(property, "ColComboList") || is(property, "Editing"))
             view_.viewport()->update();
+        // The current cell's buttons: only the cell left and the cell come to are painted again.
+        if (property == "Current") {
+            updateCell(currentRow_, currentCol_);
+            updateCell(grid_.Row(), grid_.Col());
+        }
+        currentRow_ = grid_.Row();
+        currentCol_ = grid_.Col();
         if (is(property, "Editing") || is(property, "Cells") || redrawn) showEditor();
         if (is(property, "EditText")) showEditText();
         if (is(property, "MouseIcon")) {
@@ -308,6 +326,10 @@ private:
 
     bool viewportEvent(QEvent* event) {
         const auto type = event->type();
+        if (type == QEvent::Paint) {
+            model_.painted();
+            return false;
+        }
         if (type == QEvent::MouseMove) {
             auto* mouse = static_cast<QMouseEvent*>(event);
             const QModelIndex index = view_.indexAt(mouse->position().toPoint());
@@ -444,9 +466,15 @@ private:
         return false;
     }
 
+    // The grid tells "ColWidth" without the column: a message grid building
+    // its 501 columns tells it 501 times, so only widths that differ are set.
     void showWidths() {
-        for (int32_t c = 0; c < grid_.Cols(); ++c)
-            if (grid_.ColWidth(c) > 0) view_.setColumnWidth(c, grid_.ColWidth(c) / twipsPerPixel);
+        const int32_t cols = std::min(grid_.Cols(), model_.columnCount());
+        for (int32_t c = 0; c < cols; ++c) {
+            const int32_t twips = grid_.ColWidth(c);
+            if (twips > 0 && view_.columnWidth(c) != twips / twipsPerPixel)
+                view_.setColumnWidth(c, twips / twipsPerPixel);
+        }
     }
 
     void showCurrent() {
@@ -490,6 +518,7 @@ private:
     // grid's logical area (as the editor computed it from the cells' twips at
     // the screen's dots per inch) and repaints.
     void showCaret() {
+        const CaretInCell before = caret_;
         caret_ = CaretInCell{};
         const CaretState& caret = host_->Caret;
         if (caret.Window == grid_.hWnd() && caret.Shown && grid_.Rows() > 0 && grid_.Cols() > 0) {
@@ -510,7 +539,18 @@ private:
             caret_.Width = std::max(1, caret.Width);
             caret_.Height = std::min(caret.Height, cellHeight > 0 ? cellHeight : caret.Height);
         }
-        view_.viewport()->update();
+        // Only the cells the caret left and came to are painted again.
+        if (before.Row == caret_.Row && before.Col == caret_.Col && before.X == caret_.X && before.Y == caret_.Y &&
+            before.Width == caret_.Width && before.Height == caret_.Height)
+            return;
+        updateCell(before.Row, before.Col);
+        updateCell(caret_.Row, caret_.Col);
+    }
+
+    void updateCell(int32_t row, int32_t col) {
+        if (row < 0 || col < 0) return;
+        const QModelIndex index = model_.viewIndex(row, col);
+        if (index.isValid()) view_.viewport()->update(view_.visualRect(index));
     }
 
     void closeEditor() {
@@ -525,6 +565,9 @@ private:
     Grid& grid_;
     QTableView& view_;
     CaretInCell caret_;
+    // The current cell the view was last told of.
+    int32_t currentRow_ = -1;
+    int32_t currentCol_ = -1;
     GridTableModel model_;
     GridDelegate delegate_;
     HostContext* host_;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cwctype>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -609,6 +610,99 @@ TEST(ControlModel, ObserverMayUnsubscribeAnotherWhileBeingTold) {
     secondToken = label.Subscribe([&](std::string_view) { ++second; });
     label.Caption(L"x");
     EXPECT_EQ(second, 0);
+}
+
+TEST(ControlModel, ObserverMayUnsubscribeItselfWhileBeingToldAndTheOthersStillHear) {
+    Label label(L"lbl");
+    std::vector<std::string> heard;
+    int firstToken = 0;
+    firstToken = label.Subscribe([&](std::string_view property) {
+        heard.push_back("first " + std::string(property));
+        label.Unsubscribe(firstToken);
+        // Its captures are still there after it went away.
+        heard.push_back("first still runs");
+    });
+    label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
+    label.Caption(L"x");
+    label.Enabled(false);
+    EXPECT_EQ(heard,
+              (std::vector<std::string>{"first Caption", "first still runs", "second Caption", "second Enabled"}));
+}
+
+TEST(ControlModel, ObserverSubscribedWhileAChangeIsToldHearsTheNextChangeOnly) {
+    Label label(L"lbl");
+    std::vector<std::string> heard;
+    bool subscribed = false;
+    label.Subscribe([&](std::string_view property) {
+        heard.push_back("first " + std::string(property));
+        if (subscribed) return;
+        subscribed = true;
+        // Enough new observers to move the list while this one runs.
+        for (int n = 0; n < 64; ++n) label.Subscribe([](std::string_view) {});
+        label.Subscribe([&](std::string_view later) { heard.push_back("late " + std::string(later)); });
+        heard.push_back("first after subscribing " + std::string(property));
+    });
+    label.Caption(L"x");
+    EXPECT_EQ(heard, (std::vector<std::string>{"first Caption", "first after subscribing Caption"}));
+    label.Enabled(false);
+    EXPECT_EQ(heard, (std::vector<std::string>{"first Caption", "first after subscribing Caption", "first Enabled",
+                                               "late Enabled"}));
+}
+
+TEST(ControlModel, AChangeMadeWhileAnotherIsToldIsToldToEveryObserverFirst) {
+    Label label(L"lbl");
+    std::vector<std::string> heard;
+    label.Subscribe([&](std::string_view property) {
+        heard.push_back("first " + std::string(property));
+        if (property == "Caption") label.Enabled(false);
+    });
+    label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
+    label.Caption(L"x");
+    EXPECT_EQ(heard, (std::vector<std::string>{"first Caption", "first Enabled", "second Enabled", "second Caption"}));
+}
+
+TEST(ControlModel, ObserverUnsubscribedDuringAnInnerChangeMissesTheRestOfTheOuterOne) {
+    Label label(L"lbl");
+    std::vector<std::string> heard;
+    int thirdToken = 0;
+    label.Subscribe([&](std::string_view property) {
+        if (property == "Caption") label.Enabled(false);
+    });
+    label.Subscribe([&](std::string_view property) {
+        heard.push_back("second " + std::string(property));
+        if (property == "Enabled") label.Unsubscribe(thirdToken);
+    });
+    thirdToken = label.Subscribe([&](std::string_view property) { heard.push_back("third " + std::string(property)); });
+    label.Caption(L"x");
+    EXPECT_EQ(heard, (std::vector<std::string>{"second Enabled", "second Caption"}));
+    label.Visible(false);
+    EXPECT_EQ(heard, (std::vector<std::string>{"second Enabled", "second Caption", "second Visible"}));
+}
+
+TEST(ControlModel, AnObserverThatThrowsLeavesTheListWorking) {
+    Label label(L"lbl");
+    std::vector<std::string> heard;
+    int secondToken = 0;
+    int thrower = 0;
+    thrower = label.Subscribe([&](std::string_view) {
+        label.Unsubscribe(secondToken);
+        label.Unsubscribe(thrower);
+        throw std::runtime_error("observer failed");
+    });
+    secondToken =
+        label.Subscribe([&](std::string_view property) { heard.push_back("second " + std::string(property)); });
+    label.Subscribe([&](std::string_view property) { heard.push_back("third " + std::string(property)); });
+    EXPECT_THROW(label.Caption(L"x"), std::runtime_error);
+    EXPECT_TRUE(heard.empty());
+    // Both went away for good; a token unsubscribed now is gone at once.
+    label.Enabled(false);
+    EXPECT_EQ(heard, (std::vector<std::string>{"third Enabled"}));
+    int fourth = 0;
+    const int fourthToken = label.Subscribe([&](std::string_view) { ++fourth; });
+    label.Unsubscribe(fourthToken);
+    label.Visible(false);
+    EXPECT_EQ(fourth, 0);
+    EXPECT_EQ(heard, (std::vector<std::string>{"third Enabled", "third Visible"}));
 }
 
 class FontlessControl : public Control {

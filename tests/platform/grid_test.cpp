@@ -77,6 +77,23 @@ TEST_F(GridTest, ResizingKeepsTheTextOfCellsThatStay) {
     EXPECT_EQ(runtimeErrorOf([&] { (void)grid.TextMatrix(2, 0); }), err::InvalidPropertyArrayIndex);
 }
 
+TEST_F(GridTest, RowsThatGoAndComeBackAreEmptyAndTheOthersKeepTheirTextsAndColours) {
+    grid.TextMatrix(1, 1, L"a long text");
+    grid.TextMatrix(3, 1, L"another long text");
+    grid.CellBackColor(3, 2, 255);
+    grid.Rows(2);
+    grid.Rows(4);
+    EXPECT_EQ(grid.TextMatrix(1, 1), L"a long text");
+    EXPECT_EQ(grid.TextMatrix(0, 2), L"0,2");
+    EXPECT_EQ(grid.TextMatrix(3, 1), L"");
+    EXPECT_EQ(grid.TextMatrix(2, 0), L"");
+    EXPECT_EQ(grid.CellBackColor(3, 2), grid.BackColor());
+    // The same shape again changes nothing.
+    grid.Rows(4);
+    EXPECT_EQ(grid.TextMatrix(1, 1), L"a long text");
+    EXPECT_EQ(grid.TextMatrix(1, 2), L"1,2");
+}
+
 TEST_F(GridTest, ShrinkingBelowTheCurrentRowMovesItToTheLastRow) {
     grid.Select(3, 2);
     grid.Rows(3);

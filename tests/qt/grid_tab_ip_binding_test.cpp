@@ -250,6 +250,26 @@ TEST_F(MessageGridBindingTest, ACellChangeAsksTheViewForItsRowOnly) {
     EXPECT_EQ(at(2, 5).data().toString(), QStringLiteral("A"));
 }
 
+TEST_F(MessageGridBindingTest, ARowIsAnnouncedOnceUntilTheViewPaintsIt) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QApplication::processEvents();
+    QSignalSpy changed(grid->model(), &QAbstractItemModel::dataChanged);
+    form.FlgScan.TextMatrix(2, 5, L"A");
+    form.FlgScan.TextMatrix(2, 6, L"B");
+    form.FlgScan.CellBackColor(2, 7, 255);
+    ASSERT_EQ(changed.count(), 1);
+    form.FlgScan.TextMatrix(3, 5, L"C");
+    ASSERT_EQ(changed.count(), 2);
+    EXPECT_EQ(changed[1][0].value<QModelIndex>(), at(3, 0));
+    grid->viewport()->repaint();
+    form.FlgScan.TextMatrix(3, 6, L"D");
+    ASSERT_EQ(changed.count(), 3);
+    EXPECT_EQ(changed[2][0].value<QModelIndex>(), at(3, 0));
+    EXPECT_EQ(changed[2][1].value<QModelIndex>(), at(3, 11));
+    EXPECT_EQ(at(2, 6).data().toString(), QStringLiteral("B"));
+    EXPECT_EQ(at(3, 6).data().toString(), QStringLiteral("D"));
+}
+
 TEST_F(MessageGridBindingTest, WhileRedrawIsOffTheViewKeepsItsShapeAndCatchesUpWhenItIsOn) {
     form.FlgScan.Redraw(false);
     EXPECT_FALSE(grid->updatesEnabled());

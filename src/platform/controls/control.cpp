@@ -9,22 +9,45 @@
 namespace qx {
 
 int32_t Observable::Subscribe(Observer observer) {
-    int32_t token = nextToken_++;
-    observers_.emplace_back(token, std::move(observer));
+    const int32_t token = nextToken_++;
+    observers_.push_back({token, std::make_unique<Observer>(std::move(observer))});
     return token;
 }
 
 void Observable::Unsubscribe(int32_t token) {
-    std::erase_if(observers_, [token](const auto& entry) { return entry.first == token; });
+    if (token == 0) return;
+    if (notifying_ == 0) {
+        std::erase_if(observers_, [token](const Entry& entry) { return entry.Token == token; });
+        return;
+    }
+    // A notify loop is walking the list by place: the entry stays, marked,
+    // and its observer lives on, since it may be the one that is running.
+    for (Entry& entry : observers_)
+        if (entry.Token == token) {
+            entry.Token = 0;
+            unsubscribedWhileTold_ = true;
+        }
 }
 
 void Observable::notify(std::string_view property) {
-    // A copy, so that observers may subscribe and unsubscribe while told.
-    auto observers = observers_;
-    for (const auto& [token, observer] : observers) {
-        bool stillThere = std::any_of(observers_.begin(), observers_.end(),
-                                      [token = token](const auto& entry) { return entry.first == token; });
-        if (stillThere && observer) observer(property);
+    // Those who subscribe while told are appended after the end taken here;
+    // those who unsubscribe are only marked, so every place stays where it was.
+    struct Depth {
+        Observable& Told;
+        explicit Depth(Observable& told) : Told(told) { ++Told.notifying_; }
+        ~Depth() {
+            if (--Told.notifying_ > 0 || !Told.unsubscribedWhileTold_) return;
+            Told.unsubscribedWhileTold_ = false;
+            std::erase_if(Told.observers_, [](const Entry& entry) { return entry.Token == 0; });
+        }
+    } depth(*this);
+    const size_t end = observers_.size();
+    for (size_t i = 0; i < end; ++i) {
+        // Read anew at each place: the list may have grown, and moved, meanwhile.
+        const Entry& entry = observers_[i];
+        if (entry.Token == 0 || !*entry.Call) continue;
+        Observer& observer = *entry.Call;
+        observer(property);
     }
 }
 

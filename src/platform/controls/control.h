@@ -6,6 +6,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -47,11 +48,19 @@ inline constexpr uint32_t WindowText = 0x80000008;
 }  // namespace colour
 
 // Observers hear the name of each property that changed ("Text", "Enabled",
-// "List" ...), after the change and before any event it raises. An observer
-// may unsubscribe itself, or others, while it is being told.
+// "List" ...), after the change and before any event it raises, in the order
+// they subscribed. An observer may unsubscribe itself, or others, while it is
+// being told: one that is gone is not told again, not even the rest of a
+// change in progress. One that subscribes while a change is told hears the
+// next change, not this one. A change told while another is being told (an
+// observer that changes the control) is told to every observer in full
+// before the first one goes on.
 class Observable {
 public:
     using Observer = std::function<void(std::string_view property)>;
+
+    Observable(const Observable&) = delete;
+    Observable& operator=(const Observable&) = delete;
 
     int32_t Subscribe(Observer observer);
     void Unsubscribe(int32_t token);
@@ -59,11 +68,22 @@ public:
 protected:
     Observable() = default;
     ~Observable() = default;
+    // Costs no allocation: a control's views hear every cell a grid paints.
     void notify(std::string_view property);
 
 private:
-    std::vector<std::pair<int32_t, Observer>> observers_;
+    // An observer lives apart from the list, so that the list may grow while
+    // the observer runs; one unsubscribed while changes are told keeps Token
+    // 0 until the outermost notify is done, so that places in the list stay.
+    struct Entry {
+        int32_t Token;
+        std::unique_ptr<Observer> Call;
+    };
+    std::vector<Entry> observers_;
     int32_t nextToken_ = 1;
+    // How many notify calls are under way, one inside the other.
+    int32_t notifying_ = 0;
+    bool unsubscribedWhileTold_ = false;
 };
 
 class Form;

@@ -108,16 +108,24 @@ void Grid::Redraw(bool value) {
 void Grid::resize(int32_t rows, int32_t cols) {
     if (rows < 0 || cols < 0) raiseError(err::InvalidPropertyValue);
     if (editing_) FinishEditing();
-    std::vector<Cell> cells(static_cast<size_t>(rows) * static_cast<size_t>(cols));
-    for (int32_t r = 0; r < rows_; ++r)
-        for (int32_t c = 0; c < cols_; ++c) {
-            Cell& old = cell(r, c);
-            if (r < rows && c < cols)
-                cells[static_cast<size_t>(r) * static_cast<size_t>(cols) + static_cast<size_t>(c)] = old;
-            else
-                clearCell(old);
-        }
-    cells_ = std::move(cells);
+    if (cols == cols_) {
+        // The rows stay where they are: only those that go are emptied.
+        for (auto it = cells_.begin() + static_cast<std::ptrdiff_t>(std::min(rows, rows_)) * cols; it != cells_.end();
+             ++it)
+            clearCell(*it);
+        cells_.resize(static_cast<size_t>(rows) * static_cast<size_t>(cols));
+    } else {
+        std::vector<Cell> cells(static_cast<size_t>(rows) * static_cast<size_t>(cols));
+        for (int32_t r = 0; r < rows_; ++r)
+            for (int32_t c = 0; c < cols_; ++c) {
+                Cell& old = cell(r, c);
+                if (r < rows && c < cols)
+                    cells[static_cast<size_t>(r) * static_cast<size_t>(cols) + static_cast<size_t>(c)] = old;
+                else
+                    clearCell(old);
+            }
+        cells_ = std::move(cells);
+    }
     rows_ = rows;
     cols_ = cols;
     colWidths_.resize(static_cast<size_t>(cols), 0);
