@@ -279,6 +279,40 @@ TEST_F(FrmEthProtocolSendTest, ALostConfigIsHostMessage141AndOKWaitsForAChoice) 
     EXPECT_EQ(shownMessages(), std::vector<int32_t>{141});
 }
 
+TEST_F(FrmEthProtocolSendTest, ClearAllAsks142AndLeavesOneRowWithTheLinksAsTheyWere) {
+    stored();
+    messages({L"A", L"B", L"C"});
+    linkedMessageNumber();
+    edit([&](frmEthProtocolSend& dialog) {
+        const std::wstring number = dialog.lbOpMsgNumToSend.Caption();
+        const std::wstring flag = dialog.lbOpMsgsucceeded.Caption();
+        dialog.abSend.UserClickTool(tools::ID_ClearAll);
+        EXPECT_EQ(dialog.FlgSend.Rows(), 1);
+        EXPECT_EQ(set->NumberOfMessages(), 1);
+        // No AfterMessageCountChanged after a ClearAll.
+        EXPECT_TRUE(dialog.lbOpMsgNumToSend.Visible());
+        EXPECT_EQ(dialog.lbOpMsgNumToSend.Caption(), number);
+        EXPECT_EQ(dialog.lbOpMsgsucceeded.Caption(), flag);
+        EXPECT_EQ(dialog.ActiveControl(), &dialog.FlgSend);
+    });
+    EXPECT_EQ(shownMessages(), std::vector<int32_t>{142});
+}
+
+TEST_F(FrmEthProtocolSendTest, TheDialogLoadsWithTheSendIconTheDialogFontAndTheListOnTheToolbar) {
+    stored();
+    messages({L"A"});
+    edit([](frmEthProtocolSend& dialog) {
+        ASSERT_TRUE(dialog.Icon());
+        EXPECT_EQ(dialog.Icon()->Pixels, GetDialogIcon(302)->Pixels);
+        EXPECT_EQ(dialog.abSend.Font(), dialog.Font());
+        EXPECT_EQ(dialog.abSend.MenuFont(), dialog.Font());
+        Tool* list = dialog.abSend.Bands(tools::MainToolBar).FindTool(L"cbInstanceName");
+        ASSERT_NE(list, nullptr);
+        EXPECT_EQ(list->Custom(), &dialog.cbInstanceName);
+        EXPECT_EQ(dialog.cbInstanceName.List(0), L"Socket1");
+    });
+}
+
 // --- OK's checks ---
 
 TEST_F(FrmEthProtocolSendTest, TheChecksRun143Then144ThenTheLongSegmentBoxAndStopAtTheFirst) {
