@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "editors/frm_eth_protocol_send.h"
 #include "editors/frm_protocol_send.h"
 #include "editors/frm_protocol_send_advanced.h"
 #include "sets/set_editor_hooks.h"
@@ -18,6 +19,11 @@ void installMessageEditors() {
                                 bool& pConfirmed) {
             frmProtocolSendAdvanced().Edit(std::move(pOpCopyDestination), std::move(pOpCopyWhenOn), pCopyBytesCount,
                                            pConfirmed);
+        };
+    if (!hooks.EthSendEdit)
+        hooks.EthSendEdit = [](clsEthProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                               bool& pConfirmed) {
+            frmEthProtocolSend().Edit(pSendSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
         };
     if (!hooks.SendEdit)
         hooks.SendEdit = [](clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,

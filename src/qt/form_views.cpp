@@ -7,6 +7,7 @@
 
 #include "ui_frm_eth_address_param.h"
 #include "ui_frm_eth_protocol_config.h"
+#include "ui_frm_eth_protocol_send.h"
 #include "ui_frm_protocol_config.h"
 #include "ui_frm_protocol_config_advanced.h"
 #include "ui_frm_protocol_copy_bytes.h"
@@ -38,6 +39,7 @@ const std::map<std::wstring, SetUp>& views() {
         {L"frmProtocolVars", setUp<Ui::frmProtocolVars>},
         {L"frmProtocolSendAdvanced", setUp<Ui::frmProtocolSendAdvanced>},
         {L"frmProtocolSend", setUp<Ui::frmProtocolSend>},
+        {L"frmEthProtocolSend", setUp<Ui::frmEthProtocolSend>},
     };
     return table;
 }

@@ -83,7 +83,11 @@ void clsProtocolSendSrv::BinaryData(const Bytes& value) { readSendImage(*this, v
 bool clsProtocolSendSrv::Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances) {
     SetHostObjects(&pFBMethod, pFBInstances);
     bool confirmed = false;
-    runSendEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
+    // Each family has its own dialog: the TCP/IP one has no framing.
+    if (family_ == Family::Ethernet)
+        runEthSendEditor(static_cast<clsEthProtocolSendSrv&>(*this), pFBMethod, std::move(pFBInstances), confirmed);
+    else
+        runSendEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
     // The set keeps no reference to the host beyond its edit.
     SetHostObjects(nullptr, nullptr);
     if (confirmed) {

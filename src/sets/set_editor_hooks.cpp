@@ -21,6 +21,17 @@ void runSendAdvancedEditor(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhen
     editor(std::move(pOpCopyDestination), std::move(pOpCopyWhenOn), pCopyBytesCount, pConfirmed);
 }
 
+void runEthSendEditor(clsEthProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                      bool& pConfirmed) {
+    const EthSendEditor& editor = messageEditorHooks().EthSendEdit;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No TCP/IP Send dialog is installed: a program that links QxFBCom2::core itself must call "
+                           L"qx::installMessageEditors() from editors/message_editors.h once before editing a TCP/IP "
+                           L"Send operation, or set qx::messageEditorHooks().EthSendEdit to an editor of its own.");
+    editor(pSendSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+}
+
 void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed) {
     const SendEditor& editor = messageEditorHooks().SendEdit;
     if (!editor)

@@ -15,6 +15,7 @@
 namespace qx {
 
 class clsProtocolSendSrv;
+class clsEthProtocolSendSrv;
 class clsProtocolScanSrv;
 
 // The copy after the ETX of a serial Send: edits the two operands in place
@@ -23,6 +24,11 @@ class clsProtocolScanSrv;
 // whether to take it.
 using SendAdvancedEditor = std::function<void(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn,
                                               int32_t& pCopyBytesCount, bool& pConfirmed)>;
+
+// The Send dialog of a TCP/IP Send set, in the shape of SendEditor: a
+// dialog without framing, which also links the operation's block operand.
+using EthSendEditor = std::function<void(clsEthProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod,
+                                         InstancesPtr pFBInstances, bool& pConfirmed)>;
 
 // The Send dialog of a serial Send set: the dialog edits pSendSrv itself
 // (a scratch copy of the operation's image) and writes the chosen Config
@@ -38,6 +44,7 @@ using ScanEditor = std::function<void(clsProtocolScanSrv& pScanSrv, itfFBMethod&
 
 struct MessageEditorHooks {
     SendAdvancedEditor SendAdvanced;
+    EthSendEditor EthSendEdit;
     SendEditor SendEdit;
     // Not filled yet: no Scan dialog is installed by installMessageEditors().
     ScanEditor ScanEdit;
@@ -51,6 +58,11 @@ MessageEditorHooks& messageEditorHooks();
 // description that tells the program to call installMessageEditors().
 void runSendAdvancedEditor(OperandPtr pOpCopyDestination, OperandPtr pOpCopyWhenOn, int32_t& pCopyBytesCount,
                            bool& pConfirmed);
+
+// Runs the TCP/IP Send dialog on the set; RuntimeError(91) naming
+// installMessageEditors() when none is installed.
+void runEthSendEditor(clsEthProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                      bool& pConfirmed);
 
 // Runs the Send dialog on the set; RuntimeError(91) naming
 // installMessageEditors() when none is installed.

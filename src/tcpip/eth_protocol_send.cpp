@@ -1,5 +1,7 @@
 #include "tcpip/eth_protocol_send.h"
 
+#include <memory>
+
 #include "sets/send_set.h"
 
 namespace qx {
@@ -28,8 +30,24 @@ FBMethodInfo ethSendInfo() {
 
 clsEthProtocolSend::clsEthProtocolSend() : FBMethodBase(ethSendInfo()) {}
 
-// The dialog-driven edit arrives with the message editors.
-void clsEthProtocolSend::itfFBMethod_EditOperands() {}
+void clsEthProtocolSend::itfFBMethod_EditOperands() {
+    auto srv = std::make_unique<clsEthProtocolSendSrv>();
+    newOperandsForFindOnly();
+    if (!itfFBMethod_IsNew()) srv->BinaryData(itfFBMethod_BinaryOperands());
+
+    // The set fills OperandsForFindOnly itself on OK. The Config chosen in
+    // the dialog and the link of the block operand are in the operation
+    // already, whichever way the dialog ends.
+    if (srv->Edit(*this, Instances())) {
+        itfFBMethod_IsCanceled(false);
+        setBinaryOperands(srv->BinaryData());
+    } else {
+        itfFBMethod_IsCanceled(true);
+    }
+
+    srv.reset();
+    if (!itfFBMethod_IsCanceled()) setIsNew(false);
+}
 
 void clsEthProtocolSend::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
                                                 int32_t pNewOpAddress) {
