@@ -761,6 +761,9 @@ TEST_F(WorkbenchTest, ASerialSendIsTypedIntoItsGridSavedReopenedAndEditedAgain) 
         QTest::keyClicks(grid, QStringLiteral("ZZ"));
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
     });
+    // The ladder is drawn anew after an edit: the Send's block is looked up again.
+    block = window->Ladder()->topLevelItem(0)->child(1);
+    window->Ladder()->setCurrentItem(block);
     doubleClick(*window->Ladder(), block);
     EXPECT_EQ(host->Nets()[0].Operations[1]->itfFBMethod_BinaryOperands(), confirmed);
 }
