@@ -6,7 +6,8 @@
 namespace qx {
 
 // Installs frmProtocolSendAdvanced as the Send advanced editor and
-// frmProtocolSend as the Send editor, each only where messageEditorHooks()
+// frmProtocolSend as the Send editor and frmProtocolScan as the Scan
+// editor, each only where messageEditorHooks()
 // holds no editor yet: a host that set its own keeps
 // it. The component calls it at every class object it hands out, next to
 // installFieldEditors(); a program that links the core without the
