@@ -52,8 +52,8 @@ public:
         return instances->Seed(L"Line1");
     }
 
-    // A placed Scan whose operands are linked: MI 10, MW 20 and (when
-    // third) MW 21.
+    // A placed Scan whose operands are linked: the flag 10 (type 1), MI 20 and
+    // (when third) MI 21.
     int32_t linked(bool third = true) {
         const int32_t config = fresh();
         linkOperand(*operand(1), 1, 10);
