@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "editors/frm_eth_protocol_send.h"
+#include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "editors/frm_protocol_send_advanced.h"
 #include "sets/set_editor_hooks.h"
@@ -30,7 +31,11 @@ void installMessageEditors() {
                             bool& pConfirmed) {
             frmProtocolSend().Edit(pSendSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
         };
-    // ScanEdit stays empty until the Scan dialog is written.
+    if (!hooks.ScanEdit)
+        hooks.ScanEdit = [](clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                            bool& pConfirmed) {
+            frmProtocolScan().Edit(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+        };
 }
 
 }  // namespace qx

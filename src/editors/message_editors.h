@@ -7,7 +7,7 @@ namespace qx {
 
 // Installs frmProtocolSendAdvanced as the Send advanced editor and
 // frmProtocolSend as the Send editor (frmEthProtocolSend for a TCP/IP
-// Send), each only where messageEditorHooks()
+// Send) and frmProtocolScan as the Scan editor, each only where messageEditorHooks()
 // holds no editor yet: a host that set its own keeps
 // it. The component calls it at every class object it hands out, next to
 // installFieldEditors(); a program that links the core without the

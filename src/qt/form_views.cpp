@@ -12,6 +12,7 @@
 #include "ui_frm_protocol_config_advanced.h"
 #include "ui_frm_protocol_copy_bytes.h"
 #include "ui_frm_protocol_hex_selector.h"
+#include "ui_frm_protocol_scan.h"
 #include "ui_frm_protocol_send.h"
 #include "ui_frm_protocol_send_advanced.h"
 #include "ui_frm_protocol_vars.h"
@@ -40,6 +41,7 @@ const std::map<std::wstring, SetUp>& views() {
         {L"frmProtocolSendAdvanced", setUp<Ui::frmProtocolSendAdvanced>},
         {L"frmProtocolSend", setUp<Ui::frmProtocolSend>},
         {L"frmEthProtocolSend", setUp<Ui::frmEthProtocolSend>},
+        {L"frmProtocolScan", setUp<Ui::frmProtocolScan>},
     };
     return table;
 }

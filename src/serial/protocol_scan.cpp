@@ -1,5 +1,7 @@
 #include "serial/protocol_scan.h"
 
+#include <memory>
+
 #include "sets/scan_set.h"
 
 namespace qx {
@@ -32,8 +34,23 @@ FBMethodInfo scanInfo() {
 
 clsProtocolscan::clsProtocolscan() : FBMethodBase(scanInfo()) {}
 
-// The dialog-driven edit arrives with the message editors.
-void clsProtocolscan::itfFBMethod_EditOperands() {}
+void clsProtocolscan::itfFBMethod_EditOperands() {
+    auto srv = std::make_unique<clsProtocolScanSrv>();
+    newOperandsForFindOnly();
+    if (!itfFBMethod_IsNew()) srv->BinaryData(itfFBMethod_BinaryOperands());
+
+    // The dialog links the three OutOperands in place and writes the chosen
+    // Config into the operation at once: both stay after a Cancel.
+    if (srv->Edit(*this, Instances())) {
+        itfFBMethod_IsCanceled(false);
+        setBinaryOperands(srv->BinaryData());
+    } else {
+        itfFBMethod_IsCanceled(true);
+    }
+
+    srv.reset();
+    if (!itfFBMethod_IsCanceled()) setIsNew(false);
+}
 
 void clsProtocolscan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
                                              int32_t pNewOpAddress) {

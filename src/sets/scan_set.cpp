@@ -1,8 +1,11 @@
 #include "sets/scan_set.h"
 
+#include <utility>
+
 #include "message/editor_hooks.h"
 #include "message/protocol_cs_var.h"
 #include "sets/scan_image.h"
+#include "sets/set_editor_hooks.h"
 
 namespace qx {
 
@@ -16,6 +19,19 @@ clsProtocolScanSrv::clsProtocolScanSrv(int32_t initialMessageLengthValue)
 Bytes clsProtocolScanSrv::BinaryData() { return writeScanImage(*this); }
 
 void clsProtocolScanSrv::BinaryData(const Bytes& value) { readScanImage(*this, value); }
+
+bool clsProtocolScanSrv::Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances) {
+    SetHostObjects(&pFBMethod, pFBInstances);
+    bool confirmed = false;
+    runScanEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
+    // The set keeps no reference to the host beyond its edit.
+    SetHostObjects(nullptr, nullptr);
+    if (confirmed) {
+        OperandCollectionPtr findOnly = pFBMethod.itfFBMethod_OperandsForFindOnly();
+        if (findOnly) AddOperandsToFindOnly(*findOnly);
+    }
+    return confirmed;
+}
 
 void clsProtocolScanSrv::ShowHelp() { hostObjects_.ShowHelp(); }
 

@@ -57,6 +57,10 @@ public:
     bool InsertMessage(int32_t pMessageNumber) { return messages_.InsertMessage(pMessageNumber); }
     // Asks host message 157 first.
     bool DeleteMessage(int32_t pMessageNumber) { return messages_.DeleteMessage(pMessageNumber); }
+    // Opens the Scan dialog on this set (through the ScanEdit hook) and
+    // answers whether the person confirmed it. On OK the operands of every
+    // message go into the operation's OperandsForFindOnly.
+    bool Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances);
     // The family's help: the method id cut to a multiple of 100.
     void ShowHelp();
     MessagePtr GetMessage(int32_t pMessageNumber) const { return messages_.GetMessage(pMessageNumber); }

@@ -42,4 +42,14 @@ void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, Instanc
     editor(pSendSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
 }
 
+void runScanEditor(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed) {
+    const ScanEditor& editor = messageEditorHooks().ScanEdit;
+    if (!editor)
+        throw RuntimeError(err::ObjectNotSet, L"QxFBCom2",
+                           L"No Scan dialog is installed: a program that links QxFBCom2::core itself must call "
+                           L"qx::installMessageEditors() from editors/message_editors.h once before editing a Scan "
+                           L"operation, or set qx::messageEditorHooks().ScanEdit to an editor of its own.");
+    editor(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+}
+
 }  // namespace qx

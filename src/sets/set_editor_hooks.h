@@ -37,8 +37,8 @@ using EthSendEditor = std::function<void(clsEthProtocolSendSrv& pSendSrv, itfFBM
 // gets pConfirmed false and no dialog.
 using SendEditor = std::function<void(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
                                       bool& pConfirmed)>;
-// The Scan dialog of a serial Scan set, in the same shape; the Scan set's
-// Edit will run it once the Scan dialog exists.
+// The Scan dialog of a serial Scan set, in the same shape; it also links the
+// operation's three OutOperands in place, which a Cancel does not undo.
 using ScanEditor = std::function<void(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
                                       bool& pConfirmed)>;
 
@@ -46,7 +46,6 @@ struct MessageEditorHooks {
     SendAdvancedEditor SendAdvanced;
     EthSendEditor EthSendEdit;
     SendEditor SendEdit;
-    // Not filled yet: no Scan dialog is installed by installMessageEditors().
     ScanEditor ScanEdit;
 };
 
@@ -67,6 +66,10 @@ void runEthSendEditor(clsEthProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, I
 // Runs the Send dialog on the set; RuntimeError(91) naming
 // installMessageEditors() when none is installed.
 void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
+
+// Runs the Scan dialog on the set; RuntimeError(91) naming
+// installMessageEditors() when none is installed.
+void runScanEditor(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
 
 // Puts the hooks back as they were when it was made; for tests.
 class ScopedMessageEditorHooks {

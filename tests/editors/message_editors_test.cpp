@@ -120,14 +120,14 @@ TEST_F(MessageEditorsInstallTest, InstallingFillsTheSendHookWithTheSendDialog) {
     EXPECT_EQ(shown, L"frmProtocolSend");
 }
 
-TEST_F(MessageEditorsInstallTest, ASendEditorSetByTheHostStaysAndTheScanHookIsLeftEmpty) {
+TEST_F(MessageEditorsInstallTest, ASendEditorSetByTheHostStaysAndTheEmptyScanHookIsFilled) {
     int32_t calls = 0;
     messageEditorHooks().SendEdit = [&](clsProtocolSendSrv&, itfFBMethod&, InstancesPtr, bool& confirmed) {
         ++calls;
         confirmed = true;
     };
     installMessageEditors();
-    EXPECT_FALSE(static_cast<bool>(messageEditorHooks().ScanEdit));
+    EXPECT_TRUE(static_cast<bool>(messageEditorHooks().ScanEdit));
     test::MethodStub method(170100, 3);
     clsProtocolSendSrv set;
     EXPECT_TRUE(set.Edit(method, nullptr));

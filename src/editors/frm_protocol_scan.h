@@ -1,0 +1,140 @@
+// The serial Scan dialog: the messages a Scan operation waits for in FlgScan
+// (column 1 each message's length), the start of text, the terminator by
+// which the controller finds the end of a received message (end of text,
+// a fixed message length or a silence on the line), and the links of the
+// three operands the Scan reports into. It edits the set it is given, a
+// scratch copy of the operation's image, and the three operands of the
+// operation's OutOperands in place: a Cancel leaves the set for the
+// operation to drop, but a link once made stays.
+#pragma once
+#include <cstdint>
+
+#include "editors/framing_grid.h"
+#include "editors/message_dialog.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/controls.h"
+#include "platform/controls/grid.h"
+#include "platform/controls/toolbar.h"
+
+namespace qx {
+
+class clsProtocolScanSrv;
+
+class frmProtocolScan : public MessageDialog {
+public:
+    static constexpr int32_t ClearAllMessage = 147;
+    static constexpr int32_t NoMessagesMessage = 148;
+
+    frmProtocolScan();
+
+    // Keeps the objects and loads the instance list. With no instance, or
+    // with a sole instance and an operation without operands, pConfirmed is
+    // false and nothing is shown. Otherwise LoadDialog, the modal run, and
+    // pConfirmed := DialogResult.
+    void Edit(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
+
+    ToolBar& abScan;
+    Frame SSPanel1{L"SSPanel1"};
+    Grid& FlgScan;
+    Frame Frame1{L"Frame1"};
+    CheckBox ckSTX{L"ckSTX"};
+    Label lbSTXLength{L"lbSTXLength"};
+    ComboBox cbSTXLength{L"cbSTXLength"};
+    Label lbSTX{L"lbSTX"};
+    Grid flgSTX{L"flgSTX"};
+    Frame Frame4{L"Frame4"};
+    OptionButton opEndOfText{L"opEndOfText"};
+    OptionButton opMessageLength{L"opMessageLength"};
+    OptionButton opSilenceTime{L"opSilenceTime"};
+    Frame Frame2{L"Frame2"};
+    Label lbETXLength{L"lbETXLength"};
+    ComboBox cbETXLength{L"cbETXLength"};
+    Label lbETX{L"lbETX"};
+    Grid flgETX{L"flgETX"};
+    CommandButton cmdAdvanced{L"cmdAdvanced"};
+    Label lbETXEndOfMsg{L"lbETXEndOfMsg"};
+    Frame Frame3{L"Frame3"};
+    ComboBox cbMessageLength{L"cbMessageLength"};
+    Frame Frame5{L"Frame5"};
+    ComboBox cbSilenceTime{L"cbSilenceTime"};
+    Label Label1{L"Label1"};
+    Label lbOpFail{L"lbOpFail"};
+    CommandButton cmdFailLink{L"cmdFailLink"};
+    Label Label3{L"Label3"};
+    Label lblOpReceived{L"lblOpReceived"};
+    CommandButton cmdOpReceived{L"cmdOpReceived"};
+    Label Label2{L"Label2"};
+    Label lbOpMessageNum{L"lbOpMessageNum"};
+    CommandButton cmdOpMessageNum{L"cmdOpMessageNum"};
+
+    // Set when the form loads; cleared once the links of a fresh Scan have
+    // been offered at the first activation.
+    bool FirstActivation = false;
+
+    // The set of the edit in progress; RuntimeError(91) outside an edit.
+    clsProtocolScanSrv& scanSet() const;
+
+    void ckSTX_Click();
+    void cbSTXLength_Click();
+    void cbETXLength_Click();
+    void cbMessageLength_Click();
+    void cbSilenceTime_Click();
+    void opEndOfText_Click();
+    void opMessageLength_Click();
+    void opSilenceTime_Click();
+    void flgSTX_KeyPress(int32_t& KeyAscii);
+    void flgSTX_KeyDown(int32_t& KeyCode, int32_t Shift);
+    void flgSTX_DblClick();
+    void flgETX_KeyPress(int32_t& KeyAscii);
+    void flgETX_KeyDown(int32_t& KeyCode, int32_t Shift);
+    void flgETX_DblClick();
+    void cmdAdvanced_Click();
+    void cmdFailLink_Click();
+    void lbOpFail_DblClick();
+    void cmdOpReceived_Click();
+    void lblOpReceived_DblClick();
+    void cmdOpMessageNum_Click();
+    void lbOpMessageNum_DblClick();
+
+    // The count of the operation's InOperands and OutOperands.
+    int32_t GetOperandCount() const;
+
+    // Every framing and terminator control off: disabled, the disabled
+    // colour, lists without selection, ckSTX and the options unchecked and
+    // disabled.
+    void ResetFramingControls();
+    void EnableETXControls(bool on);
+    void EnableMessageLength(bool on);
+    void EnableSilenceTime(bool on);
+
+    // OK needs a Config instance and the first two operands linked; the
+    // index of the received message may stay open.
+    void UpdateOKEnabled() override;
+    bool ValidateMessages() override;
+
+    void Form_Load() override;
+    void Form_Activate() override;
+
+protected:
+    void LoadDialog() override;
+    void loadOwnControls() override;
+    bool fillsListAfterSoleInstance() override { return GetOperandCount() != 0; }
+    void dropReferences() override;
+
+private:
+    // Item k (1 to 3) of OutOperands; nullptr when the host gave fewer.
+    clsOperand* outOperand(int32_t k) const;
+    void linkItem(int32_t k);
+    bool isNewItem(int32_t k) const;
+    Label& itemLabel(int32_t k);
+    void showEndOfMessage();
+    void enableList(ComboBox& list, bool on);
+    void showSTX();
+    void showETX();
+
+    FramingGrid stxBytes_;
+    FramingGrid etxBytes_;
+    clsProtocolScanSrv* set_ = nullptr;
+};
+
+}  // namespace qx
