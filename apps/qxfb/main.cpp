@@ -229,6 +229,33 @@ ScriptedModalDriver::DialogScript controlCharPerson(int32_t code) {
     };
 }
 
+// The weighing scale's two requests typed into a message grid whose text
+// starts in column firstCol: message 0 "W" CR LF, then an appended message 1
+// "T", a field placed by ID_NewVar (the field person fills the field dialog)
+// and CR LF. Control characters come from the selector through ID_ControlChar.
+void typeScaleRequests(ScriptedModalDriver& person, Grid& grid, ToolBar& bar, int32_t firstCol,
+                       ScriptedModalDriver::DialogScript fieldPerson) {
+    auto controlChar = [&](int32_t code) {
+        person.QueueDialog(controlCharPerson(code));
+        bar.UserClickTool(L"ID_ControlChar");
+        grid.UserKeyDown(keys::Right, 0);
+    };
+    grid.UserKeyPress('W');
+    controlChar(13);
+    controlChar(10);
+    bar.UserClickTool(L"ID_AppendMsg");
+    grid.UserMoveTo(1, firstCol);
+    grid.UserKeyPress('T');
+    person.QueueDialog(std::move(fieldPerson));
+    bar.UserClickTool(L"ID_NewVar");
+    // A field's cells show "1"; the end characters follow the field.
+    int32_t end = grid.Col();
+    while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
+    grid.UserMoveTo(1, end);
+    controlChar(13);
+    controlChar(10);
+}
+
 // The person's part of a new serial Send on that Config, the requests to a
 // weighing scale: message 0 "W" CR LF asks for the weight, message 1 "T", a
 // numeric field from MI 12 and CR LF sets the tare; STX 02 and ETX 03 from
@@ -239,35 +266,16 @@ void scriptSendPerson(HostContext& context) {
     person->QueueDialog([person](Form& form) {
         auto* dialog = dynamic_cast<frmProtocolSend*>(&form);
         if (!dialog) return;
-        Grid& grid = dialog->FlgSend;
-        ToolBar& bar = dialog->abSend;
         std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already\n";
-        auto controlChar = [&](int32_t code) {
-            person->QueueDialog(controlCharPerson(code));
-            bar.UserClickTool(L"ID_ControlChar");
-            grid.UserKeyDown(keys::Right, 0);
-        };
-        grid.UserKeyPress('W');
-        controlChar(13);
-        controlChar(10);
-        std::cout << "  Person: types W and places CR LF in message 0\n";
-        bar.UserClickTool(L"ID_AppendMsg");
-        grid.UserMoveTo(1, 1);
-        grid.UserKeyPress('T');
         person->QueuePick(OperandChoice{1, 3, 12, 0, L"Tare"});
-        person->QueueDialog([](Form& fieldForm) {
+        typeScaleRequests(*person, dialog->FlgSend, dialog->abSend, 1, [](Form& fieldForm) {
             auto* field = dynamic_cast<frmProtocolVars*>(&fieldForm);
             if (!field) return;
             field->tbSMSVars.UserSelect(2);
             field->cmdLink.UserClick();
             field->cmdOk.UserClick();
         });
-        bar.UserClickTool(L"ID_NewVar");
-        int32_t end = grid.Col();
-        while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
-        grid.UserMoveTo(1, end);
-        controlChar(13);
-        controlChar(10);
+        std::cout << "  Person: types W and places CR LF in message 0\n";
         std::cout << "  Person: appends message 1: T, a numeric field linked to MI 12, CR LF\n";
         dialog->ckSendSTX.UserClick();
         person->QueueDialog(controlCharPerson(2));
@@ -301,26 +309,13 @@ void scriptScanPerson(HostContext& context) {
     person->QueueDialog([person](Form& form) {
         auto* dialog = dynamic_cast<frmProtocolScan*>(&form);
         if (!dialog) return;
-        Grid& grid = dialog->FlgScan;
-        ToolBar& bar = dialog->abScan;
         std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already; links "
                   << u8(dialog->lbOpFail.Caption()) << ", " << u8(dialog->lblOpReceived.Caption()) << ", "
                   << u8(dialog->lbOpMessageNum.Caption()) << "\n";
-        auto controlChar = [&](int32_t code) {
-            person->QueueDialog(controlCharPerson(code));
-            bar.UserClickTool(L"ID_ControlChar");
-            grid.UserKeyDown(keys::Right, 0);
-        };
-        grid.UserKeyPress('W');
-        controlChar(13);
-        controlChar(10);
-        bar.UserClickTool(L"ID_AppendMsg");
-        // Column 1 is each message's length; its text starts in column 2.
-        grid.UserMoveTo(1, 2);
-        grid.UserKeyPress('T');
         person->QueuePick(OperandChoice{1, 3, 53, 0, L"Tare in"});
         person->QueuePick(OperandChoice{1, 3, 54, 0, L"Tare decimals"});
-        person->QueueDialog([](Form& fieldForm) {
+        // Column 1 is each message's length; its text starts in column 2.
+        typeScaleRequests(*person, dialog->FlgScan, dialog->abScan, 2, [](Form& fieldForm) {
             auto* field = dynamic_cast<frmProtocolVars*>(&fieldForm);
             if (!field) return;
             field->ScanNumeric.cbScanLength.UserSelect(4);
@@ -328,12 +323,6 @@ void scriptScanPerson(HostContext& context) {
             field->ScanNumeric.cmdDecimalPointOp.UserClick();
             field->cmdOk.UserClick();
         });
-        bar.UserClickTool(L"ID_NewVar");
-        int32_t end = grid.Col();
-        while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
-        grid.UserMoveTo(1, end);
-        controlChar(13);
-        controlChar(10);
         std::cout << "  Person: types the two requests, the tare as a field into MI 53\n";
         dialog->ckSTX.UserClick();
         person->QueueDialog(controlCharPerson(2));

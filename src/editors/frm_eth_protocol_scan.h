@@ -32,15 +32,6 @@ public:
     ToolBar& abScan;
     Frame SSPanel1{L"SSPanel1"};
     Grid& FlgScan;
-    Label Label1{L"Label1"};
-    Label lbOpFail{L"lbOpFail"};
-    CommandButton cmdFailLink{L"cmdFailLink"};
-    Label Label3{L"Label3"};
-    Label lblOpReceived{L"lblOpReceived"};
-    CommandButton cmdOpReceived{L"cmdOpReceived"};
-    Label Label2{L"Label2"};
-    Label lbOpMessageNum{L"lbOpMessageNum"};
-    CommandButton cmdOpMessageNum{L"cmdOpMessageNum"};
     Label Label6{L"Label6"};
     Label lbIpListIndex{L"lbIpListIndex"};
     CommandButton cmdIpListIndex{L"cmdIpListIndex"};
@@ -48,16 +39,10 @@ public:
     Label lbIpStartOfVector{L"lbIpStartOfVector"};
     CommandButton cmdIpStartOfVector{L"cmdIpStartOfVector"};
 
-    void cmdFailLink_Click();
-    void lbOpFail_DblClick();
-    void cmdOpReceived_Click();
-    void lblOpReceived_DblClick();
-    void cmdOpMessageNum_Click();
-    void lbOpMessageNum_DblClick();
-    void cmdIpListIndex_Click();
-    void lbIpListIndex_DblClick();
-    void cmdIpStartOfVector_Click();
-    void lbIpStartOfVector_DblClick();
+    void cmdIpListIndex_Click() { linkItem(4); }
+    void lbIpListIndex_DblClick() { linkItem(4); }
+    void cmdIpStartOfVector_Click() { linkItem(5); }
+    void lbIpStartOfVector_DblClick() { linkItem(5); }
 
     // Something to download (148), no empty message before a used one
     // (144), no fixed-text run above 255 characters; in that order.

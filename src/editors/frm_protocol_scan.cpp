@@ -18,7 +18,6 @@ constexpr int32_t maxFramingLength = 4;
 constexpr int32_t maxMessageLength = 500;
 constexpr int32_t defaultSilenceTime = 10;
 constexpr int32_t maxSilenceTime = 2000;
-const wchar_t* const linkToolTip = L"Link Operand to Variable";
 }  // namespace
 
 frmProtocolScan::frmProtocolScan()
@@ -31,12 +30,10 @@ frmProtocolScan::frmProtocolScan()
       etxBytes_(flgETX, gridEditor().IgnoreGridEvents, [this](int32_t pIndex, uint8_t pValue, bool pIsChar) {
           scanSet().SetScanETXValue(pIndex, pValue, pIsChar);
       }) {
-    addControls({&SSPanel1,       &Frame1,          &ckSTX,         &lbSTXLength,     &cbSTXLength,   &lbSTX,
-                 &flgSTX,         &Frame4,          &opEndOfText,   &opMessageLength, &opSilenceTime, &Frame2,
-                 &lbETXLength,    &cbETXLength,     &lbETX,         &flgETX,          &cmdAdvanced,   &lbETXEndOfMsg,
-                 &Frame3,         &cbMessageLength, &Frame5,        &cbSilenceTime,   &Label1,        &lbOpFail,
-                 &cmdFailLink,    &Label3,          &lblOpReceived, &cmdOpReceived,   &Label2,        &lbOpMessageNum,
-                 &cmdOpMessageNum});
+    addControls({&SSPanel1,    &Frame1,          &ckSTX,       &lbSTXLength,     &cbSTXLength,   &lbSTX,
+                 &flgSTX,      &Frame4,          &opEndOfText, &opMessageLength, &opSilenceTime, &Frame2,
+                 &lbETXLength, &cbETXLength,     &lbETX,       &flgETX,          &cmdAdvanced,   &lbETXEndOfMsg,
+                 &Frame3,      &cbMessageLength, &Frame5,      &cbSilenceTime});
     SSPanel1.Caption(L"Protocol Messages");
     FlgScan.Container(&SSPanel1);
     ckSTX.Caption(L"Start Of Text (STX)");
@@ -60,12 +57,6 @@ frmProtocolScan::frmProtocolScan()
     cbSilenceTime.Container(&Frame5);
     cmdAdvanced.Caption(L"End Of Message");
     Label1.Caption(L"Session Complete:");
-    Label3.Caption(L"Number of Bytes received:");
-    Label2.Caption(L"Index of Received Message:");
-    for (CommandButton* link : {&cmdFailLink, &cmdOpReceived, &cmdOpMessageNum}) {
-        link->Caption(L"...");
-        link->ToolTipText(linkToolTip);
-    }
 
     ckSTX.OnClick = [this] { ckSTX_Click(); };
     cbSTXLength.OnClick = [this] { cbSTXLength_Click(); };
@@ -82,14 +73,8 @@ frmProtocolScan::frmProtocolScan()
     flgETX.OnKeyDown = [this](int32_t& KeyCode, int32_t Shift) { flgETX_KeyDown(KeyCode, Shift); };
     flgETX.OnDblClick = [this] { flgETX_DblClick(); };
     cmdAdvanced.OnClick = [this] { cmdAdvanced_Click(); };
-    cmdFailLink.OnClick = [this] { cmdFailLink_Click(); };
-    lbOpFail.OnDblClick = [this] { lbOpFail_DblClick(); };
-    cmdOpReceived.OnClick = [this] { cmdOpReceived_Click(); };
-    lblOpReceived.OnDblClick = [this] { lblOpReceived_DblClick(); };
-    cmdOpMessageNum.OnClick = [this] { cmdOpMessageNum_Click(); };
-    lbOpMessageNum.OnDblClick = [this] { lbOpMessageNum_DblClick(); };
     // The index of the received message may stay open.
-    defineLinks({&lbOpFail, &lblOpReceived, &lbOpMessageNum}, 2);
+    requireLinks(2);
 }
 
 void frmProtocolScan::Edit(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
@@ -330,15 +315,6 @@ void frmProtocolScan::cmdAdvanced_Click() {
     scanSet().EditScanETXAdvanced();
     showEndOfMessage();
 }
-
-// --- Links ---
-
-void frmProtocolScan::cmdFailLink_Click() { linkItem(1); }
-void frmProtocolScan::lbOpFail_DblClick() { linkItem(1); }
-void frmProtocolScan::cmdOpReceived_Click() { linkItem(2); }
-void frmProtocolScan::lblOpReceived_DblClick() { linkItem(2); }
-void frmProtocolScan::cmdOpMessageNum_Click() { linkItem(3); }
-void frmProtocolScan::lbOpMessageNum_DblClick() { linkItem(3); }
 
 // --- OK ---
 

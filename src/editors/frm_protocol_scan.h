@@ -50,15 +50,6 @@ public:
     ComboBox cbMessageLength{L"cbMessageLength"};
     Frame Frame5{L"Frame5"};
     ComboBox cbSilenceTime{L"cbSilenceTime"};
-    Label Label1{L"Label1"};
-    Label lbOpFail{L"lbOpFail"};
-    CommandButton cmdFailLink{L"cmdFailLink"};
-    Label Label3{L"Label3"};
-    Label lblOpReceived{L"lblOpReceived"};
-    CommandButton cmdOpReceived{L"cmdOpReceived"};
-    Label Label2{L"Label2"};
-    Label lbOpMessageNum{L"lbOpMessageNum"};
-    CommandButton cmdOpMessageNum{L"cmdOpMessageNum"};
 
     void ckSTX_Click();
     void cbSTXLength_Click();
@@ -75,12 +66,6 @@ public:
     void flgETX_KeyDown(int32_t& KeyCode, int32_t Shift);
     void flgETX_DblClick();
     void cmdAdvanced_Click();
-    void cmdFailLink_Click();
-    void lbOpFail_DblClick();
-    void cmdOpReceived_Click();
-    void lblOpReceived_DblClick();
-    void cmdOpMessageNum_Click();
-    void lbOpMessageNum_DblClick();
 
     // Every framing and terminator control off: disabled, the disabled
     // colour, lists without selection, ckSTX and the options unchecked and

@@ -10,11 +10,21 @@ namespace qx {
 
 ScanMessageDialog::ScanMessageDialog(std::wstring formName, std::wstring caption)
     : MessageDialog(std::move(formName), std::move(caption), MessageGridKind::Scan, L"FlgScan", L"abScan",
-                    ClearAllMessage) {}
+                    ClearAllMessage) {
+    addLink(1, Label1, lbOpFail, cmdFailLink, L"");
+    addLink(2, Label3, lblOpReceived, cmdOpReceived, L"Number of Bytes received:");
+    addLink(3, Label2, lbOpMessageNum, cmdOpMessageNum, L"Index of Received Message:");
+}
 
-void ScanMessageDialog::defineLinks(std::vector<Label*> displays, int32_t required) {
-    linkDisplays_ = std::move(displays);
-    requiredLinks_ = required;
+void ScanMessageDialog::addLink(int32_t k, Label& caption, Label& display, CommandButton& button, const wchar_t* text) {
+    addControls({&caption, &display, &button});
+    caption.Caption(text);
+    button.Caption(L"...");
+    button.ToolTipText(L"Link Operand to Variable");
+    button.OnClick = [this, k] { linkItem(k); };
+    display.OnDblClick = [this, k] { linkItem(k); };
+    if (static_cast<int32_t>(linkDisplays_.size()) < k) linkDisplays_.resize(static_cast<size_t>(k));
+    linkDisplays_[static_cast<size_t>(k) - 1] = &display;
 }
 
 clsProtocolScanSrv& ScanMessageDialog::scanSet() const {

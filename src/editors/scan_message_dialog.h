@@ -28,6 +28,19 @@ public:
     static constexpr int32_t ClearAllMessage = 147;
     static constexpr int32_t NoMessagesMessage = 148;
 
+    // The links of items 1 to 3, which every Scan has: the flag of a
+    // received message, the number of bytes, the index of the message.
+    // Label1's caption is the dialog's own.
+    Label Label1{L"Label1"};
+    Label lbOpFail{L"lbOpFail"};
+    CommandButton cmdFailLink{L"cmdFailLink"};
+    Label Label3{L"Label3"};
+    Label lblOpReceived{L"lblOpReceived"};
+    CommandButton cmdOpReceived{L"cmdOpReceived"};
+    Label Label2{L"Label2"};
+    Label lbOpMessageNum{L"lbOpMessageNum"};
+    CommandButton cmdOpMessageNum{L"cmdOpMessageNum"};
+
     // Set when the form loads; cleared once the links of a fresh Scan have
     // been offered at the first activation.
     bool FirstActivation = false;
@@ -37,6 +50,14 @@ public:
 
     // The count of the operation's InOperands and OutOperands.
     int32_t GetOperandCount() const;
+
+    // Each link by its button and by a double-click on its label.
+    void cmdFailLink_Click() { linkItem(1); }
+    void lbOpFail_DblClick() { linkItem(1); }
+    void cmdOpReceived_Click() { linkItem(2); }
+    void lblOpReceived_DblClick() { linkItem(2); }
+    void cmdOpMessageNum_Click() { linkItem(3); }
+    void lbOpMessageNum_DblClick() { linkItem(3); }
 
     // OK needs a Config instance and the required links.
     void UpdateOKEnabled() override;
@@ -49,9 +70,11 @@ public:
 protected:
     ScanMessageDialog(std::wstring formName, std::wstring caption);
 
-    // The labels of items 1 to N, in order, and how many of the first items
-    // OK requires.
-    void defineLinks(std::vector<Label*> displays, int32_t required);
+    // Adds a link row (caption, display, button) to the form; link k is the
+    // row's place among the links.
+    void addLink(int32_t k, Label& caption, Label& display, CommandButton& button, const wchar_t* text);
+    // How many of the first links OK requires.
+    void requireLinks(int32_t required) { requiredLinks_ = required; }
 
     // Keeps the set and the host objects, loads the instance list and runs
     // the dialog. With no instance, or with a sole instance and an operation
