@@ -42,6 +42,9 @@ struct ChecksumDefinition {
     uint32_t XorOut = 0;
     // The result over the ASCII text "123456789", as the catalogue publishes it.
     uint32_t Check = 0;
+    // How a checksum in binary form goes on the wire: the least significant
+    // byte first (as Modbus RTU sends its CRC) or the most significant.
+    bool LowByteFirst = false;
 };
 
 // Runs a definition over bytes; the result has the definition's width.
