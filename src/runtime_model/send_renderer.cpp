@@ -13,6 +13,7 @@
 #include "message/protocol_time_var.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "runtime_model/field_codes.h"
 #include "sets/send_set.h"
 
 namespace qx::model {
@@ -101,36 +102,6 @@ std::string hexText(const clsProtocolNumericVar& field, int64_t value, Writer& w
     return fitted(digits(bits, 16), width, field.LeadingZeros(), writer, position);
 }
 
-// Bytes of one stream element; the 2- and 3-byte forms and the "Big" 4-byte
-// form send the most significant byte first, the "Small" form the least.
-void streamElement(int32_t copyBytesFormat, int64_t value, Writer& writer, int32_t position) {
-    const auto u = static_cast<uint64_t>(value);
-    int32_t count = 1;
-    bool smallFirst = false;
-    switch (copyBytesFormat) {
-        case 1:
-            count = 2;
-            break;
-        case 3:
-            count = 3;
-            break;
-        case 2:
-            count = 4;
-            break;
-        case 5:
-            count = 4;
-            smallFirst = true;
-            break;
-        default:
-            count = 1;
-            break;
-    }
-    for (int32_t i = 0; i < count; ++i) {
-        const int32_t shift = 8 * (smallFirst ? i : count - 1 - i);
-        writer.byte(static_cast<uint8_t>(u >> shift), ByteOrigin::Field, position);
-    }
-}
-
 void renderNumeric(const clsProtocolNumericVar& field, int32_t position, const OperandValues& values, Writer& writer) {
     if (field.StreamForm() == 1) {
         int64_t count = field.StreamVectorLength();
@@ -140,8 +111,10 @@ void renderNumeric(const clsProtocolNumericVar& field, int32_t position, const O
                         L" sends nothing");
             return;
         }
-        for (int32_t i = 0; i < count; ++i)
-            streamElement(field.CopyBytesFormat(), valueOf(field.LikedOperand(), values, i), writer, position);
+        const StreamElement element = streamElementOf(field.CopyBytesFormat());
+        std::vector<uint8_t> bytes;
+        for (int32_t i = 0; i < count; ++i) appendElement(element, valueOf(field.LikedOperand(), values, i), bytes);
+        for (uint8_t byte : bytes) writer.byte(byte, ByteOrigin::Field, position);
         return;
     }
     for (int32_t i = 0; i < std::max(1, field.VectorLength()); ++i) {
@@ -188,37 +161,10 @@ std::string timeText(int32_t format, const ModelClock& clock) {
     return format == 0 || format == 1 ? text : std::string{};
 }
 
-// The checksum over bytes [from, to) of what is written so far: the model
-// reads "Offset From (Forward)" as bytes skipped at the front and "Offset
-// Till (Backwards)" as bytes left out at the back; "Set Limits" adds the
-// value to a result between From and To (both included).
-void renderChecksum(const clsProtocolCSVar& checksum, size_t from, size_t to, const ChecksumTable& table,
+void renderChecksum(const clsProtocolCSVar& checksum, size_t afterStart, const ChecksumTable& table,
                     ByteOrigin::Kind kind, int32_t position, Writer& writer) {
-    from += static_cast<size_t>(std::max(0, checksum.OffsetFromForward()));
-    const size_t back = static_cast<size_t>(std::max(0, checksum.OffsetTillBackwards()));
-    to = back > to ? 0 : to - back;
-    const std::vector<uint8_t>& bytes = writer.bytes();
-    uint64_t value = 0;
-    if (from < to) value = table.Compute(checksum.CalculationType(), std::span(bytes).subspan(from, to - from));
-    if (checksum.ModulusType() == 1) value &= 0xFF;
-    if (checksum.ModulusType() == 2) value &= 0xFFFF;
-    if (checksum.SpecialAddition() && static_cast<int64_t>(value) >= checksum.SA_FromValue() &&
-        static_cast<int64_t>(value) <= checksum.SA_ToValue())
-        value += static_cast<uint64_t>(checksum.SA_AddedValue());
-    const int32_t length = std::max(1, checksum.CSLength());
-    if (checksum.FormatView() == 2) {
-        // Binary: CSLength bytes in the order of the calculation's definition.
-        const bool lowFirst = table.Definition(checksum.CalculationType()).LowByteFirst;
-        for (int32_t i = 0; i < length; ++i) {
-            const int32_t byte = lowFirst ? i : length - 1 - i;
-            writer.byte(static_cast<uint8_t>(value >> (8 * std::min(byte, 7))), kind, position);
-        }
-        return;
-    }
-    std::string text = digits(value, checksum.FormatView() == 1 ? 16 : 10);
-    if (static_cast<int32_t>(text.size()) > length) text.erase(0, text.size() - static_cast<size_t>(length));
-    text.insert(0, static_cast<size_t>(length) - text.size(), '0');
-    writer.text(text, kind, position);
+    const uint64_t value = checksumValue(checksum, writer.bytes(), afterStart, table);
+    for (uint8_t byte : checksumBytes(checksum, value, table)) writer.byte(byte, kind, position);
 }
 
 }  // namespace
@@ -274,8 +220,7 @@ RenderedMessage renderSendMessage(const clsProtocolSendSrv& set, int32_t message
             } else if (auto* time = dynamic_cast<clsProtocolTimeVar*>(span.Var.get())) {
                 writer.text(timeText(time->TimeFormatType(), clock), ByteOrigin::Field, position);
             } else if (auto* checksum = dynamic_cast<clsProtocolCSVar*>(span.Var.get())) {
-                const size_t from = checksum->STXInCS() ? 0 : afterStart;
-                renderChecksum(*checksum, from, writer.size(), checksums, ByteOrigin::Field, position, writer);
+                renderChecksum(*checksum, afterStart, checksums, ByteOrigin::Field, position, writer);
             }
         }
     }
@@ -289,8 +234,7 @@ RenderedMessage renderSendMessage(const clsProtocolSendSrv& set, int32_t message
         };
         const auto sum = [&] {
             if (!checksum) return;
-            const size_t from = checksum->STXInCS() ? 0 : afterStart;
-            renderChecksum(*checksum, from, writer.size(), checksums, ByteOrigin::EndChecksum, -1, writer);
+            renderChecksum(*checksum, afterStart, checksums, ByteOrigin::EndChecksum, -1, writer);
         };
         if (set.EndOfSendMessageType() == EndChecksumThenEtx) sum();
         etx();
