@@ -93,73 +93,96 @@ std::optional<Number> parseDecimal(ByteView text, bool signAllowed) {
     return number;
 }
 
+}  // namespace
+
+struct CompiledSegment {
+    bool IsText = true;
+    int32_t StartPosition = 0;
+    std::vector<uint8_t> Text;
+    VarPtr Field;
+    // The first byte of the text that follows a field, where a field of no
+    // fixed length ends.
+    std::optional<uint8_t> Next;
+};
+
+struct CompiledMessage {
+    int32_t Number = 0;
+    int32_t Length = 0;
+    std::vector<CompiledSegment> Segments;
+};
+
+namespace {
+
+// The fixed text a message begins with, for the index; at most this long.
+constexpr size_t LeadingKey = 16;
+
+CompiledMessage compile(const clsProtocolMessage& message, int32_t number) {
+    CompiledMessage out{number, message.MessageLength(), {}};
+    std::vector<SegmentSpan> spans;
+    message.segmentSpans(spans);
+    for (const SegmentSpan& span : spans) {
+        CompiledSegment segment;
+        segment.StartPosition = span.StartPosition;
+        if (span.SegmentKind == MessageSegment::TextKind) {
+            segment.Text.resize(static_cast<size_t>(span.Count));
+            message.textBytes(span.StartPosition, span.Count, segment.Text.data());
+        } else {
+            segment.IsText = false;
+            segment.Field = span.Var;
+        }
+        if (segment.IsText && !out.Segments.empty() && !out.Segments.back().IsText)
+            out.Segments.back().Next = segment.Text.front();
+        out.Segments.push_back(std::move(segment));
+    }
+    return out;
+}
+
 class MessageMatcher {
 public:
-    MessageMatcher(const clsProtocolMessage& message, int32_t number, ByteView frame, size_t begin, size_t end,
+    MessageMatcher(const CompiledMessage& message, ByteView frame, size_t begin, size_t end,
                    const ChecksumTable& checksums)
-        : message_(message),
-          number_(number),
-          frame_(frame),
-          begin_(begin),
-          at_(begin),
-          end_(end),
-          checksums_(checksums) {}
+        : message_(message), frame_(frame), begin_(begin), at_(begin), end_(end), checksums_(checksums) {}
 
     // True when the whole message part matches; otherwise why says where not.
     bool run(std::vector<ReceivedField>& fields, std::wstring& why) {
-        const std::wstring name = L"message " + std::to_wstring(number_);
-        if (message_.MessageLength() > 0 && end_ - begin_ != static_cast<size_t>(message_.MessageLength())) {
-            why = name + L": " + std::to_wstring(message_.MessageLength()) + L" bytes expected, " +
+        // The reasons are put into words only on the way out of a mismatch:
+        // most frames meet most messages only to be turned away.
+        const auto name = [this] { return L"message " + std::to_wstring(message_.Number); };
+        if (message_.Length > 0 && end_ - begin_ != static_cast<size_t>(message_.Length)) {
+            why = name() + L": " + std::to_wstring(message_.Length) + L" bytes expected, " +
                   std::to_wstring(end_ - begin_) + L" received";
             return false;
         }
-        std::vector<SegmentSpan> spans;
-        message_.segmentSpans(spans);
-        for (size_t s = 0; s < spans.size(); ++s) {
-            const SegmentSpan& span = spans[s];
-            if (span.SegmentKind == MessageSegment::TextKind) {
-                std::vector<uint8_t> expected(static_cast<size_t>(span.Count));
-                message_.textBytes(span.StartPosition, span.Count, expected.data());
-                for (int32_t i = 0; i < span.Count; ++i) {
-                    const std::wstring where = name + L", position " + std::to_wstring(span.StartPosition + i) + L": ";
-                    if (at_ >= end_) {
-                        why = where + shown(expected[static_cast<size_t>(i)]) + L" expected, the message ended";
-                        return false;
+        for (const CompiledSegment& segment : message_.Segments) {
+            if (segment.IsText) {
+                for (size_t i = 0; i < segment.Text.size(); ++i) {
+                    if (at_ < end_ && frame_[at_] == segment.Text[i]) {
+                        ++at_;
+                        continue;
                     }
-                    if (frame_[at_] != expected[static_cast<size_t>(i)]) {
-                        why = where + shown(expected[static_cast<size_t>(i)]) + L" expected, " + shown(frame_[at_]) +
-                              L" received";
-                        return false;
-                    }
-                    ++at_;
+                    why = name() + L", position " + std::to_wstring(segment.StartPosition + static_cast<int32_t>(i)) +
+                          L": " + shown(segment.Text[i]) + L" expected, " +
+                          (at_ < end_ ? shown(frame_[at_]) + L" received" : std::wstring(L"the message ended"));
+                    return false;
                 }
                 continue;
             }
-            // A field of no fixed length ends where the next fixed byte stands.
-            std::optional<uint8_t> next;
-            if (s + 1 < spans.size() && spans[s + 1].SegmentKind == MessageSegment::TextKind) {
-                uint8_t byte = 0;
-                message_.textBytes(spans[s + 1].StartPosition, 1, &byte);
-                next = byte;
-            }
-            const std::wstring where = name + L", field at position " + std::to_wstring(span.StartPosition) + L": ";
-            if (auto* numeric = dynamic_cast<clsProtocolScanNumericVar*>(span.Var.get())) {
+            bool matched = true;
+            if (auto* numeric = dynamic_cast<clsProtocolScanNumericVar*>(segment.Field.get())) {
                 ReceivedField field;
-                field.Position = span.StartPosition;
-                if (!numericField(*numeric, next, field, why)) {
-                    why = where + why;
-                    return false;
-                }
-                fields.push_back(std::move(field));
-            } else if (auto* checksum = dynamic_cast<clsProtocolCSVar*>(span.Var.get())) {
-                if (!checksumField(*checksum, why)) {
-                    why = where + why;
-                    return false;
-                }
+                field.Position = segment.StartPosition;
+                matched = numericField(*numeric, segment.Next, field, why);
+                if (matched) fields.push_back(std::move(field));
+            } else if (auto* checksum = dynamic_cast<clsProtocolCSVar*>(segment.Field.get())) {
+                matched = checksumField(*checksum, why);
+            }
+            if (!matched) {
+                why = name() + L", field at position " + std::to_wstring(segment.StartPosition) + L": " + why;
+                return false;
             }
         }
         if (at_ != end_) {
-            why = name + L": " + std::to_wstring(end_ - at_) + L" bytes more than the message holds, from " +
+            why = name() + L": " + std::to_wstring(end_ - at_) + L" bytes more than the message holds, from " +
                   shown(frame_[at_]);
             return false;
         }
@@ -274,8 +297,7 @@ private:
         return true;
     }
 
-    const clsProtocolMessage& message_;
-    int32_t number_;
+    const CompiledMessage& message_;
     ByteView frame_;
     size_t begin_;
     size_t at_;
@@ -292,53 +314,115 @@ const clsProtocolCSVar* endChecksumOf(const clsProtocolScanSrv& set) {
 
 }  // namespace
 
-Recognition recognizeFrame(const clsProtocolScanSrv& set, std::span<const uint8_t> frame,
-                           const ChecksumTable& checksums) {
-    Recognition out;
-    out.BytesReceived = frame.size();
-    const std::vector<uint8_t> stx = frameChars(set.ScanSTXChars(), set.ScanSTXLength());
-    const std::vector<uint8_t> etx = frameChars(set.ScanETXChars(), set.ScanETXLength());
-    if (!startsWith(frame, 0, stx)) {
-        out.WhyNot.push_back(L"the start characters " + shown(stx) + L" expected");
-        return out;
-    }
-    const clsProtocolCSVar* checksum = endChecksumOf(set);
-    const size_t checksumSize = checksum ? checksumWidth(*checksum) : 0;
-    if (frame.size() < stx.size() + etx.size() + checksumSize) {
-        out.WhyNot.push_back(L"a frame of " + std::to_wstring(frame.size()) + L" bytes is too short for its frame");
-        return out;
-    }
-    size_t end = frame.size() - etx.size() - checksumSize;
-    const size_t etxAt = checksum && set.EndOfScanMessageType() == EndChecksumThenEtx ? end + checksumSize : end;
-    if (!startsWith(frame, etxAt, etx)) {
-        out.WhyNot.push_back(L"the end characters " + shown(etx) + L" expected at byte " + std::to_wstring(etxAt));
-        return out;
-    }
-    if (checksum) {
-        const size_t at = set.EndOfScanMessageType() == EndChecksumThenEtx ? end : end + etx.size();
-        const std::vector<uint8_t> expected =
-            checksumBytes(*checksum, checksumValue(*checksum, frame.subspan(0, at), stx.size(), checksums), checksums);
-        const ByteView received = frame.subspan(at, checksumSize);
-        if (!std::equal(expected.begin(), expected.end(), received.begin())) {
-            out.WhyNot.push_back(L"the end-of-message checksum " + shown(expected) + L" expected, " + shown(received) +
-                                 L" received");
-            return out;
-        }
-    }
+ScanMatcher::ScanMatcher(const clsProtocolScanSrv& set, const ChecksumTable& checksums)
+    : set_(set),
+      checksums_(checksums),
+      stx_(frameChars(set.ScanSTXChars(), set.ScanSTXLength())),
+      etx_(frameChars(set.ScanETXChars(), set.ScanETXLength())) {
     for (int32_t number = 1; number <= set.NumberOfMessages(); ++number) {
         const MessagePtr message = set.GetMessage(number);
         if (!message || message->IsEmpty()) continue;
+        messages_.push_back(compile(*message, number));
+        const CompiledMessage& compiled = messages_.back();
+        const size_t index = messages_.size() - 1;
+        if (compiled.Segments.empty() || !compiled.Segments.front().IsText) {
+            beginWithField_.push_back(index);
+            continue;
+        }
+        const std::vector<uint8_t>& text = compiled.Segments.front().Text;
+        const size_t length = std::min(text.size(), LeadingKey);
+        byLeadingText_[std::string(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length))].push_back(index);
+        if (std::find(leadingLengths_.begin(), leadingLengths_.end(), length) == leadingLengths_.end())
+            leadingLengths_.push_back(length);
+    }
+}
+
+ScanMatcher::~ScanMatcher() = default;
+
+bool ScanMatcher::frameParts(std::span<const uint8_t> frame, size_t& begin, size_t& end, std::wstring& why) const {
+    if (!startsWith(frame, 0, stx_)) {
+        why = L"the start characters " + shown(stx_) + L" expected";
+        return false;
+    }
+    const clsProtocolCSVar* checksum = endChecksumOf(set_);
+    const size_t checksumSize = checksum ? checksumWidth(*checksum) : 0;
+    if (frame.size() < stx_.size() + etx_.size() + checksumSize) {
+        why = L"a frame of " + std::to_wstring(frame.size()) + L" bytes is too short for its frame";
+        return false;
+    }
+    begin = stx_.size();
+    end = frame.size() - etx_.size() - checksumSize;
+    const bool checksumFirst = checksum && set_.EndOfScanMessageType() == EndChecksumThenEtx;
+    const size_t etxAt = checksumFirst ? end + checksumSize : end;
+    if (!startsWith(frame, etxAt, etx_)) {
+        why = L"the end characters " + shown(etx_) + L" expected at byte " + std::to_wstring(etxAt);
+        return false;
+    }
+    if (checksum) {
+        const size_t at = checksumFirst ? end : end + etx_.size();
+        const std::vector<uint8_t> expected = checksumBytes(
+            *checksum, checksumValue(*checksum, frame.subspan(0, at), stx_.size(), checksums_), checksums_);
+        const ByteView received = frame.subspan(at, checksumSize);
+        if (!std::equal(expected.begin(), expected.end(), received.begin())) {
+            why = L"the end-of-message checksum " + shown(expected) + L" expected, " + shown(received) + L" received";
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<size_t> ScanMatcher::candidates(std::span<const uint8_t> message) const {
+    std::vector<size_t> out = beginWithField_;
+    for (size_t length : leadingLengths_) {
+        if (message.size() < length) continue;
+        const auto at =
+            byLeadingText_.find(std::string(message.begin(), message.begin() + static_cast<std::ptrdiff_t>(length)));
+        if (at != byLeadingText_.end()) out.insert(out.end(), at->second.begin(), at->second.end());
+    }
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+Recognition ScanMatcher::Recognize(std::span<const uint8_t> frame) const {
+    Recognition out;
+    out.BytesReceived = frame.size();
+    size_t begin = 0, end = 0;
+    std::wstring why;
+    if (!frameParts(frame, begin, end, why)) {
+        out.WhyNot.push_back(std::move(why));
+        return out;
+    }
+    for (size_t index : candidates(frame.subspan(begin, end - begin))) {
         std::vector<ReceivedField> fields;
-        std::wstring why;
-        if (MessageMatcher(*message, number, frame, stx.size(), end, checksums).run(fields, why)) {
-            out.MessageNumber = number;
+        if (MessageMatcher(messages_[index], frame, begin, end, checksums_).run(fields, why)) {
+            out.MessageNumber = messages_[index].Number;
             out.Fields = std::move(fields);
-            out.WhyNot.clear();
             return out;
         }
-        out.WhyNot.push_back(why);
+    }
+    // No match: every message says why, in order.
+    for (const CompiledMessage& message : messages_) {
+        std::vector<ReceivedField> fields;
+        if (!MessageMatcher(message, frame, begin, end, checksums_).run(fields, why)) out.WhyNot.push_back(why);
     }
     return out;
+}
+
+std::vector<int32_t> ScanMatcher::AllMatches(std::span<const uint8_t> frame) const {
+    std::vector<int32_t> numbers;
+    size_t begin = 0, end = 0;
+    std::wstring why;
+    if (!frameParts(frame, begin, end, why)) return numbers;
+    for (const CompiledMessage& message : messages_) {
+        std::vector<ReceivedField> fields;
+        if (MessageMatcher(message, frame, begin, end, checksums_).run(fields, why)) numbers.push_back(message.Number);
+    }
+    return numbers;
+}
+
+Recognition recognizeFrame(const clsProtocolScanSrv& set, std::span<const uint8_t> frame,
+                           const ChecksumTable& checksums) {
+    return ScanMatcher(set, checksums).Recognize(frame);
 }
 
 std::vector<FrameSpan> splitFrames(const clsProtocolScanSrv& set, std::span<const uint8_t> capture, size_t* leftOver) {

@@ -8,8 +8,10 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "runtime_model/checksum_catalogue.h"
@@ -45,9 +47,42 @@ struct Recognition {
     std::vector<std::wstring> WhyNot;
 };
 
-// Holds one frame (start characters, message, end characters and checksum
-// as the set frames them) against every message to download, in order; the
-// first that matches wins.
+struct CompiledMessage;
+
+// A Scan set made ready for many frames: each message's segments once, and
+// an index from the fixed text a message begins with to the messages, so
+// that a frame is held only against the messages it can be. The set's
+// fields are shared, not copied; a change to the set needs a new matcher.
+class ScanMatcher {
+public:
+    ScanMatcher(const clsProtocolScanSrv& set, const ChecksumTable& checksums);
+    ~ScanMatcher();
+    ScanMatcher(const ScanMatcher&) = delete;
+    ScanMatcher& operator=(const ScanMatcher&) = delete;
+
+    // Holds one frame (start characters, message, end characters and
+    // checksum as the set frames them) against the messages to download, in
+    // order; the first that matches wins.
+    Recognition Recognize(std::span<const uint8_t> frame) const;
+    // Every message that the frame matches, in order; for warnings about
+    // messages that cannot be told apart.
+    std::vector<int32_t> AllMatches(std::span<const uint8_t> frame) const;
+
+private:
+    bool frameParts(std::span<const uint8_t> frame, size_t& begin, size_t& end, std::wstring& why) const;
+    std::vector<size_t> candidates(std::span<const uint8_t> message) const;
+
+    const clsProtocolScanSrv& set_;
+    const ChecksumTable& checksums_;
+    std::vector<uint8_t> stx_, etx_;
+    std::vector<CompiledMessage> messages_;
+    std::unordered_map<std::string, std::vector<size_t>> byLeadingText_;
+    std::vector<size_t> leadingLengths_;
+    // Messages that begin with a field: every frame is held against them.
+    std::vector<size_t> beginWithField_;
+};
+
+// One frame against a set, through a matcher made for it.
 Recognition recognizeFrame(const clsProtocolScanSrv& set, std::span<const uint8_t> frame,
                            const ChecksumTable& checksums);
 
