@@ -37,15 +37,19 @@ std::vector<uint8_t> frameChars(const FrameChars& chars, int32_t length) {
     return out;
 }
 
+// Frame characters are one to four bytes: a plain loop beats a call to memcmp.
 bool startsWith(ByteView bytes, size_t at, const std::vector<uint8_t>& pattern) {
-    return at <= bytes.size() && bytes.size() - at >= pattern.size() &&
-           std::equal(pattern.begin(), pattern.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    if (at > bytes.size() || bytes.size() - at < pattern.size()) return false;
+    for (size_t i = 0; i < pattern.size(); ++i)
+        if (bytes[at + i] != pattern[i]) return false;
+    return true;
 }
 
 std::optional<size_t> find(ByteView bytes, size_t from, const std::vector<uint8_t>& pattern) {
     if (pattern.empty()) return from;
+    const uint8_t first = pattern.front();
     for (size_t at = from; at + pattern.size() <= bytes.size(); ++at)
-        if (startsWith(bytes, at, pattern)) return at;
+        if (bytes[at] == first && startsWith(bytes, at, pattern)) return at;
     return std::nullopt;
 }
 
@@ -99,7 +103,10 @@ struct CompiledSegment {
     bool IsText = true;
     int32_t StartPosition = 0;
     std::vector<uint8_t> Text;
+    // The field, kept alive here, and what it is, found once.
     VarPtr Field;
+    const clsProtocolScanNumericVar* Numeric = nullptr;
+    const clsProtocolCSVar* Checksum = nullptr;
     // The first byte of the text that follows a field, where a field of no
     // fixed length ends.
     std::optional<uint8_t> Next;
@@ -109,12 +116,20 @@ struct CompiledMessage {
     int32_t Number = 0;
     int32_t Length = 0;
     std::vector<CompiledSegment> Segments;
+    size_t NumericFields = 0;
 };
 
 namespace {
 
 // The fixed text a message begins with, for the index; at most this long.
 constexpr size_t LeadingKey = 16;
+
+// FNV-1a over the leading text.
+uint64_t leadingHash(ByteView text) {
+    uint64_t hash = 0xcbf29ce484222325ull;
+    for (uint8_t byte : text) hash = (hash ^ byte) * 0x100000001b3ull;
+    return hash;
+}
 
 CompiledMessage compile(const clsProtocolMessage& message, int32_t number) {
     CompiledMessage out{number, message.MessageLength(), {}};
@@ -129,6 +144,9 @@ CompiledMessage compile(const clsProtocolMessage& message, int32_t number) {
         } else {
             segment.IsText = false;
             segment.Field = span.Var;
+            segment.Numeric = dynamic_cast<const clsProtocolScanNumericVar*>(span.Var.get());
+            segment.Checksum = dynamic_cast<const clsProtocolCSVar*>(span.Var.get());
+            if (segment.Numeric) ++out.NumericFields;
         }
         if (segment.IsText && !out.Segments.empty() && !out.Segments.back().IsText)
             out.Segments.back().Next = segment.Text.front();
@@ -168,13 +186,14 @@ public:
                 continue;
             }
             bool matched = true;
-            if (auto* numeric = dynamic_cast<clsProtocolScanNumericVar*>(segment.Field.get())) {
+            if (segment.Numeric) {
+                if (fields.empty()) fields.reserve(message_.NumericFields);
                 ReceivedField field;
                 field.Position = segment.StartPosition;
-                matched = numericField(*numeric, segment.Next, field, why);
+                matched = numericField(*segment.Numeric, segment.Next, field, why);
                 if (matched) fields.push_back(std::move(field));
-            } else if (auto* checksum = dynamic_cast<clsProtocolCSVar*>(segment.Field.get())) {
-                matched = checksumField(*checksum, why);
+            } else if (segment.Checksum) {
+                matched = checksumField(*segment.Checksum, why);
             }
             if (!matched) {
                 why = name() + L", field at position " + std::to_wstring(segment.StartPosition) + L": " + why;
@@ -245,6 +264,7 @@ private:
             const ByteView text = takeUntil(next, true);
             return decimal(field, text, sign, out, why);
         }
+        out.Values.reserve(static_cast<size_t>(std::max(1, field.VectorLength())));
         for (int32_t i = 0; i < std::max(1, field.VectorLength()); ++i) {
             ByteView text;
             if (field.VarFormat() == 2) {
@@ -331,7 +351,7 @@ ScanMatcher::ScanMatcher(const clsProtocolScanSrv& set, const ChecksumTable& che
         }
         const std::vector<uint8_t>& text = compiled.Segments.front().Text;
         const size_t length = std::min(text.size(), LeadingKey);
-        byLeadingText_[std::string(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length))].push_back(index);
+        byLeadingText_[leadingHash(ByteView(text).subspan(0, length))].push_back(index);
         if (std::find(leadingLengths_.begin(), leadingLengths_.end(), length) == leadingLengths_.end())
             leadingLengths_.push_back(length);
     }
@@ -371,16 +391,22 @@ bool ScanMatcher::frameParts(std::span<const uint8_t> frame, size_t& begin, size
     return true;
 }
 
-std::vector<size_t> ScanMatcher::candidates(std::span<const uint8_t> message) const {
-    std::vector<size_t> out = beginWithField_;
+std::span<const size_t> ScanMatcher::candidates(std::span<const uint8_t> message, std::vector<size_t>& buffer) const {
+    // The common case, every message beginning with text of one length:
+    // the bucket itself, already in order.
+    if (beginWithField_.empty() && leadingLengths_.size() == 1) {
+        if (message.size() < leadingLengths_.front()) return {};
+        const auto at = byLeadingText_.find(leadingHash(message.subspan(0, leadingLengths_.front())));
+        return at == byLeadingText_.end() ? std::span<const size_t>() : std::span<const size_t>(at->second);
+    }
+    buffer.assign(beginWithField_.begin(), beginWithField_.end());
     for (size_t length : leadingLengths_) {
         if (message.size() < length) continue;
-        const auto at =
-            byLeadingText_.find(std::string(message.begin(), message.begin() + static_cast<std::ptrdiff_t>(length)));
-        if (at != byLeadingText_.end()) out.insert(out.end(), at->second.begin(), at->second.end());
+        const auto at = byLeadingText_.find(leadingHash(message.subspan(0, length)));
+        if (at != byLeadingText_.end()) buffer.insert(buffer.end(), at->second.begin(), at->second.end());
     }
-    std::sort(out.begin(), out.end());
-    return out;
+    std::sort(buffer.begin(), buffer.end());
+    return buffer;
 }
 
 Recognition ScanMatcher::Recognize(std::span<const uint8_t> frame) const {
@@ -392,7 +418,9 @@ Recognition ScanMatcher::Recognize(std::span<const uint8_t> frame) const {
         out.WhyNot.push_back(std::move(why));
         return out;
     }
-    for (size_t index : candidates(frame.subspan(begin, end - begin))) {
+    // One buffer a thread: a capture has many frames.
+    thread_local std::vector<size_t> buffer;
+    for (size_t index : candidates(frame.subspan(begin, end - begin), buffer)) {
         std::vector<ReceivedField> fields;
         if (MessageMatcher(messages_[index], frame, begin, end, checksums_).run(fields, why)) {
             out.MessageNumber = messages_[index].Number;

@@ -70,13 +70,17 @@ public:
 
 private:
     bool frameParts(std::span<const uint8_t> frame, size_t& begin, size_t& end, std::wstring& why) const;
-    std::vector<size_t> candidates(std::span<const uint8_t> message) const;
+    // The messages a frame can be, in order; in the buffer, which the caller
+    // reuses, or in the index itself.
+    std::span<const size_t> candidates(std::span<const uint8_t> message, std::vector<size_t>& buffer) const;
 
     const clsProtocolScanSrv& set_;
     const ChecksumTable& checksums_;
     std::vector<uint8_t> stx_, etx_;
     std::vector<CompiledMessage> messages_;
-    std::unordered_map<std::string, std::vector<size_t>> byLeadingText_;
+    // By a hash of the leading text: a collision only adds a candidate, which
+    // the match itself then turns away.
+    std::unordered_map<uint64_t, std::vector<size_t>> byLeadingText_;
     std::vector<size_t> leadingLengths_;
     // Messages that begin with a field: every frame is held against them.
     std::vector<size_t> beginWithField_;

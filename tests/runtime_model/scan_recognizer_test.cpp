@@ -116,6 +116,25 @@ TEST_F(ScanRecognizerTest, NoMatchSaysForEachMessageWhereAndWhy) {
     EXPECT_EQ(recognize(ascii("OK!")).WhyNot[0], L"message 1: 1 bytes more than the message holds, from \"!\"");
 }
 
+TEST_F(ScanRecognizerTest, MessagesBeginningWithAFieldOrWithTextsOfOtherLengthsAreAllTried) {
+    clsProtocolMessage& bare = text(L"");
+    auto value = number(bare, 0, 20);
+    value->VarFormat(1);
+    text(L"OK", 2);
+    text(L"ERROR", 3);
+    text(L"ER", 4);
+    const ScanMatcher matcher(set, checksums);
+    EXPECT_EQ(matcher.Recognize(ascii("OK")).MessageNumber, 2);
+    EXPECT_EQ(matcher.Recognize(ascii("ER")).MessageNumber, 4);
+    EXPECT_EQ(matcher.Recognize(ascii("ERROR")).MessageNumber, 3);
+    const Recognition number = matcher.Recognize(ascii("-17"));
+    EXPECT_EQ(number.MessageNumber, 1);
+    EXPECT_EQ(number.Fields.at(0).Values, std::vector<int64_t>{-17});
+    EXPECT_EQ(matcher.AllMatches(ascii("OK")), std::vector<int32_t>{2});
+    // Nothing matches: all four say why, in order.
+    EXPECT_EQ(matcher.Recognize(ascii("E")).WhyNot.size(), 4u);
+}
+
 TEST_F(ScanRecognizerTest, ANumberOfNoFixedLengthEndsAtTheNextFixedByte) {
     clsProtocolMessage& m = text(L"T");
     auto value = number(m, 1, 20);
