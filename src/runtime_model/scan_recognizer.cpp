@@ -429,6 +429,7 @@ Recognition ScanMatcher::Recognize(std::span<const uint8_t> frame) const {
         }
     }
     // No match: every message says why, in order.
+    if (messages_.empty()) out.WhyNot.push_back(L"the Scan has no message to match");
     for (const CompiledMessage& message : messages_) {
         std::vector<ReceivedField> fields;
         if (!MessageMatcher(message, frame, begin, end, checksums_).run(fields, why)) out.WhyNot.push_back(why);

@@ -135,6 +135,12 @@ TEST_F(ScanRecognizerTest, MessagesBeginningWithAFieldOrWithTextsOfOtherLengthsA
     EXPECT_EQ(matcher.Recognize(ascii("E")).WhyNot.size(), 4u);
 }
 
+TEST_F(ScanRecognizerTest, AScanWithoutMessagesSaysSo) {
+    const Recognition got = recognize(ascii("A"));
+    EXPECT_EQ(got.MessageNumber, 0);
+    EXPECT_EQ(got.WhyNot, std::vector<std::wstring>{L"the Scan has no message to match"});
+}
+
 TEST_F(ScanRecognizerTest, ANumberOfNoFixedLengthEndsAtTheNextFixedByte) {
     clsProtocolMessage& m = text(L"T");
     auto value = number(m, 1, 20);
