@@ -6,6 +6,8 @@ install(TARGETS qxfb_core EXPORT QxFBCom2Targets
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qxfbcom2)
 set_target_properties(QxFBCom2 PROPERTIES EXPORT_NAME component)
 install(TARGETS QxFBCom2 EXPORT QxFBCom2Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# The runtime model needs nothing beyond the core, so it travels with it.
+install(TARGETS qxfb_runtime_model EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # The project store and the view layer, each in an export set of its own, so
 # that the package's config file loads them (and looks for SQLite, OpenSSL

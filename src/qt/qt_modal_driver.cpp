@@ -12,6 +12,7 @@
 #include "qt/model_action.h"
 #include "qt/operand_picker.h"
 #include "qt/qt_text.h"
+#include "qt/wire_preview.h"
 
 namespace qx {
 
@@ -22,6 +23,8 @@ void QtModalDriver::ShowModal(Form& form) {
     if (!view) throw std::logic_error("the dialog " + toUtf8(form.Name()) + " has no view");
     {
         FormBinding binding(form, *view);
+        // Beside the bound widgets, not one of them: the Send dialogs' pane of wire bytes.
+        addWirePreview(form, *view);
         // However the dialog ends, even by an error of its own code, it
         // leaves no trace here: no subscription, no abort hook, no window.
         struct Showing {

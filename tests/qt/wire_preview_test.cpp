@@ -1,0 +1,112 @@
+// The pane of wire bytes under the Send dialogs' grid: it shows the current
+// message as the runtime model renders it, follows typing, a change of row
+// and the frame, and the TCP/IP dialog has one too.
+
+#include "qt/wire_preview.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QTableView>
+#include <QTest>
+
+#include "editors/eth_send_dialog_bench.h"
+#include "editors/frm_protocol_scan.h"
+#include "editors/send_dialog_bench.h"
+#include "message/protocol_numeric_var.h"
+#include "qt/qt_modal_driver.h"
+#include "qt_test_support.h"
+
+namespace qx {
+namespace {
+
+using test::SendDialogBench;
+
+class QtWirePreviewTest : public ::testing::Test {
+protected:
+    SendDialogBench bench;
+    std::shared_ptr<ModalDriver> scripted = bench.context->Driver;
+
+    void SetUp() override { bench.context->Driver = std::make_shared<QtModalDriver>(); }
+
+    // A scale's requests: "W" CR LF and "T", a five-digit number, CR LF,
+    // framed by STX and ETX.
+    void scaleMessages() {
+        bench.linkedTo({L"Scale"});
+        bench.messages({L"W", L"T"});
+        clsProtocolMessage& weight = *bench.set->GetMessage(1);
+        weight.AddControlChar(1, 13);
+        weight.AddControlChar(2, 10);
+        clsProtocolMessage& tare = *bench.set->GetMessage(2);
+        auto number = std::make_shared<clsProtocolNumericVar>();
+        number->StartPosition(1);
+        number->BeforePoint(5);
+        number->LeadingZeros(1);
+        test::linkOperand(*number->LikedOperand(), 3, 12);
+        tare.AddVar(number);
+        tare.AddControlChar(7, 13);
+        tare.AddControlChar(8, 10);
+        bench.linkedMessageNumber();
+        bench.set->SendSTXLength(1);
+        bench.set->SetSendSTXValue(0, 0x02, false);
+        bench.set->SendETXLength(1);
+        bench.set->SetSendETXValue(0, 0x03, false);
+    }
+};
+
+TEST_F(QtWirePreviewTest, ThePaneShowsTheCurrentMessageAndFollowsTypingRowsAndTheFrame) {
+    scaleMessages();
+    QString first, typed, second, unframed;
+    test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        window.resize(900, 600);
+        auto* preview = window.findChild<WirePreview*>();
+        ASSERT_NE(preview, nullptr);
+        QApplication::processEvents();
+        first = preview->HexText();
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::OtherFocusReason);
+        QTest::keyClick(grid, Qt::Key_Home);
+        QTest::keyClicks(grid, QStringLiteral("G"));
+        QApplication::processEvents();
+        typed = preview->PlainText();
+        QTest::keyClick(grid, Qt::Key_Down);
+        QApplication::processEvents();
+        second = preview->PlainText();
+        test::saveScreenshot(window, QStringLiteral("wire_preview.png"));
+        QTest::mouseClick(window.findChild<QCheckBox*>(QStringLiteral("ckSendSTX")), Qt::LeftButton, {}, QPoint(8, 8));
+        QApplication::processEvents();
+        unframed = preview->PlainText();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    EXPECT_FALSE(bench.set->Edit(bench.method, bench.instances));
+    EXPECT_EQ(first, QStringLiteral("02 57 0D 0A 03"));
+    EXPECT_EQ(typed, QStringLiteral("<STX>GW<CR><LF><ETX>"));
+    EXPECT_EQ(second, QStringLiteral("<STX>T+00000<CR><LF><ETX>"));
+    EXPECT_EQ(unframed, QStringLiteral("T+00000<CR><LF><ETX>"));
+}
+
+TEST_F(QtWirePreviewTest, TheTcpIpSendHasThePaneAndOtherDialogsDoNot) {
+    test::EthSendDialogBench eth;
+    std::shared_ptr<ModalDriver> ethScripted = eth.context->Driver;
+    eth.context->Driver = std::make_shared<QtModalDriver>();
+    eth.stored();
+    eth.messages({L"PING"});
+    QString shown;
+    test::onModal(QStringLiteral("frmEthProtocolSend"), [&](QWidget& window) {
+        QApplication::processEvents();
+        if (auto* preview = window.findChild<WirePreview*>()) shown = preview->PlainText();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    eth.set->Edit(eth.method, eth.instances);
+    EXPECT_EQ(shown, QStringLiteral("PING"));
+
+    frmProtocolScan scan;
+    QWidget window;
+    addWirePreview(scan, window);
+    EXPECT_EQ(window.findChild<WirePreview*>(), nullptr);
+}
+
+}  // namespace
+}  // namespace qx
