@@ -24,6 +24,8 @@
 #include "platform/controls/form.h"
 #include "platform/host/host_context.h"
 #include "qt/control_binding.h"
+#include "qt/wire_preview.h"
+#include "sets/send_set.h"
 
 namespace qx::bench {
 namespace {
@@ -128,6 +130,45 @@ void BM_GridViewTypedCharacter(benchmark::State& state) {
         (static_cast<double>(form.view.viewport()->width()) * form.view.viewport()->height());
 }
 
+// A typed character with the pane of wire bytes under the grid: the grid as
+// above, then the pane renders the message through the runtime model and
+// paints it, all in the one frame.
+void BM_GridViewTypedCharacterWithWirePreview(benchmark::State& state) {
+    ScopedHostContext host;
+    const auto set = denseSendSet();
+    SendGridOnScreen form;
+    form.editor.setSource(messageSourceOf(*set));
+    form.editor.Reload();
+    WirePreview preview({[&set] { return set.get(); }, [&form] { return form.FlgSend.Row() + 1; }}, {&form.FlgSend});
+    preview.resize(viewWidth, 80);
+    preview.show();
+    form.bindAndShow();
+    const Bytes original = set->BinaryData();
+    CopyRatio ratio(state, original.size(), modelBytesOf(*set));
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("X"));
+    int32_t typed = 0;
+    ratio.start();
+    for (auto _ : state) {
+        if (typed == FullMessageSlack) {
+            state.PauseTiming();
+            ratio.pause();
+            set->BinaryData(original);
+            form.editor.Reload();
+            form.frame();
+            host->CaretCalls.clear();
+            typed = 0;
+            ratio.resume();
+            state.ResumeTiming();
+        }
+        QApplication::sendEvent(&form.view, &key);
+        form.frame();
+        ++typed;
+    }
+    ratio.finish();
+    if (!preview.PlainText().contains(QLatin1Char('X'))) throw std::logic_error("the pane did not follow the key");
+    state.counters["wire_bytes"] = static_cast<double>(preview.HexText().size() + 1) / 3;
+}
+
 void BM_GridViewFullRebuild255Rows(benchmark::State& state) {
     ScopedHostContext host;
     const auto set = denseSendSet();
@@ -152,6 +193,7 @@ void BM_GridViewFullRebuild255Rows(benchmark::State& state) {
 }  // namespace
 
 QXFB_BENCHMARK(BM_GridViewTypedCharacter)->Unit(benchmark::kMicrosecond);
+QXFB_BENCHMARK(BM_GridViewTypedCharacterWithWirePreview)->Unit(benchmark::kMicrosecond);
 QXFB_BENCHMARK(BM_GridViewFullRebuild255Rows)->Unit(benchmark::kMillisecond);
 
 }  // namespace qx::bench

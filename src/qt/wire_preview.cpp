@@ -3,6 +3,7 @@
 #include <QBoxLayout>
 #include <QGroupBox>
 #include <QTimer>
+#include <utility>
 
 #include "editors/send_message_dialog.h"
 #include "platform/basics/runtime_error.h"
@@ -49,8 +50,8 @@ QString span(const QString& content, model::ByteOrigin::Kind kind) {
 
 }  // namespace
 
-WirePreview::WirePreview(SendMessageDialog& dialog, QWidget* parent)
-    : QWidget(parent), dialog_(dialog), title_(new QLabel(this)), bytes_(new QLabel(this)) {
+WirePreview::WirePreview(Source source, const std::vector<Control*>& watched, QWidget* parent)
+    : QWidget(parent), source_(std::move(source)), title_(new QLabel(this)), bytes_(new QLabel(this)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(title_);
@@ -61,15 +62,13 @@ WirePreview::WirePreview(SendMessageDialog& dialog, QWidget* parent)
     QFont fixed(QStringLiteral("monospace"));
     fixed.setStyleHint(QFont::TypeWriter);
     bytes_->setFont(fixed);
-    // Every control of the dialog: typing in the grid, the frame, the end of message.
-    for (Control* control : dialog_.Controls())
-        tokens_.push_back(control->Subscribe([this](std::string_view) { schedule(); }));
+    for (Control* control : watched)
+        subscriptions_.emplace_back(control, control->Subscribe([this](std::string_view) { schedule(); }));
     Refresh();
 }
 
 WirePreview::~WirePreview() {
-    const std::vector<Control*> controls = dialog_.Controls();
-    for (size_t i = 0; i < tokens_.size() && i < controls.size(); ++i) controls[i]->Unsubscribe(tokens_[i]);
+    for (const auto& [control, token] : subscriptions_) control->Unsubscribe(token);
 }
 
 void WirePreview::schedule() {
@@ -82,10 +81,12 @@ void WirePreview::Refresh() {
     pending_ = false;
     hex_.clear();
     text_.clear();
-    const int32_t message = dialog_.grid().Row() + 1;
+    const clsProtocolSendSrv* set = source_.Set();
+    const int32_t message = source_.Message();
     model::RenderedMessage out;
     try {
-        out = model::renderSendMessage(dialog_.sendSet(), message, model::OperandValues{}, model::ModelClock{},
+        if (!set) raiseError(err::ObjectNotSet);
+        out = model::renderSendMessage(*set, message, model::OperandValues{}, model::ModelClock{},
                                        model::ChecksumTable::Default());
     } catch (const RuntimeError& e) {
         // Outside an edit, or a message the set does not have: nothing to show.
@@ -93,16 +94,30 @@ void WirePreview::Refresh() {
         bytes_->clear();
         return;
     }
-    QString hexHtml, textHtml;
+    // Bytes of one origin in a row share one span: the label lays out a few
+    // runs, not a span for every byte.
+    QString hexHtml, textHtml, hexRun, textRun;
+    auto runKind = model::ByteOrigin::Text;
+    const auto closeRun = [&] {
+        hexHtml += span(hexRun, runKind);
+        textHtml += span(textRun, runKind);
+        hexRun.clear();
+        textRun.clear();
+    };
     for (size_t i = 0; i < out.Bytes.size(); ++i) {
         const uint8_t byte = out.Bytes[i];
         const auto kind = out.Origins[i].What;
+        if (kind != runKind && !hexRun.isEmpty()) closeRun();
+        runKind = kind;
         const QString hex = QStringLiteral("%1").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
-        hex_ += (i ? QStringLiteral(" ") : QString()) + hex;
+        const QString separator = i ? QStringLiteral(" ") : QString();
+        hex_ += separator + hex;
         text_ += textOf(byte);
-        hexHtml += (i ? QStringLiteral(" ") : QString()) + span(hex, kind);
-        textHtml += span(textOf(byte), kind);
+        if (hexRun.isEmpty()) hexHtml += separator;
+        hexRun += (hexRun.isEmpty() ? QString() : QStringLiteral(" ")) + hex;
+        textRun += textOf(byte);
     }
+    if (!hexRun.isEmpty()) closeRun();
     title_->setText(tr("Message %1 on the wire, %2 bytes, every operand 0:").arg(message).arg(out.Bytes.size()));
     bytes_->setText(hexHtml + QStringLiteral("<br>") + textHtml);
 }
@@ -113,7 +128,17 @@ void addWirePreview(Form& form, QWidget& window) {
     auto* messages = window.findChild<QGroupBox*>(QStringLiteral("SSPanel1"));
     auto* layout = messages ? qobject_cast<QBoxLayout*>(messages->layout()) : nullptr;
     if (!layout) return;
-    layout->addWidget(new WirePreview(*dialog, messages));
+    // Outside an edit the dialog raises error 91 for its set: the pane then shows nothing.
+    WirePreview::Source source{[dialog]() -> const clsProtocolSendSrv* {
+                                   try {
+                                       return &dialog->sendSet();
+                                   } catch (const RuntimeError&) {
+                                       return nullptr;
+                                   }
+                               },
+                               [dialog] { return dialog->grid().Row() + 1; }};
+    // Every control of the dialog: typing in the grid, the frame, the end of message.
+    layout->addWidget(new WirePreview(std::move(source), dialog->Controls(), messages));
 }
 
 }  // namespace qx

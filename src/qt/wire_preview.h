@@ -10,18 +10,27 @@
 #include <QString>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace qx {
 
+class Control;
 class Form;
-class SendMessageDialog;
+class clsProtocolSendSrv;
 
 class WirePreview : public QWidget {
     Q_OBJECT
 
 public:
-    WirePreview(SendMessageDialog& dialog, QWidget* parent = nullptr);
+    // The set and the current message number (1-based) are asked for at
+    // each rendering; set nullptr while there is none. Every change of a
+    // watched control renders again. The controls outlive the pane.
+    struct Source {
+        std::function<const clsProtocolSendSrv*()> Set;
+        std::function<int32_t()> Message;
+    };
+    WirePreview(Source source, const std::vector<Control*>& watched, QWidget* parent = nullptr);
     ~WirePreview() override;
 
     // Renders the current message now.
@@ -33,8 +42,8 @@ public:
 private:
     void schedule();
 
-    SendMessageDialog& dialog_;
-    std::vector<int32_t> tokens_;
+    Source source_;
+    std::vector<std::pair<Control*, int32_t>> subscriptions_;
     bool pending_ = false;
     QLabel* title_;
     QLabel* bytes_;
