@@ -17,6 +17,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/basics/ansi.h"
 #include "platform/controls/form.h"
 #include "qt_test_support.h"
 #include "serial/frm_protocol_config.h"
