@@ -31,6 +31,7 @@
 #include <vector>
 
 #include "apps/cli_run.h"
+#include "component/built_paths.h"
 #include "message/protocol_message.h"
 #include "message/protocol_numeric_var.h"
 #include "message/protocol_scan_numeric_var.h"
@@ -444,6 +445,7 @@ protected:
         bool okBeforeLink = true;
         int endColumn = -1;    // where End took the caret
         int homeColumn = -1;   // and Home
+        int numbersAt = -1;    // where the number column then stood in the view
     };
 
     MethodPtr operation(size_t place) const {
@@ -524,6 +526,7 @@ protected:
             seen.endColumn = grid.currentIndex().column();
             QTest::keyClick(&grid, Qt::Key_Home);
             seen.homeColumn = grid.currentIndex().column();
+            seen.numbersAt = grid.columnViewportPosition(0);
             clickCell(grid, 0, 4);
             fillNewField(3, 40);
             clickTool(dialog, "abSend", "ID_NewVar");
@@ -584,6 +587,7 @@ protected:
             seen.endColumn = grid.currentIndex().column();
             QTest::keyClick(&grid, Qt::Key_Home);
             seen.homeColumn = grid.currentIndex().column();
+            seen.numbersAt = grid.columnViewportPosition(0);
             QTest::keyClick(&grid, Qt::Key_Right);
             QTest::keyClick(&grid, Qt::Key_Right);
             fillNewField(3, 63, 64);
@@ -643,6 +647,7 @@ protected:
             seen.endColumn = grid.currentIndex().column();
             QTest::keyClick(&grid, Qt::Key_Home);
             seen.homeColumn = grid.currentIndex().column();
+            seen.numbersAt = grid.columnViewportPosition(0);
             QTest::keyClick(&grid, Qt::Key_Right);
             QTest::keyClick(&grid, Qt::Key_Right);
             fillNewField(3, 72);
@@ -703,6 +708,7 @@ protected:
             seen.endColumn = grid.currentIndex().column();
             QTest::keyClick(&grid, Qt::Key_Home);
             seen.homeColumn = grid.currentIndex().column();
+            seen.numbersAt = grid.columnViewportPosition(0);
             for (int i = 0; i < 3; ++i) QTest::keyClick(&grid, Qt::Key_Right);
             fillNewField(3, 90, 91);
             seen.bands << pickFromPopup(grid, 0, 5, "ID_NewVar");
@@ -745,6 +751,7 @@ TEST_F(MessageOperationsTest, ASerialSendIsFilledInItsDialogSavedReopenedEditedA
     // What the dialog showed on the way.
     EXPECT_EQ(seen.endColumn, 500);
     EXPECT_EQ(seen.homeColumn, 1);
+    EXPECT_EQ(seen.numbersAt, 0);
     EXPECT_TRUE(seen.fieldLink.startsWith(QStringLiteral("MI 40"))) << seen.fieldLink.toStdString();
     EXPECT_EQ(seen.bands, QStringList{QStringLiteral("popEmptyArea")});
     ASSERT_EQ(seen.cells.size(), 6);
@@ -793,6 +800,7 @@ TEST_F(MessageOperationsTest, ASerialScanIsFilledInItsDialogSavedReopenedEditedA
 
     EXPECT_EQ(seen.endColumn, 501);
     EXPECT_EQ(seen.homeColumn, 2);
+    EXPECT_EQ(seen.numbersAt, 0);
     EXPECT_TRUE(seen.fieldLink.startsWith(QStringLiteral("MI 63"))) << seen.fieldLink.toStdString();
     EXPECT_EQ(seen.bands, QStringList{QStringLiteral("popEmptyArea")});
     ASSERT_EQ(seen.cells.size(), 6);
@@ -843,6 +851,7 @@ TEST_F(MessageOperationsTest, ATcpIpSendIsFilledInItsDialogSavedReopenedEditedAn
 
     EXPECT_EQ(seen.endColumn, 500);
     EXPECT_EQ(seen.homeColumn, 1);
+    EXPECT_EQ(seen.numbersAt, 0);
     EXPECT_TRUE(seen.fieldLink.startsWith(QStringLiteral("MI 72"))) << seen.fieldLink.toStdString();
     EXPECT_EQ(seen.bands, (QStringList{QStringLiteral("popEmptyArea"), QStringLiteral("popEmptyArea")}));
     ASSERT_EQ(seen.cells.size(), 5);
@@ -890,6 +899,7 @@ TEST_F(MessageOperationsTest, ATcpIpScanIsFilledInItsDialogSavedReopenedEditedAn
 
     EXPECT_EQ(seen.endColumn, 501);
     EXPECT_EQ(seen.homeColumn, 2);
+    EXPECT_EQ(seen.numbersAt, 0);
     EXPECT_TRUE(seen.fieldLink.startsWith(QStringLiteral("MI 90"))) << seen.fieldLink.toStdString();
     EXPECT_EQ(seen.bands, (QStringList{QStringLiteral("popEmptyArea"), QStringLiteral("popEmptyArea"),
                                        QStringLiteral("popOnControlChar")}));
@@ -927,6 +937,140 @@ TEST_F(MessageOperationsTest, ATcpIpScanIsFilledInItsDialogSavedReopenedEditedAn
     // A cancelled edit leaves the search list empty, whatever it held.
     EXPECT_TRUE(findOnlyAt(1).empty());
     EXPECT_EQ(outLinksAt(1), links);
+}
+
+// Clear All asks first: No keeps every message, Yes leaves one empty one.
+TEST_F(MessageOperationsTest, ClearAllAsksAndNoKeepsEveryMessage) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    QString firstQuestion, secondQuestion;
+    QStringList afterNo, afterYes;
+    bool okAfterClear = true;
+    onMessageDialog("frmProtocolSend", "FlgSend", [&](QWidget& dialog, QTableView& grid) {
+        QTest::keyClicks(&grid, QStringLiteral("AB"));
+        clickTool(dialog, "abSend", "ID_AppendMsg");
+        QTest::keyClick(&grid, Qt::Key_Home);
+        QTest::keyClicks(&grid, QStringLiteral("C"));
+        answerBox(QMessageBox::No, firstQuestion);
+        clickTool(dialog, "abSend", "ID_ClearAll");
+        afterNo << QString::number(grid.model()->rowCount()) << rowText(grid, 0, 1, 2) << rowText(grid, 1, 1, 1);
+        answerBox(QMessageBox::Yes, secondQuestion);
+        clickTool(dialog, "abSend", "ID_ClearAll");
+        afterYes << QString::number(grid.model()->rowCount()) << rowText(grid, 0, 1, 2);
+        grid.setFocus(Qt::OtherFocusReason);
+        QTest::keyClicks(&grid, QStringLiteral("Z"));
+        // Clear All leaves the message number's link as the two messages
+        // had it, empty, and OK off, until the link is made.
+        okAfterClear = child<QPushButton>(dialog, "cmdOK")->isEnabled();
+        onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { pickWithKeys(picker, 3, 50); });
+        click(dialog, "cmdOpMsgNumToSend");
+        click(dialog, "cmdOK");
+    });
+    ASSERT_TRUE(place(SerialSend));
+    EXPECT_EQ(firstQuestion, QStringLiteral("Clear all messages of this Send?"));
+    EXPECT_EQ(secondQuestion, firstQuestion);
+    EXPECT_EQ(afterNo, (QStringList{QStringLiteral("2"), QStringLiteral("AB"), QStringLiteral("C")}));
+    EXPECT_EQ(afterYes, (QStringList{QStringLiteral("1"), QStringLiteral("  ")}));
+    EXPECT_FALSE(okAfterClear);
+    // One message, "Z": read back through a Send set of the library's own.
+    ScopedHostContext own;
+    clsProtocolSendSrv stored;
+    stored.BinaryData(imageAt(1));
+    ASSERT_EQ(stored.NumberOfMessages(), 1);
+    EXPECT_EQ(stored.GetMessage(1)->MessageString(), L"Z" + std::wstring(clsProtocolMessage::MaxPositions - 1, L' '));
+}
+
+// The lines of qxfb's output from the first that starts with the text on.
+std::vector<std::string> linesFrom(const std::vector<std::string>& lines, const std::string& start) {
+    for (size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].rfind(start, 0) == 0) return std::vector<std::string>(lines.begin() + static_cast<long>(i), lines.end());
+    return {};
+}
+
+TEST_F(MessageOperationsTest, QxfbShowsAndBundlesTheFourOperationsAsTheWorkbenchSavedThem) {
+    ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    serialSendRoad();
+    serialScanRoad();
+    actTcpIpConfig(QStringLiteral("Plant"));
+    ASSERT_TRUE(place(170201));
+    ethSendRoad();
+    ethScanRoad();
+    ASSERT_EQ(host->Nets()[0].Operations.size(), 6u);
+    // The four images, each that of its edit on a set of the library's own.
+    struct Placed {
+        size_t place;
+        int32_t method;
+        Bytes image;
+    };
+    const std::vector<Placed> placed{{1, SerialSend, expectedSerialSend(0).image},
+                                     {2, SerialScan, expectedSerialScan(0).image},
+                                     {4, EthSend, expectedEthSend(0).image},
+                                     {5, EthScan, expectedEthScan(0).image}};
+    for (const Placed& each : placed) {
+        ASSERT_EQ(operation(each.place)->itfFBMethod_MethodID(), each.method);
+        EXPECT_EQ(imageAt(each.place), each.image) << each.method << ": " << whereTheyDiffer(imageAt(each.place), each.image);
+    }
+    const std::filesystem::path file = folder.path() / "plant.qxfbproj";
+    ASSERT_TRUE(window->SaveFile(QString::fromStdString(file.string())));
+
+    const std::string program = paths::builtCli();
+    ASSERT_FALSE(program.empty());
+    const test::CliRun info = test::runCli(program, "project info " + test::shellQuoted(file.string()), folder.path());
+    ASSERT_EQ(info.status, 0) << info.err;
+    const std::vector<std::string> lines = info.lines();
+    // Each operation with its Config and the size of its image, then its links.
+    const auto shown = [&](const Placed& each, int32_t instance) {
+        const std::string head = "  Operation " + std::to_string(each.place + 1) + ": MethodID " +
+                                 std::to_string(each.method) + "  HexFileVersion " +
+                                 std::to_string(operation(each.place)->itfFBMethod_HexFileVersion()) +
+                                 "  FatherInstanceNum " + std::to_string(instance) + "  BinaryOperands " +
+                                 std::to_string(each.image.size()) + " bytes";
+        std::vector<std::string> block = linesFrom(lines, head);
+        EXPECT_FALSE(block.empty()) << head << "\n" << info.out;
+        return block;
+    };
+    const auto expectLinks = [](const std::vector<std::string>& block, const std::vector<std::string>& links) {
+        ASSERT_GE(block.size(), links.size() + 3);
+        EXPECT_EQ(block[1], "    InOperands: none");
+        EXPECT_EQ(block[2], links.empty() ? "    OutOperands: none" : "    OutOperands:");
+        for (size_t i = 0; i < links.size(); ++i) {
+            EXPECT_EQ(block[3 + i].rfind("      " + std::to_string(i + 1) + "  ", 0), 0u) << block[3 + i];
+            EXPECT_NE(block[3 + i].find("  " + links[i]), std::string::npos) << block[3 + i];
+        }
+    };
+    expectLinks(shown(placed[0], 1), {});
+    expectLinks(shown(placed[1], 1), {"MB 60", "MI 61", "MI 62"});
+    expectLinks(shown(placed[2], 1), {"MB 70"});
+    expectLinks(shown(placed[3], 1), {"MB 80", "MI 81", "MI 82", "MI 83", "MI 84"});
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "  FatherID 170100  InstanceNum 1  Printer  Data 0 bytes"),
+              lines.end())
+        << info.out;
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "Links: " + std::to_string(host->ToProject().Links.size())),
+              lines.end())
+        << info.out;
+
+    // The bundle qxfb writes, and the one the workbench exports, carry the
+    // four images byte for byte.
+    const std::filesystem::path cliBundle = folder.path() / "cli_bundle", ownBundle = folder.path() / "bundle";
+    const test::CliRun bundle = test::runCli(
+        program,
+        "project bundle " + test::shellQuoted(file.string()) + " " + test::shellQuoted(cliBundle.string()) +
+            " --component " + test::shellQuoted(QXFB_BUILT_COMPONENT) + " --app-folder " +
+            test::shellQuoted(QXFB_SOURCE_TREE "/runtime/bin"),
+        folder.path());
+    ASSERT_EQ(bundle.status, 0) << bundle.err;
+    onModal(QStringLiteral("BundleWritten"), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    ASSERT_TRUE(window->ExportBundle(QString::fromStdString(ownBundle.string())));
+    for (const Placed& each : placed) {
+        const std::string name =
+            "operations/net001_op00" + std::to_string(each.place + 1) + "_" + std::to_string(each.method) + ".bin";
+        const std::string image(each.image.begin(), each.image.end());
+        EXPECT_EQ(test::readFile(cliBundle / name), image) << name;
+        EXPECT_EQ(test::readFile(ownBundle / name), image) << name;
+    }
+    EXPECT_NE(test::readFile(cliBundle / "manifest.json").find("net001_op006_170202.bin"), std::string::npos);
 }
 
 }  // namespace
