@@ -14,10 +14,10 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableView>
-#include <QPointer>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -98,7 +98,8 @@ QString cell(QTableView& grid, int row, int col) { return grid.model()->index(ro
 // two digits and a field's number included).
 QString rowText(QTableView& grid, int row, int fromCol, int count) {
     QString text;
-    for (int c = fromCol; c < fromCol + count; ++c) text += cell(grid, row, c).isEmpty() ? QStringLiteral(" ") : cell(grid, row, c);
+    for (int c = fromCol; c < fromCol + count; ++c)
+        text += cell(grid, row, c).isEmpty() ? QStringLiteral(" ") : cell(grid, row, c);
     return text;
 }
 
@@ -315,9 +316,9 @@ Expected expectedSerialSend(int stage) {
     set.AppendMessage();
     set.PasteMessage(3);
     test::linkOperand(*set.OpMessageNumber(), 3, 50);
-    return stage == 0 ? expectedOf(set) : editedFromImage(set, [](clsProtocolSendSrv& again) {
-        again.GetMessage(2)->InsertChar(2, L"X");
-    });
+    return stage == 0
+               ? expectedOf(set)
+               : editedFromImage(set, [](clsProtocolSendSrv& again) { again.GetMessage(2)->InsertChar(2, L"X"); });
 }
 
 // The serial Scan of the road below: "NAK"; "CK", a field on MI 63 (its decimal point at MI 64), CR;
@@ -341,9 +342,9 @@ Expected expectedSerialScan(int stage) {
     set.InsertMessageBefore(1);
     typeInto(*set.GetMessage(1), 0, L"NAK");
     set.DeleteMessage(2);
-    return stage == 0 ? expectedOf(set) : editedFromImage(set, [](clsProtocolScanSrv& again) {
-        again.GetMessage(1)->InsertChar(3, L"!");
-    });
+    return stage == 0
+               ? expectedOf(set)
+               : editedFromImage(set, [](clsProtocolScanSrv& again) { again.GetMessage(1)->InsertChar(3, L"!"); });
 }
 
 // The TCP/IP Send of the road below: "PING"; "RY", a field on MI 72, CR;
@@ -363,9 +364,9 @@ Expected expectedEthSend(int stage) {
     set.PasteMessage(2);
     typeInto(*set.GetMessage(1), 0, L"PING");
     test::linkOperand(*set.OpMessageNumber(), 3, 71);
-    return stage == 0 ? expectedOf(set) : editedFromImage(set, [](clsEthProtocolSendSrv& again) {
-        again.GetMessage(1)->InsertChar(4, L"!");
-    });
+    return stage == 0
+               ? expectedOf(set)
+               : editedFromImage(set, [](clsEthProtocolSendSrv& again) { again.GetMessage(1)->InsertChar(4, L"!"); });
 }
 
 // The TCP/IP Scan of the road below: "AL=", a field on MI 90 (its decimal point at MI 91), CR (the LF
@@ -383,9 +384,9 @@ Expected expectedEthScan(int stage) {
     first.AddControlChar(3 + length, 13);
     first.AddControlChar(4 + length, 10);
     first.DeleteControlChar(4 + length);
-    return stage == 0 ? expectedOf(set) : editedFromImage(set, [](clsEthProtocolScanSrv& again) {
-        again.GetMessage(1)->InsertChar(0, L"V");
-    });
+    return stage == 0
+               ? expectedOf(set)
+               : editedFromImage(set, [](clsEthProtocolScanSrv& again) { again.GetMessage(1)->InsertChar(0, L"V"); });
 }
 
 // Where two images part, for the message of a failed comparison.
@@ -438,19 +439,19 @@ protected:
 
     // What a road saw on the way, for the assertions.
     struct Seen {
-        QStringList cells;     // texts of grid cells, in the order the road names them
-        QStringList boxes;     // questions of the message set
-        QStringList bands;     // popup bands that opened
-        QString fieldLink;     // the field dialog on the placed field
+        QStringList cells;  // texts of grid cells, in the order the road names them
+        QStringList boxes;  // questions of the message set
+        QStringList bands;  // popup bands that opened
+        QString fieldLink;  // the field dialog on the placed field
         bool okBeforeLink = true;
-        int endColumn = -1;    // where End took the caret
-        int homeColumn = -1;   // and Home
-        int numbersAt = -1;    // where the number column then stood in the view
+        int endColumn = -1;   // where End took the caret
+        int homeColumn = -1;  // and Home
+        int numbersAt = -1;   // where the number column then stood in the view
     };
 
     MethodPtr operation(size_t place) const {
         return host->Nets().empty() || host->Nets()[0].Operations.size() <= place ? nullptr
-                                                                                   : host->Nets()[0].Operations[place];
+                                                                                  : host->Nets()[0].Operations[place];
     }
     Bytes imageAt(size_t place) const {
         const MethodPtr op = operation(place);
@@ -630,7 +631,8 @@ protected:
 
     // TCP/IP Send, after a TCP/IP Config. The picker opens by itself for
     // the success flag: MB 70. "QRY?", Backspace, Home, Delete gives "RY";
-    // End, Home, two Right; a field on MI 72 through the popup; CR through
+    // End, Home, two Right; a field on MI 72 through the popup, looked at
+    // by a double-click and through its own popup; CR through
     // the popup behind it; a message inserted after (Yes), "ACK" typed;
     // message 0 cut, pasted over message 1, "PING" typed into the empty
     // message 0; the message number from MI 71; OK.
@@ -654,6 +656,11 @@ protected:
             seen.bands << pickFromPopup(grid, 0, 3, "ID_NewVar");
             lookAtFieldAndCancel(seen.fieldLink);
             doubleClickCell(grid, 0, 3);
+            // The field's own popup opens the same dialog.
+            QString linkFromPopup;
+            lookAtFieldAndCancel(linkFromPopup);
+            seen.bands << pickFromPopup(grid, 0, 4, "ID_EditVar");
+            seen.cells << linkFromPopup;
             chooseControlChar(13);
             seen.bands << pickFromPopup(grid, 0, 3 + L, "ID_ControlChar");
             seen.cells << rowText(grid, 0, 1, 3 + L);
@@ -853,14 +860,16 @@ TEST_F(MessageOperationsTest, ATcpIpSendIsFilledInItsDialogSavedReopenedEditedAn
     EXPECT_EQ(seen.homeColumn, 1);
     EXPECT_EQ(seen.numbersAt, 0);
     EXPECT_TRUE(seen.fieldLink.startsWith(QStringLiteral("MI 72"))) << seen.fieldLink.toStdString();
-    EXPECT_EQ(seen.bands, (QStringList{QStringLiteral("popEmptyArea"), QStringLiteral("popEmptyArea")}));
-    ASSERT_EQ(seen.cells.size(), 5);
-    EXPECT_EQ(seen.cells[0], QStringLiteral("RY") + QString(L, QChar('1')) + QStringLiteral("0D"));
-    EXPECT_EQ(seen.cells[1], QStringLiteral("PING"));
-    EXPECT_EQ(seen.cells[2], seen.cells[0]);
+    EXPECT_EQ(seen.bands, (QStringList{QStringLiteral("popEmptyArea"), QStringLiteral("popOnVar"),
+                                       QStringLiteral("popEmptyArea")}));
+    ASSERT_EQ(seen.cells.size(), 6);
+    EXPECT_EQ(seen.cells[0], seen.fieldLink);
+    EXPECT_EQ(seen.cells[1], QStringLiteral("RY") + QString(L, QChar('1')) + QStringLiteral("0D"));
+    EXPECT_EQ(seen.cells[2], QStringLiteral("PING"));
+    EXPECT_EQ(seen.cells[3], seen.cells[1]);
     EXPECT_FALSE(seen.okBeforeLink);
-    EXPECT_TRUE(seen.cells[3].startsWith(QStringLiteral("MI 71"))) << seen.cells[3].toStdString();
-    EXPECT_TRUE(seen.cells[4].startsWith(QStringLiteral("MB 70"))) << seen.cells[4].toStdString();
+    EXPECT_TRUE(seen.cells[4].startsWith(QStringLiteral("MI 71"))) << seen.cells[4].toStdString();
+    EXPECT_TRUE(seen.cells[5].startsWith(QStringLiteral("MB 70"))) << seen.cells[5].toStdString();
     ASSERT_EQ(seen.boxes.size(), 1);
     EXPECT_FALSE(seen.boxes[0].isEmpty());
 
@@ -983,7 +992,8 @@ TEST_F(MessageOperationsTest, ClearAllAsksAndNoKeepsEveryMessage) {
 // The lines of qxfb's output from the first that starts with the text on.
 std::vector<std::string> linesFrom(const std::vector<std::string>& lines, const std::string& start) {
     for (size_t i = 0; i < lines.size(); ++i)
-        if (lines[i].rfind(start, 0) == 0) return std::vector<std::string>(lines.begin() + static_cast<long>(i), lines.end());
+        if (lines[i].rfind(start, 0) == 0)
+            return std::vector<std::string>(lines.begin() + static_cast<long>(i), lines.end());
     return {};
 }
 
@@ -1009,7 +1019,8 @@ TEST_F(MessageOperationsTest, QxfbShowsAndBundlesTheFourOperationsAsTheWorkbench
                                      {5, EthScan, expectedEthScan(0).image}};
     for (const Placed& each : placed) {
         ASSERT_EQ(operation(each.place)->itfFBMethod_MethodID(), each.method);
-        EXPECT_EQ(imageAt(each.place), each.image) << each.method << ": " << whereTheyDiffer(imageAt(each.place), each.image);
+        EXPECT_EQ(imageAt(each.place), each.image)
+            << each.method << ": " << whereTheyDiffer(imageAt(each.place), each.image);
     }
     const std::filesystem::path file = folder.path() / "plant.qxfbproj";
     ASSERT_TRUE(window->SaveFile(QString::fromStdString(file.string())));
@@ -1046,20 +1057,19 @@ TEST_F(MessageOperationsTest, QxfbShowsAndBundlesTheFourOperationsAsTheWorkbench
     EXPECT_NE(std::find(lines.begin(), lines.end(), "  FatherID 170100  InstanceNum 1  Printer  Data 0 bytes"),
               lines.end())
         << info.out;
-    EXPECT_NE(std::find(lines.begin(), lines.end(),
-                        "Links: " + std::to_string(host->ToProject().Links.size())),
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "Links: " + std::to_string(host->ToProject().Links.size())),
               lines.end())
         << info.out;
 
     // The bundle qxfb writes, and the one the workbench exports, carry the
     // four images byte for byte.
     const std::filesystem::path cliBundle = folder.path() / "cli_bundle", ownBundle = folder.path() / "bundle";
-    const test::CliRun bundle = test::runCli(
-        program,
-        "project bundle " + test::shellQuoted(file.string()) + " " + test::shellQuoted(cliBundle.string()) +
-            " --component " + test::shellQuoted(QXFB_BUILT_COMPONENT) + " --app-folder " +
-            test::shellQuoted(QXFB_SOURCE_TREE "/runtime/bin"),
-        folder.path());
+    const test::CliRun bundle = test::runCli(program,
+                                             "project bundle " + test::shellQuoted(file.string()) + " " +
+                                                 test::shellQuoted(cliBundle.string()) + " --component " +
+                                                 test::shellQuoted(QXFB_BUILT_COMPONENT) + " --app-folder " +
+                                                 test::shellQuoted(QXFB_SOURCE_TREE "/runtime/bin"),
+                                             folder.path());
     ASSERT_EQ(bundle.status, 0) << bundle.err;
     onModal(QStringLiteral("BundleWritten"), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
     ASSERT_TRUE(window->ExportBundle(QString::fromStdString(ownBundle.string())));

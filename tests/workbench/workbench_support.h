@@ -49,7 +49,9 @@ inline void clickCell(QTableView& grid, int row, int col, bool ellipsis = false)
                       ellipsis ? QPoint(cell.right() - 6, cell.center().y()) : cell.center());
 }
 
-inline QString cellText(QTableView& grid, int row, int col) { return grid.model()->index(row - 1, col).data().toString(); }
+inline QString cellText(QTableView& grid, int row, int col) {
+    return grid.model()->index(row - 1, col).data().toString();
+}
 
 // Chooses the entry `steps` down the picker's constant list and presses OK.
 inline void pickFromConstantList(QWidget& picker, int steps) {
