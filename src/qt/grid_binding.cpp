@@ -497,7 +497,8 @@ private:
         if (grid_.FixedCols() <= 0 || col < grid_.FixedCols()) return;
         QScrollBar* bar = view_.horizontalScrollBar();
         if (bar->value() == bar->minimum()) return;
-        const int right = view_.columnViewportPosition(col) + view_.horizontalHeader()->offset() + view_.columnWidth(col);
+        const int right =
+            view_.columnViewportPosition(col) + view_.horizontalHeader()->offset() + view_.columnWidth(col);
         if (right <= view_.viewport()->width()) bar->setValue(bar->minimum());
     }
 
