@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <algorithm>
@@ -485,6 +486,20 @@ private:
         if (grid_.SelectionMode() == Grid::SelectionByRow) flags |= QItemSelectionModel::Rows;
         view_.selectionModel()->setCurrentIndex(current, flags);
         view_.scrollTo(current);
+        showFixedColumns(current.column());
+    }
+
+    // The grid's fixed columns (a message grid's numbers) stay at its left
+    // edge. The view scrolls them away with the rest: whenever the current
+    // cell fits beside them, the view goes back to its left edge, so that a
+    // caret brought back to the start (Home after End) shows them again.
+    void showFixedColumns(int col) {
+        if (grid_.FixedCols() <= 0 || col < grid_.FixedCols()) return;
+        QScrollBar* bar = view_.horizontalScrollBar();
+        if (bar->value() == bar->minimum()) return;
+        const int right =
+            view_.columnViewportPosition(col) + view_.horizontalHeader()->offset() + view_.columnWidth(col);
+        if (right <= view_.viewport()->width()) bar->setValue(bar->minimum());
     }
 
     void showEditor() {

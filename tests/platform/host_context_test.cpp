@@ -148,6 +148,23 @@ TEST(HostServices, MessageTextFillsParameters) {
     EXPECT_EQ(clsTextTable().GetText(24), L"Busy");
 }
 
+// A desktop host shows a message that ends with a question mark with Yes
+// and No: the questions of the message dialogs must read as questions, and
+// every message they show has words of its own.
+TEST(HostServices, TheMessageDialogsQuestionsAskAndTheirMessagesHaveWords) {
+    ScopedHostContext context;
+    for (int32_t question : {142, 147, 155, 156, 157}) {
+        const std::wstring text = clsTextTable().GetMessageText(question, {});
+        ASSERT_FALSE(text.empty()) << question;
+        EXPECT_EQ(text.back(), L'?') << question;
+    }
+    for (int32_t number = 140; number <= 160; ++number)
+        EXPECT_NE(clsTextTable().GetMessageText(number, {}), L"Message " + std::to_wstring(number));
+    EXPECT_EQ(clsTextTable().GetMessageText(144, {L"3"}),
+              L"Message 3 is empty; only messages at the end of the list may be empty.");
+    EXPECT_NE(clsTextTable().GetMessageText(151, {}).back(), L'?');
+}
+
 TEST(HostServices, DeviceCapsAnswersPixelsPerInch) {
     ScopedHostContext context;
     context->DpiX = 120;

@@ -236,6 +236,26 @@ TEST_F(MessageGridBindingTest, AGridWithoutFixedRowsShowsNoHeaderRowAndAllItsRow
     EXPECT_EQ(grid->columnWidth(2), 20);
 }
 
+TEST_F(MessageGridBindingTest, TheNumberColumnShowsAgainWhenTheCaretComesBackToTheStart) {
+    form.FlgScan.Cols(502);
+    for (int32_t c = 2; c < 502; ++c) form.FlgScan.ColWidth(c, 300);
+    QApplication::processEvents();
+    // End takes the caret to the last column, far to the right: the view
+    // scrolls there and the number column is out of sight.
+    QTest::keyClick(grid, Qt::Key_End);
+    EXPECT_EQ(form.FlgScan.Col(), 501);
+    EXPECT_LT(grid->columnViewportPosition(0), 0);
+    // Back on a column that fits beside it, the number column shows again.
+    form.FlgScan.Col(2);
+    EXPECT_EQ(grid->columnViewportPosition(0), 0);
+    EXPECT_GE(grid->columnViewportPosition(2), grid->columnWidth(0));
+    // Far right, the caret's cell stays what the view shows.
+    form.FlgScan.Col(400);
+    const int x = grid->columnViewportPosition(400);
+    EXPECT_GE(x, 0);
+    EXPECT_LE(x + grid->columnWidth(400), grid->viewport()->width());
+}
+
 TEST_F(MessageGridBindingTest, AColumnsAlignmentAlignsItsCells) {
     EXPECT_EQ(at(1, 2).data(Qt::TextAlignmentRole).value<Qt::Alignment>(), Qt::AlignHCenter | Qt::AlignVCenter);
     EXPECT_FALSE(at(1, 1).data(Qt::TextAlignmentRole).isValid());
