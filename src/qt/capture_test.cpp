@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QRegularExpression>
 #include <optional>
 #include <span>
@@ -78,13 +79,25 @@ CaptureTestPane::CaptureTestPane(Target target, QWidget* parent)
     // A few lines in sight, the rest behind a scroll bar: the grid keeps its room.
     result_->setReadOnly(true);
     result_->setMaximumHeight(result_->fontMetrics().lineSpacing() * 5 + 10);
-    // The dialog's Enter is OK; here it runs the test.
-    connect(bytes_, &QLineEdit::returnPressed, this, [this] { TestHex(bytes_->text()); });
+    bytes_->installEventFilter(this);
+    // Enter is the form's key: these buttons never press themselves on it.
+    for (QPushButton* button : {run_, file_}) button->setAutoDefault(false);
     connect(run_, &QPushButton::clicked, this, [this] { TestHex(bytes_->text()); });
     connect(file_, &QPushButton::clicked, this, [this] {
         const QString path = QFileDialog::getOpenFileName(this, tr("Captured bytes"));
         if (!path.isEmpty()) TestFile(path);
     });
+}
+
+bool CaptureTestPane::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == bytes_ && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            TestHex(bytes_->text());
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 bool CaptureTestPane::TestHex(const QString& hex) {

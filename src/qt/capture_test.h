@@ -37,6 +37,11 @@ public:
     // The lines of the last result, as shown.
     QString ResultText() const { return result_->toPlainText(); }
 
+protected:
+    // Enter in the bytes runs the test and goes no further: in the dialog
+    // it is the form's key.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void test(const std::vector<uint8_t>& capture);
 
