@@ -168,8 +168,13 @@ void WorkbenchWindow::buildMenus() {
     add(file, QStringLiteral("actionNew"), QStringLiteral("&New project"), QKeySequence::New, [this] { newProject(); });
     add(file, QStringLiteral("actionOpen"), QStringLiteral("&Open..."), QKeySequence::Open, [this] { openProject(); });
     add(file, QStringLiteral("actionSave"), QStringLiteral("&Save"), QKeySequence::Save, [this] { saveProject(); });
-    add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence::SaveAs,
-        [this] { saveProjectAs(); });
+    QAction* saveAs = add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence(),
+                          [this] { saveProjectAs(); });
+    // Ctrl+Shift+S everywhere, also where the platform binds no key to Save as.
+    QList<QKeySequence> saveAsKeys{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)};
+    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::SaveAs))
+        if (!saveAsKeys.contains(keys)) saveAsKeys << keys;
+    saveAs->setShortcuts(saveAsKeys);
     file->addSeparator();
     add(file, QStringLiteral("actionExportBundle"), QStringLiteral("&Export download bundle..."),
         QKeySequence(Qt::CTRL | Qt::Key_E), [this] { exportBundle(); });
@@ -379,8 +384,8 @@ bool WorkbenchWindow::guarded(const std::function<void()>& action) {
 
 void WorkbenchWindow::updateTitle() {
     const QString name = filePath_.isEmpty() ? QStringLiteral("untitled") : QFileInfo(filePath_).fileName();
-    setWindowTitle(name + (host_.Modified() ? QStringLiteral(" *") : QString()) +
-                   QStringLiteral(" - QxFBCom2 workbench"));
+    setWindowTitle(name + (readOnly_ ? QStringLiteral(" (read-only)") : QString()) +
+                   (host_.Modified() ? QStringLiteral(" *") : QString()) + QStringLiteral(" - QxFBCom2 workbench"));
 }
 
 std::optional<std::pair<size_t, size_t>> WorkbenchWindow::currentPlace() const {
@@ -529,7 +534,19 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
     if (!guarded([&] { project = loadProject(QFile::encodeName(path).toStdString()); })) return false;
     std::vector<std::wstring> leftOut;
     const bool opened = guarded([&] { leftOut = host_.Open(project); });
+    guard_ = ProjectGuard();
+    readOnly_ = false;
     filePath_ = opened ? path : QString();
+    if (opened) {
+        guard_.Stamp(path);
+        QString reason;
+        if (guard_.Lock(path, reason) != ProjectGuard::LockResult::Taken) {
+            readOnly_ = true;
+            showBox(QStringLiteral("ReadOnlyProject"), QMessageBox::Information, QStringLiteral("Open project"),
+                    QStringLiteral("%1 is opened read-only: %2. Save will not write it; Save as writes a copy.")
+                        .arg(path, reason));
+        }
+    }
     refresh();
     if (!leftOut.empty()) {
         QStringList lines;
@@ -542,7 +559,36 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
 }
 
 bool WorkbenchWindow::SaveFile(const QString& path) {
+    const bool samePlace = !filePath_.isEmpty() && QFileInfo(path) == QFileInfo(filePath_);
+    if (samePlace && readOnly_) {
+        showError(QStringLiteral("Cannot save %1: it was opened read-only, since another workbench has it open. "
+                                 "Save as writes this project under another name.")
+                      .arg(path));
+        return false;
+    }
+    // Another file: it must not be open in another workbench either.
+    ProjectGuard target;
+    if (!samePlace) {
+        QString reason;
+        // A folder without room for a lock is left to the save to judge.
+        if (target.Lock(path, reason) == ProjectGuard::LockResult::HeldByOther) {
+            showError(QStringLiteral("Cannot save %1: %2, and saving would overwrite its work.").arg(path, reason));
+            return false;
+        }
+    }
+    if (samePlace && guard_.ChangedOnDisk(path) &&
+        showBox(QStringLiteral("ChangedOnDisk"), QMessageBox::Warning, QStringLiteral("Save project"),
+                QStringLiteral("%1 was changed on disk since this workbench opened or saved it. Overwrite those "
+                               "changes with this project?")
+                    .arg(path),
+                QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+        return false;
     if (!guarded([&] { qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject()); })) return false;
+    if (!samePlace) {
+        guard_ = std::move(target);
+        readOnly_ = false;
+    }
+    guard_.Stamp(path);
     filePath_ = path;
     host_.MarkSaved();
     updateTitle();
@@ -586,6 +632,8 @@ bool WorkbenchWindow::maySkipUnsaved() {
 void WorkbenchWindow::newProject() {
     if (!maySkipUnsaved()) return;
     host_.Clear();
+    guard_ = ProjectGuard();
+    readOnly_ = false;
     filePath_.clear();
     refresh();
 }

@@ -16,6 +16,7 @@
 #include <optional>
 #include <vector>
 
+#include "project_guard.h"
 #include "workbench_host.h"
 
 namespace qx {
@@ -32,6 +33,9 @@ public:
     bool OpenFile(const QString& path);
     bool SaveFile(const QString& path);
     const QString& FilePath() const { return filePath_; }
+    // True while another workbench holds the open file: Save refuses it,
+    // Save as writes a copy.
+    bool ReadOnly() const { return readOnly_; }
     // Writes the download bundle of the project into the folder (new or
     // empty) and says how many files it wrote.
     bool ExportBundle(const QString& folder);
@@ -93,6 +97,8 @@ private:
     QTreeWidget* operands_;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;
+    ProjectGuard guard_;
+    bool readOnly_ = false;
     std::map<int32_t, QIcon> blockIcons_;
 };
 
