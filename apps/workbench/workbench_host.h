@@ -83,6 +83,18 @@ public:
     std::vector<std::pair<size_t, size_t>> MoveOperand(int32_t netId, int32_t type, int32_t address,
                                                        int32_t newAddress);
 
+    // What would keep a block from working on the controller, found before
+    // a download: a Send or Scan without messages (its image is empty), an
+    // operand not linked, an operation without its Config instance, and an
+    // operand that two blocks both write. Net and place of the block the
+    // problem is about; Text names it in words.
+    struct Problem {
+        size_t Net = 0;
+        size_t Place = 0;
+        std::wstring Text;
+    };
+    std::vector<Problem> CheckProject() const;
+
     // The whole project as the file keeps it, and back: a reopen is
     // GetFBMethodObject, Init, the Lets of the stored blocks, BuildOperands.
     Project ToProject() const;

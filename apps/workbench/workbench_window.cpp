@@ -98,7 +98,8 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
       operands_(newTree(QStringLiteral("operands"),
                         {QStringLiteral("Operand"), QStringLiteral("Description"), QStringLiteral("Links"),
                          QStringLiteral("Used by")},
-                        this)) {
+                        this)),
+      problems_(newTree(QStringLiteral("problems"), {QStringLiteral("Problem")}, this)) {
     setObjectName(QStringLiteral("WorkbenchWindow"));
     // Every dialog of the component opens over this window from now on.
     previousDriver_ = host_.Context().Driver;
@@ -132,6 +133,26 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     operandsDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
     addDockWidget(Qt::BottomDockWidgetArea, operandsDock);
     resizeDocks({operandsDock}, {150}, Qt::Vertical);
+    // The check's findings, beside the operands; a double-click goes to the block.
+    problemsDock_ = new QDockWidget(QStringLiteral("Problems"), this);
+    problemsDock_->setObjectName(QStringLiteral("problemsDock"));
+    problemsDock_->setWidget(problems_);
+    problemsDock_->setFeatures(QDockWidget::DockWidgetClosable);
+    addDockWidget(Qt::BottomDockWidgetArea, problemsDock_);
+    tabifyDockWidget(operandsDock, problemsDock_);
+    operandsDock->raise();
+    problems_->setRootIsDecorated(false);
+    connect(problems_, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* problem) {
+        for (int n = 0; n < ladder_->topLevelItemCount(); ++n) {
+            QTreeWidgetItem* net = ladder_->topLevelItem(n);
+            for (int b = 0; b < net->childCount(); ++b)
+                if (net->child(b)->data(0, NetRole) == problem->data(0, NetRole) &&
+                    net->child(b)->data(0, PlaceRole) == problem->data(0, PlaceRole)) {
+                    ladder_->setCurrentItem(net->child(b));
+                    ladder_->setFocus();
+                }
+        }
+    });
     operands_->setRootIsDecorated(false);
     operands_->setUniformRowHeights(true);
 
@@ -176,6 +197,8 @@ void WorkbenchWindow::buildMenus() {
         if (!saveAsKeys.contains(keys)) saveAsKeys << keys;
     saveAs->setShortcuts(saveAsKeys);
     file->addSeparator();
+    add(file, QStringLiteral("actionCheckProject"), QStringLiteral("&Check project"), QKeySequence(Qt::Key_F7),
+        [this] { CheckProject(); });
     add(file, QStringLiteral("actionExportBundle"), QStringLiteral("&Export download bundle..."),
         QKeySequence(Qt::CTRL | Qt::Key_E), [this] { exportBundle(); });
     file->addSeparator();
@@ -596,6 +619,19 @@ bool WorkbenchWindow::SaveFile(const QString& path) {
 }
 
 bool WorkbenchWindow::ExportBundle(const QString& folder) {
+    // Blocks that cannot work go to the controller only when the person says so.
+    if (CheckProject() > 0) {
+        QStringList lines;
+        for (int i = 0; i < problems_->topLevelItemCount() && i < 10; ++i) lines << problems_->topLevelItem(i)->text(0);
+        if (problems_->topLevelItemCount() > 10)
+            lines << QStringLiteral("... and %1 more in the Problems pane").arg(problems_->topLevelItemCount() - 10);
+        if (showBox(QStringLiteral("ExportWithProblems"), QMessageBox::Warning,
+                    QStringLiteral("Export download bundle"),
+                    QStringLiteral("The project has problems that keep blocks from working:\n\n%1\n\nExport anyway?")
+                        .arg(lines.join('\n')),
+                    QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+            return false;
+    }
     std::vector<BundleFile> files;
     if (!guarded([&] {
             files = writeDownloadBundle(host_.ToProject(), QFile::encodeName(folder).toStdString(),
@@ -607,6 +643,23 @@ bool WorkbenchWindow::ExportBundle(const QString& folder) {
                 .arg(files.size())
                 .arg(folder, QString::fromUtf8(BundleManifestName)));
     return true;
+}
+
+int WorkbenchWindow::CheckProject() {
+    const std::vector<WorkbenchHost::Problem> found = host_.CheckProject();
+    problems_->clear();
+    for (const WorkbenchHost::Problem& problem : found) {
+        auto* item = new QTreeWidgetItem(problems_, {toQString(problem.Text)});
+        item->setData(0, NetRole, static_cast<qulonglong>(problem.Net));
+        item->setData(0, PlaceRole, static_cast<qulonglong>(problem.Place));
+    }
+    problemsDock_->setWindowTitle(found.empty() ? QStringLiteral("Problems")
+                                                : QStringLiteral("Problems (%1)").arg(found.size()));
+    problemsDock_->show();
+    problemsDock_->raise();
+    statusBar()->showMessage(found.empty() ? QStringLiteral("The check found no problem.")
+                                           : QStringLiteral("The check found %1 problems.").arg(found.size()));
+    return static_cast<int>(found.size());
 }
 
 void WorkbenchWindow::exportBundle() {

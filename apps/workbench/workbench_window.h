@@ -5,6 +5,7 @@
 // window installs in the component's host context for its lifetime.
 #pragma once
 #include <QAction>
+#include <QDockWidget>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -37,7 +38,8 @@ public:
     // Save as writes a copy.
     bool ReadOnly() const { return readOnly_; }
     // Writes the download bundle of the project into the folder (new or
-    // empty) and says how many files it wrote.
+    // empty) and says how many files it wrote. The project is checked
+    // first; with problems, it asks before it writes anything.
     bool ExportBundle(const QString& folder);
 
     // Places an operation of the palette in the current net (a new net when
@@ -50,6 +52,10 @@ public:
     QTreeWidget* Ladder() const { return ladder_; }
     QTreeWidget* Instances() const { return instances_; }
     QTreeWidget* Operands() const { return operands_; }
+    QTreeWidget* Problems() const { return problems_; }
+    // Runs the check of the project into the Problems pane and shows it;
+    // answers how many problems it found.
+    int CheckProject();
     // Moves the operand of the operands view's current row, asking for its
     // new address; false when nothing moved.
     bool MoveCurrentOperand();
@@ -95,6 +101,8 @@ private:
     QTreeWidget* ladder_;
     QTreeWidget* instances_;
     QTreeWidget* operands_;
+    QTreeWidget* problems_;
+    QDockWidget* problemsDock_ = nullptr;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;
     ProjectGuard guard_;
