@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -31,6 +32,15 @@
 namespace qx {
 
 namespace {
+
+constexpr int MaxRecentFiles = 8;
+
+// The user's settings of the workbench: an ini file in the user's
+// configuration folder, so that tests can point it elsewhere.
+QSettings userSettings() {
+    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("QxFBCom2"),
+                     QStringLiteral("workbench"));
+}
 
 // What a palette or ladder item stands for.
 constexpr int MethodIdRole = Qt::UserRole;
@@ -164,6 +174,10 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     });
     connect(ladder_, &QTreeWidget::itemDoubleClicked, this, [this] { editCurrent(); });
     resize(1100, 640);
+    // As the person left it last time.
+    const QSettings settings = userSettings();
+    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("panes")).toByteArray());
     refresh();
 }
 
@@ -188,6 +202,9 @@ void WorkbenchWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     add(file, QStringLiteral("actionNew"), QStringLiteral("&New project"), QKeySequence::New, [this] { newProject(); });
     add(file, QStringLiteral("actionOpen"), QStringLiteral("&Open..."), QKeySequence::Open, [this] { openProject(); });
+    recentMenu_ = file->addMenu(QStringLiteral("Open &recent"));
+    recentMenu_->setObjectName(QStringLiteral("menuRecent"));
+    fillRecentMenu();
     add(file, QStringLiteral("actionSave"), QStringLiteral("&Save"), QKeySequence::Save, [this] { saveProject(); });
     QAction* saveAs = add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence(),
                           [this] { saveProjectAs(); });
@@ -551,6 +568,34 @@ int WorkbenchWindow::showBox(const QString& name, QMessageBox::Icon icon, const 
     return box.exec();
 }
 
+QStringList WorkbenchWindow::RecentFiles() const {
+    return userSettings().value(QStringLiteral("recentFiles")).toStringList();
+}
+
+void WorkbenchWindow::remember(const QString& path) {
+    QStringList recent = RecentFiles();
+    const QString full = QFileInfo(path).absoluteFilePath();
+    recent.removeAll(full);
+    recent.prepend(full);
+    while (recent.size() > MaxRecentFiles) recent.removeLast();
+    userSettings().setValue(QStringLiteral("recentFiles"), recent);
+    fillRecentMenu();
+}
+
+void WorkbenchWindow::fillRecentMenu() {
+    recentMenu_->clear();
+    const QStringList recent = RecentFiles();
+    for (int i = 0; i < recent.size(); ++i) {
+        const QString path = recent[i];
+        QAction* action = recentMenu_->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(path));
+        action->setObjectName(QStringLiteral("actionRecent%1").arg(i + 1));
+        connect(action, &QAction::triggered, this, [this, path] {
+            if (maySkipUnsaved()) OpenFile(path);
+        });
+    }
+    recentMenu_->setEnabled(!recent.isEmpty());
+}
+
 bool WorkbenchWindow::OpenFile(const QString& path) {
     // Read first: a file that cannot be read leaves the open project as it is.
     Project project;
@@ -561,6 +606,7 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
     readOnly_ = false;
     filePath_ = opened ? path : QString();
     if (opened) {
+        remember(path);
         guard_.Stamp(path);
         QString reason;
         if (guard_.Lock(path, reason) != ProjectGuard::LockResult::Taken) {
@@ -613,6 +659,7 @@ bool WorkbenchWindow::SaveFile(const QString& path) {
     }
     guard_.Stamp(path);
     filePath_ = path;
+    remember(path);
     host_.MarkSaved();
     updateTitle();
     return true;
@@ -709,10 +756,14 @@ bool WorkbenchWindow::saveProjectAs() {
 }
 
 void WorkbenchWindow::closeEvent(QCloseEvent* event) {
-    if (maySkipUnsaved())
-        event->accept();
-    else
+    if (!maySkipUnsaved()) {
         event->ignore();
+        return;
+    }
+    QSettings settings = userSettings();
+    settings.setValue(QStringLiteral("geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("panes"), saveState());
+    event->accept();
 }
 
 }  // namespace qx

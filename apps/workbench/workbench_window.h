@@ -53,6 +53,9 @@ public:
     QTreeWidget* Instances() const { return instances_; }
     QTreeWidget* Operands() const { return operands_; }
     QTreeWidget* Problems() const { return problems_; }
+    // The projects opened or saved last, the latest first (at most 8); kept
+    // with the window's size and panes in the user's settings.
+    QStringList RecentFiles() const;
     // Runs the check of the project into the Problems pane and shows it;
     // answers how many problems it found.
     int CheckProject();
@@ -70,6 +73,8 @@ private:
     void refreshInstances();
     void refreshOperands();
     void updateTitle();
+    void remember(const QString& path);
+    void fillRecentMenu();
     void placeCurrent();
     void editCurrent();
     void deleteCurrent();
@@ -102,6 +107,7 @@ private:
     QTreeWidget* instances_;
     QTreeWidget* operands_;
     QTreeWidget* problems_;
+    QMenu* recentMenu_ = nullptr;
     QDockWidget* problemsDock_ = nullptr;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;

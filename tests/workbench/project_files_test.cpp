@@ -139,6 +139,35 @@ TEST_F(ProjectFilesTest, AFileChangedOnDiskIsNotOverwrittenWithoutAQuestion) {
     EXPECT_TRUE(window->SaveFile(path));
 }
 
+TEST_F(ProjectFilesTest, RecentFilesComeFirstInTheFileMenuAndOpenAgain) {
+    const QString first = savedProject("first.qxfbproj");
+    const QString second = file("second.qxfbproj");
+    ASSERT_TRUE(window->SaveFile(second));
+    ASSERT_TRUE(window->SaveFile(first));
+    const QStringList recent = window->RecentFiles();
+    ASSERT_GE(recent.size(), 2);
+    EXPECT_EQ(recent[0], QFileInfo(first).absoluteFilePath());
+    EXPECT_EQ(recent[1], QFileInfo(second).absoluteFilePath());
+    EXPECT_EQ(recent.count(QFileInfo(first).absoluteFilePath()), 1);
+    // Its menu item opens the second one again.
+    auto* item = window->findChild<QAction*>(QStringLiteral("actionRecent2"));
+    ASSERT_NE(item, nullptr);
+    EXPECT_TRUE(item->text().endsWith(QFileInfo(second).absoluteFilePath()));
+    item->trigger();
+    EXPECT_EQ(window->FilePath(), QFileInfo(second).absoluteFilePath());
+}
+
+TEST_F(ProjectFilesTest, TheWindowComesBackAtTheSizeItWasClosedAt) {
+    window->resize(900, 500);
+    QApplication::processEvents();
+    host->MarkSaved();
+    window->close();
+    window = std::make_unique<WorkbenchWindow>(*host);
+    window->show();
+    QApplication::processEvents();
+    EXPECT_EQ(window->size(), QSize(900, 500));
+}
+
 TEST_F(ProjectFilesTest, SaveAsHasCtrlShiftS) {
     QAction* saveAs = window->findChild<QAction*>(QStringLiteral("actionSaveAs"));
     ASSERT_NE(saveAs, nullptr);
