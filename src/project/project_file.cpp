@@ -78,6 +78,15 @@ std::string folderOf(const std::string& path) {
         fail(err::PermissionDenied, path,
              "cannot be saved: its folder \"" + folder + "\" cannot be written (" + std::strerror(errno) +
                  "), and a save makes its journal \"" + journal + "\" there");
+    // SQLite's errno may be of a later call than the one that failed; making
+    // the journal here tells what the file system says to it.
+    if (const int probe = ::open(journal.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+        probe >= 0) {
+        ::close(probe);
+        ::unlink(journal.c_str());
+    } else if (errno != EEXIST) {
+        systemError = errno;
+    }
     switch (systemError) {
         case 0:
             break;
