@@ -339,7 +339,7 @@ TEST_F(QxfbProjectTest, AHostileSchemaIsRefusedAtOnceByInfoAndBundle) {
                  "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 3009)"
                  " INSERT INTO instances SELECT 170100, i, 'x', x'00' FROM n;"
                  "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = replace(sql, 'data BLOB NOT NULL',"
-                 " 'data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000))) > 0)') WHERE name = 'instances';");
+                 " 'data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0)') WHERE name = 'instances';");
     const std::string refused = "qxfb: project file \"" + projectFile.string() +
                                 "\": is not a project file of this program (the table instances is not the one this "
                                 "program writes)\n";
