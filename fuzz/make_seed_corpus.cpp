@@ -421,6 +421,79 @@ void writeProjectSeeds() {
                               " DROP TABLE copy;"));
 }
 
+// The runtime model's recognition: a Scan image and a capture, the image's
+// length in two bytes in front. Scans with start and end characters and a
+// number, with an end-of-message checksum, and ended by a length, each with
+// a capture of good frames, noise and a cut frame.
+void writeRecognizerSeed(const std::string& name, const Bytes& image, const std::string& capture) {
+    const fs::path folder = corpusRoot / "fuzz_scan_recognizer";
+    fs::create_directories(folder);
+    std::ofstream out(folder / ("seed_" + name), std::ios::binary | std::ios::trunc);
+    const char length[2] = {static_cast<char>(image.size() & 0xFF), static_cast<char>(image.size() >> 8)};
+    out.write(length, 2);
+    out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    out.write(capture.data(), static_cast<std::streamsize>(capture.size()));
+    ++written;
+}
+
+void writeRecognizerSeeds() {
+    const auto row = [](const std::wstring& text) { return text + std::wstring(500 - text.size(), L' '); };
+    const auto frameOf = [](clsProtocolScanSrv& set, std::initializer_list<uint8_t> stx,
+                            std::initializer_list<uint8_t> etx) {
+        int32_t i = 0;
+        for (uint8_t byte : stx) set.SetScanSTXValue(i++, byte, false);
+        set.ScanSTXLength(i);
+        i = 0;
+        for (uint8_t byte : etx) set.SetScanETXValue(i++, byte, false);
+        set.ScanETXLength(i);
+    };
+    {
+        ScopedHostContext context;
+        clsProtocolScanSrv set;
+        set.MessageLengthValue(0);
+        set.AppendMessage();
+        set.GetMessage(1)->MessageString(row(L"ST,"));
+        auto weight = std::make_shared<clsProtocolScanNumericVar>();
+        weight->StartPosition(3);
+        weight->BeforePoint(6);
+        set.GetMessage(1)->AddVar(weight);
+        set.GetMessage(2)->MessageString(row(L"OL"));
+        frameOf(set, {0x02}, {0x0D, 0x0A});
+        writeRecognizerSeed("scale", set.BinaryData(), std::string("\x02ST,+012.34\r\n\x02OL\r\nxx\x02ST,-", 26));
+    }
+    {
+        ScopedHostContext context;
+        clsProtocolScanSrv set;
+        set.MessageLengthValue(0);
+        set.GetMessage(1)->MessageString(row(L"0103020007"));
+        frameOf(set, {':'}, {0x0D, 0x0A});
+        set.EndOfScanMessageType(2);
+        auto checksum = std::dynamic_pointer_cast<clsProtocolCSVar>(set.ScanChecksum());
+        checksum->CalculationType(10);
+        checksum->FormatView(1);
+        checksum->CSLength(2);
+        writeRecognizerSeed("modbus_ascii", set.BinaryData(), ":0103020007F3\r\n:0103020007F4\r\n");
+    }
+    {
+        ScopedHostContext context;
+        clsProtocolScanSrv set;
+        set.MessageLengthValue(4);
+        set.GetMessage(1)->MessageString(row(L"A"));
+        auto stream = std::make_shared<clsProtocolScanNumericVar>();
+        stream->StartPosition(1);
+        stream->StreamForm(1);
+        stream->VarFormat(3);
+        stream->StreamVectorLength(3);
+        set.GetMessage(1)->AddVar(stream);
+        frameOf(set, {0x02}, {});
+        writeRecognizerSeed("length", set.BinaryData(),
+                            std::string("\x02"
+                                        "A\x01\x02\x03\x02"
+                                        "A\x03",
+                                        9));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -514,6 +587,7 @@ int main(int argc, char** argv) {
 
     writeAddressTableSeeds();
     writeProjectSeeds();
+    writeRecognizerSeeds();
 
     std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());
     return 0;

@@ -26,6 +26,8 @@
 #include "component/com_server.h"
 #include "component/registry.h"
 #include "component_loader.h"
+#include "model_commands.h"
+#include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
@@ -59,7 +61,11 @@ Usage:
       sizes of their runtime files (GetHexFileDetails). Then it plays a new
       serial Config with a scripted person: a new instance, both operands
       linked through the operand picker, "COM2" chosen in cbComport, OK; and
-      prints the operation's blocks and its image, last the line
+      prints the operation's blocks. It goes on with a Copy buffer, a serial
+      Send typed into the Send dialog's grid, a serial Scan that receives it
+      typed into the Scan dialog's grid, and a TCP/IP Config, and prints
+      "Send image bytes: N", "Scan image bytes: M", the address table, the
+      Copy buffer image and last the Config's image, the line
       "BinaryOperands: 02 00". Error reports of the component go to standard
       error.
   qxfb classes [--component PATH]
@@ -293,6 +299,33 @@ ScriptedModalDriver::DialogScript controlCharPerson(int32_t code) {
     };
 }
 
+// The weighing scale's two requests typed into a message grid whose text
+// starts in column firstCol: message 0 "W" CR LF, then an appended message 1
+// "T", a field placed by ID_NewVar (the field person fills the field dialog)
+// and CR LF. Control characters come from the selector through ID_ControlChar.
+void typeScaleRequests(ScriptedModalDriver& person, Grid& grid, ToolBar& bar, int32_t firstCol,
+                       ScriptedModalDriver::DialogScript fieldPerson) {
+    auto controlChar = [&](int32_t code) {
+        person.QueueDialog(controlCharPerson(code));
+        bar.UserClickTool(L"ID_ControlChar");
+        grid.UserKeyDown(keys::Right, 0);
+    };
+    grid.UserKeyPress('W');
+    controlChar(13);
+    controlChar(10);
+    bar.UserClickTool(L"ID_AppendMsg");
+    grid.UserMoveTo(1, firstCol);
+    grid.UserKeyPress('T');
+    person.QueueDialog(std::move(fieldPerson));
+    bar.UserClickTool(L"ID_NewVar");
+    // A field's cells show "1"; the end characters follow the field.
+    int32_t end = grid.Col();
+    while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
+    grid.UserMoveTo(1, end);
+    controlChar(13);
+    controlChar(10);
+}
+
 // The person's part of a new serial Send on that Config, the requests to a
 // weighing scale: message 0 "W" CR LF asks for the weight, message 1 "T", a
 // numeric field from MI 12 and CR LF sets the tare; STX 02 and ETX 03 from
@@ -303,35 +336,16 @@ void scriptSendPerson(HostContext& context) {
     person->QueueDialog([person](Form& form) {
         auto* dialog = dynamic_cast<frmProtocolSend*>(&form);
         if (!dialog) return;
-        Grid& grid = dialog->FlgSend;
-        ToolBar& bar = dialog->abSend;
         std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already\n";
-        auto controlChar = [&](int32_t code) {
-            person->QueueDialog(controlCharPerson(code));
-            bar.UserClickTool(L"ID_ControlChar");
-            grid.UserKeyDown(keys::Right, 0);
-        };
-        grid.UserKeyPress('W');
-        controlChar(13);
-        controlChar(10);
-        std::cout << "  Person: types W and places CR LF in message 0\n";
-        bar.UserClickTool(L"ID_AppendMsg");
-        grid.UserMoveTo(1, 1);
-        grid.UserKeyPress('T');
         person->QueuePick(OperandChoice{1, 3, 12, 0, L"Tare"});
-        person->QueueDialog([](Form& fieldForm) {
+        typeScaleRequests(*person, dialog->FlgSend, dialog->abSend, 1, [](Form& fieldForm) {
             auto* field = dynamic_cast<frmProtocolVars*>(&fieldForm);
             if (!field) return;
             field->tbSMSVars.UserSelect(2);
             field->cmdLink.UserClick();
             field->cmdOk.UserClick();
         });
-        bar.UserClickTool(L"ID_NewVar");
-        int32_t end = grid.Col();
-        while (end < grid.Cols() - 1 && grid.TextMatrix(1, end) == L"1") ++end;
-        grid.UserMoveTo(1, end);
-        controlChar(13);
-        controlChar(10);
+        std::cout << "  Person: types W and places CR LF in message 0\n";
         std::cout << "  Person: appends message 1: T, a numeric field linked to MI 12, CR LF\n";
         dialog->ckSendSTX.UserClick();
         person->QueueDialog(controlCharPerson(2));
@@ -346,6 +360,48 @@ void scriptSendPerson(HostContext& context) {
         dialog->cmdOpMsgNumToSend.UserClick();
         std::cout << "  Person: links the message number to " << u8(dialog->lbOpMsgNumToSend.Caption())
                   << ", presses OK\n";
+        dialog->cmdOK.UserClick();
+    });
+}
+
+// The person's part of a new serial Scan that receives those requests, as
+// the scale's side of the line would: the dialog offers its three links at
+// once (request received MB 50, bytes MI 51, which request MI 52); message 0
+// "W" CR LF, message 1 "T", a number of five digits into MI 53 (where its
+// decimal point stood into MI 54) and CR LF; STX 02 and the end of text ETX
+// 03 as the terminator.
+void scriptScanPerson(HostContext& context) {
+    ScriptedModalDriver* person = context.Script();
+    if (!person) throw std::runtime_error("the component's host context has no scripted person");
+    person->QueuePick(OperandChoice{1, 1, 50, 0, L"Request received"});
+    person->QueuePick(OperandChoice{1, 3, 51, 0, L"Request bytes"});
+    person->QueuePick(OperandChoice{1, 3, 52, 0, L"Request index"});
+    person->QueueDialog([person](Form& form) {
+        auto* dialog = dynamic_cast<frmProtocolScan*>(&form);
+        if (!dialog) return;
+        std::cout << "  Person: Config " << u8(dialog->cbInstanceName.Text()) << " is chosen already; links "
+                  << u8(dialog->lbOpFail.Caption()) << ", " << u8(dialog->lblOpReceived.Caption()) << ", "
+                  << u8(dialog->lbOpMessageNum.Caption()) << "\n";
+        person->QueuePick(OperandChoice{1, 3, 53, 0, L"Tare in"});
+        person->QueuePick(OperandChoice{1, 3, 54, 0, L"Tare decimals"});
+        // Column 1 is each message's length; its text starts in column 2.
+        typeScaleRequests(*person, dialog->FlgScan, dialog->abScan, 2, [](Form& fieldForm) {
+            auto* field = dynamic_cast<frmProtocolVars*>(&fieldForm);
+            if (!field) return;
+            field->ScanNumeric.cbScanLength.UserSelect(4);
+            field->cmdLink.UserClick();
+            field->ScanNumeric.cmdDecimalPointOp.UserClick();
+            field->cmdOk.UserClick();
+        });
+        std::cout << "  Person: types the two requests, the tare as a field into MI 53\n";
+        dialog->ckSTX.UserClick();
+        person->QueueDialog(controlCharPerson(2));
+        dialog->flgSTX.UserDoubleClick(0, 0);
+        dialog->opEndOfText.UserClick();
+        person->QueueDialog(controlCharPerson(3));
+        dialog->flgETX.UserDoubleClick(0, 0);
+        std::cout << "  Person: STX " << u8(dialog->flgSTX.TextMatrix(0, 0)) << ", terminator ETX "
+                  << u8(dialog->flgETX.TextMatrix(0, 0)) << ", presses OK\n";
         dialog->cmdOK.UserClick();
     });
 }
@@ -434,8 +490,8 @@ int demo(const Options& options) {
     std::cout << "Component: " << component.Path() << "\n";
     std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
 
-    MethodPtr config, copy, send, ethConfig;
-    Bytes image, copyImage, sendImage, addressTable;
+    MethodPtr config, copy, send, scan, ethConfig;
+    Bytes image, copyImage, sendImage, scanImage, addressTable;
     try {
         GUID clsid{};
         component.CLSIDFromProgID(L"QxFBCom2.clsGate", &clsid);
@@ -500,6 +556,22 @@ int demo(const Options& options) {
         std::cout << "  FatherInstanceName: " << u8(send->itfFBMethod_FatherInstanceName()) << "\n";
         sendImage = send->itfFBMethod_BinaryOperands();
 
+        std::cout << "\nNew serial Scan\n";
+        scriptScanPerson(*context);
+        scan = serial->itfFBFather_GetFBMethodObject(170102);
+        scan->itfFBMethod_Init(instances);
+        scan->itfFBMethod_CreateDummyOperands();
+        scan->itfFBMethod_BuildOperands();
+        scan->itfFBMethod_EditOperands();
+        if (scan->itfFBMethod_IsCanceled()) {
+            std::cerr << "qxfb: the Scan dialog ended without OK\n";
+            return 1;
+        }
+        printOperands("OutOperands", scan->itfFBMethod_OutOperands());
+        printOperands("OperandsForFindOnly", scan->itfFBMethod_OperandsForFindOnly());
+        std::cout << "  FatherInstanceName: " << u8(scan->itfFBMethod_FatherInstanceName()) << "\n";
+        scanImage = scan->itfFBMethod_BinaryOperands();
+
         std::cout << "\nNew TCP/IP Config\n";
         scriptTcpIpConfigPerson(*context);
         FatherPtr tcpip = gate->itfFBGate_GetFatherObject(170200);
@@ -528,10 +600,12 @@ int demo(const Options& options) {
     config.reset();
     copy.reset();
     send.reset();
+    scan.reset();
     ethConfig.reset();
     if (component.CanUnloadNow() != S_OK) std::cerr << "qxfb: objects of the component are still alive\n";
     printAddressTable(addressTable);
     std::cout << "Send image bytes: " << sendImage.size() << "\n";
+    std::cout << "Scan image bytes: " << scanImage.size() << "\n";
     std::cout << "Copy buffer image: " << hexBytes(copyImage) << "\n";
     std::cout << "BinaryOperands: " << hexBytes(image) << std::endl;
     return 0;
@@ -713,9 +787,15 @@ int main(int argc, char** argv) {
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--help" || arg == "-h" || arg == "help") {
-            std::cout << helpText;
+            // The model's commands stand before the options.
+            const std::string text = helpText;
+            const size_t options = text.find("\nOptions:");
+            std::cout << text.substr(0, options) << cli::modelCommandsHelp << text.substr(options);
             return checkedOutput(0);
         }
+        if (i == 0 && cli::isModelCommand(arg))
+            return checkedOutput(
+                cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
         if (arg == "--app-folder-from-project") {
             options.appFolderFromProject = true;
         } else if (arg == "--component" || arg == "--app-folder") {

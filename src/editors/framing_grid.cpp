@@ -21,6 +21,8 @@ FramingGrid::FramingGrid(Grid& grid, const bool& ignoreEvents, StoreByte store)
     grid_.FixedRows(0);
     grid_.FixedCols(0);
     grid_.Rows(1);
+    // Each byte has a cell of its own size, also the last.
+    grid_.ExtendLastCol(false);
     SetFramingColumns(grid_, 1);
 }
 

@@ -6,7 +6,6 @@
 
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
-#include "platform/basics/runtime_error.h"
 #include "sets/scan_set.h"
 
 namespace qx {
@@ -19,12 +18,10 @@ constexpr int32_t maxFramingLength = 4;
 constexpr int32_t maxMessageLength = 500;
 constexpr int32_t defaultSilenceTime = 10;
 constexpr int32_t maxSilenceTime = 2000;
-const wchar_t* const linkToolTip = L"Link Operand to Variable";
 }  // namespace
 
 frmProtocolScan::frmProtocolScan()
-    : MessageDialog(L"frmProtocolScan", L"Protocol Scan", MessageGridKind::Scan, L"FlgScan", L"abScan",
-                    ClearAllMessage),
+    : ScanMessageDialog(L"frmProtocolScan", L"Protocol Scan"),
       abScan(toolBar()),
       FlgScan(grid()),
       stxBytes_(
@@ -33,12 +30,10 @@ frmProtocolScan::frmProtocolScan()
       etxBytes_(flgETX, gridEditor().IgnoreGridEvents, [this](int32_t pIndex, uint8_t pValue, bool pIsChar) {
           scanSet().SetScanETXValue(pIndex, pValue, pIsChar);
       }) {
-    addControls({&SSPanel1,       &Frame1,          &ckSTX,         &lbSTXLength,     &cbSTXLength,   &lbSTX,
-                 &flgSTX,         &Frame4,          &opEndOfText,   &opMessageLength, &opSilenceTime, &Frame2,
-                 &lbETXLength,    &cbETXLength,     &lbETX,         &flgETX,          &cmdAdvanced,   &lbETXEndOfMsg,
-                 &Frame3,         &cbMessageLength, &Frame5,        &cbSilenceTime,   &Label1,        &lbOpFail,
-                 &cmdFailLink,    &Label3,          &lblOpReceived, &cmdOpReceived,   &Label2,        &lbOpMessageNum,
-                 &cmdOpMessageNum});
+    addControls({&SSPanel1,    &Frame1,          &ckSTX,       &lbSTXLength,     &cbSTXLength,   &lbSTX,
+                 &flgSTX,      &Frame4,          &opEndOfText, &opMessageLength, &opSilenceTime, &Frame2,
+                 &lbETXLength, &cbETXLength,     &lbETX,       &flgETX,          &cmdAdvanced,   &lbETXEndOfMsg,
+                 &Frame3,      &cbMessageLength, &Frame5,      &cbSilenceTime});
     SSPanel1.Caption(L"Protocol Messages");
     FlgScan.Container(&SSPanel1);
     ckSTX.Caption(L"Start Of Text (STX)");
@@ -62,12 +57,6 @@ frmProtocolScan::frmProtocolScan()
     cbSilenceTime.Container(&Frame5);
     cmdAdvanced.Caption(L"End Of Message");
     Label1.Caption(L"Session Complete:");
-    Label3.Caption(L"Number of Bytes received:");
-    Label2.Caption(L"Index of Received Message:");
-    for (CommandButton* link : {&cmdFailLink, &cmdOpReceived, &cmdOpMessageNum}) {
-        link->Caption(L"...");
-        link->ToolTipText(linkToolTip);
-    }
 
     ckSTX.OnClick = [this] { ckSTX_Click(); };
     cbSTXLength.OnClick = [this] { cbSTXLength_Click(); };
@@ -84,75 +73,16 @@ frmProtocolScan::frmProtocolScan()
     flgETX.OnKeyDown = [this](int32_t& KeyCode, int32_t Shift) { flgETX_KeyDown(KeyCode, Shift); };
     flgETX.OnDblClick = [this] { flgETX_DblClick(); };
     cmdAdvanced.OnClick = [this] { cmdAdvanced_Click(); };
-    cmdFailLink.OnClick = [this] { cmdFailLink_Click(); };
-    lbOpFail.OnDblClick = [this] { lbOpFail_DblClick(); };
-    cmdOpReceived.OnClick = [this] { cmdOpReceived_Click(); };
-    lblOpReceived.OnDblClick = [this] { lblOpReceived_DblClick(); };
-    cmdOpMessageNum.OnClick = [this] { cmdOpMessageNum_Click(); };
-    lbOpMessageNum.OnDblClick = [this] { lbOpMessageNum_DblClick(); };
-}
-
-clsProtocolScanSrv& frmProtocolScan::scanSet() const {
-    if (!set_) raiseError(err::ObjectNotSet);
-    return *set_;
+    // The index of the received message may stay open.
+    requireLinks(2);
 }
 
 void frmProtocolScan::Edit(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
                            bool& pConfirmed) {
-    pConfirmed = false;
-    set_ = &pScanSrv;
-    beginEdit(messageSourceOf(pScanSrv), messageSetOpsOf(pScanSrv), pFBMethod, std::move(pFBInstances));
-    // ClearAll of the set rebuilds this dialog's grid while it is open.
-    pScanSrv.OnMessagesCleared = [this] { Reload(); };
-    // A sole Config on an operation without operands leaves nothing to edit.
-    if (!loadInstancesForEdit() || (GetOperandCount() == 0 && SoleInstance())) {
-        dropReferences();
-        Unload();
-        return;
-    }
-    pConfirmed = runModal();
-}
-
-void frmProtocolScan::dropReferences() {
-    if (set_) set_->OnMessagesCleared = nullptr;
-    set_ = nullptr;
-    MessageDialog::dropReferences();
-}
-
-int32_t frmProtocolScan::GetOperandCount() const {
-    itfFBMethod* fb = methodOrNull();
-    if (!fb) return 0;
-    int32_t count = 0;
-    if (OperandCollectionPtr in = fb->itfFBMethod_InOperands()) count += in->Count();
-    if (OperandCollectionPtr out = fb->itfFBMethod_OutOperands()) count += out->Count();
-    return count;
-}
-
-clsOperand* frmProtocolScan::outOperand(int32_t k) const {
-    itfFBMethod* fb = methodOrNull();
-    if (!fb) return nullptr;
-    OperandCollectionPtr out = fb->itfFBMethod_OutOperands();
-    if (!out || out->Count() < k) return nullptr;
-    return out->Item(k).get();
-}
-
-bool frmProtocolScan::isNewItem(int32_t k) const {
-    const clsOperand* operand = outOperand(k);
-    return !operand || operand->IsNew();
-}
-
-Label& frmProtocolScan::itemLabel(int32_t k) {
-    if (k == 1) return lbOpFail;
-    if (k == 2) return lblOpReceived;
-    return lbOpMessageNum;
+    editScan(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
 }
 
 // --- Loading ---
-
-void frmProtocolScan::Form_Load() {
-    MessageDialog::Form_Load();
-    FirstActivation = true;
-}
 
 void frmProtocolScan::loadOwnControls() {
     for (Grid* framing : {&flgSTX, &flgETX}) framing->Row(0);
@@ -169,12 +99,7 @@ void frmProtocolScan::loadOwnControls() {
 }
 
 void frmProtocolScan::LoadDialog() {
-    MessageGridEditor& editor = gridEditor();
-    editor.IgnoreGridEvents = true;
-    editor.PaintAllMessages();
-    editor.InitCaret();
-    for (int32_t k = 1; k <= 3; ++k)
-        if (clsOperand* operand = outOperand(k)) itemLabel(k).Caption(GetOperandDisplayText(*operand));
+    loadMessagesAndLinks();
     ResetFramingControls();
     clsProtocolScanSrv& set = scanSet();
     ckSTX.Enabled(true);
@@ -193,7 +118,7 @@ void frmProtocolScan::LoadDialog() {
         // keeps it until the person picks one.
         cbSilenceTime.ListIndex(FindComboIndex(cbSilenceTime, set.SilenceTimeValue()));
     }
-    editor.IgnoreGridEvents = false;
+    gridEditor().IgnoreGridEvents = false;
     UpdateOKEnabled();
 }
 
@@ -391,45 +316,10 @@ void frmProtocolScan::cmdAdvanced_Click() {
     showEndOfMessage();
 }
 
-// --- Links ---
-
-void frmProtocolScan::linkItem(int32_t k) {
-    clsOperand* operand = outOperand(k);
-    if (!operand) return;
-    linkOperand(*operand, itemLabel(k));
-}
-
-void frmProtocolScan::cmdFailLink_Click() { linkItem(1); }
-void frmProtocolScan::lbOpFail_DblClick() { linkItem(1); }
-void frmProtocolScan::cmdOpReceived_Click() { linkItem(2); }
-void frmProtocolScan::lblOpReceived_DblClick() { linkItem(2); }
-void frmProtocolScan::cmdOpMessageNum_Click() { linkItem(3); }
-void frmProtocolScan::lbOpMessageNum_DblClick() { linkItem(3); }
-
-void frmProtocolScan::UpdateOKEnabled() {
-    MessageDialog::UpdateOKEnabled();
-    if (isNewItem(1) || isNewItem(2)) cmdOK.Enabled(false);
-}
-
-// --- Activation ---
-
-void frmProtocolScan::Form_Activate() {
-    if (!FirstActivation || !FlgScan.Visible() || !FlgScan.Enabled()) return;
-    if (isNewItem(1) && isNewItem(2) && isNewItem(3) && outOperand(3)) {
-        // A fresh Scan leads the person through its links; the first
-        // Cancel in the picker ends the chain.
-        FirstActivation = false;
-        linkItem(1);
-        if (!isNewItem(1)) linkItem(2);
-        if (!isNewItem(2)) linkItem(3);
-    }
-    MessageDialog::Form_Activate();
-}
-
 // --- OK ---
 
 bool frmProtocolScan::ValidateMessages() {
-    if (!checkMessagesToDownload(NoMessagesMessage) || !checkNoEmptyMessage()) return false;
+    if (!checkMessages()) return false;
     clsProtocolScanSrv& set = scanSet();
     if (set.ScanSTXLength() > 0 && !FramingGrid::CellsFilled(flgSTX, set.ScanSTXLength())) {
         ShowMessage(messageSTXCellEmpty);

@@ -2,15 +2,13 @@
 // (column 1 each message's length), the start of text, the terminator by
 // which the controller finds the end of a received message (end of text,
 // a fixed message length or a silence on the line), and the links of the
-// three operands the Scan reports into. It edits the set it is given, a
-// scratch copy of the operation's image, and the three operands of the
-// operation's OutOperands in place: a Cancel leaves the set for the
-// operation to drop, but a link once made stays.
+// three operands the Scan reports into (what every Scan dialog does with
+// them is in ScanMessageDialog).
 #pragma once
 #include <cstdint>
 
 #include "editors/framing_grid.h"
-#include "editors/message_dialog.h"
+#include "editors/scan_message_dialog.h"
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
 #include "platform/controls/grid.h"
@@ -20,17 +18,12 @@ namespace qx {
 
 class clsProtocolScanSrv;
 
-class frmProtocolScan : public MessageDialog {
+class frmProtocolScan : public ScanMessageDialog {
 public:
-    static constexpr int32_t ClearAllMessage = 147;
-    static constexpr int32_t NoMessagesMessage = 148;
-
     frmProtocolScan();
 
-    // Keeps the objects and loads the instance list. With no instance, or
-    // with a sole instance and an operation without operands, pConfirmed is
-    // false and nothing is shown. Otherwise LoadDialog, the modal run, and
-    // pConfirmed := DialogResult.
+    // As ScanMessageDialog::editScan: LoadDialog, the modal run, and
+    // pConfirmed := DialogResult, unless there is nothing to offer.
     void Edit(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
 
     ToolBar& abScan;
@@ -57,22 +50,6 @@ public:
     ComboBox cbMessageLength{L"cbMessageLength"};
     Frame Frame5{L"Frame5"};
     ComboBox cbSilenceTime{L"cbSilenceTime"};
-    Label Label1{L"Label1"};
-    Label lbOpFail{L"lbOpFail"};
-    CommandButton cmdFailLink{L"cmdFailLink"};
-    Label Label3{L"Label3"};
-    Label lblOpReceived{L"lblOpReceived"};
-    CommandButton cmdOpReceived{L"cmdOpReceived"};
-    Label Label2{L"Label2"};
-    Label lbOpMessageNum{L"lbOpMessageNum"};
-    CommandButton cmdOpMessageNum{L"cmdOpMessageNum"};
-
-    // Set when the form loads; cleared once the links of a fresh Scan have
-    // been offered at the first activation.
-    bool FirstActivation = false;
-
-    // The set of the edit in progress; RuntimeError(91) outside an edit.
-    clsProtocolScanSrv& scanSet() const;
 
     void ckSTX_Click();
     void cbSTXLength_Click();
@@ -89,15 +66,6 @@ public:
     void flgETX_KeyDown(int32_t& KeyCode, int32_t Shift);
     void flgETX_DblClick();
     void cmdAdvanced_Click();
-    void cmdFailLink_Click();
-    void lbOpFail_DblClick();
-    void cmdOpReceived_Click();
-    void lblOpReceived_DblClick();
-    void cmdOpMessageNum_Click();
-    void lbOpMessageNum_DblClick();
-
-    // The count of the operation's InOperands and OutOperands.
-    int32_t GetOperandCount() const;
 
     // Every framing and terminator control off: disabled, the disabled
     // colour, lists without selection, ckSTX and the options unchecked and
@@ -107,26 +75,15 @@ public:
     void EnableMessageLength(bool on);
     void EnableSilenceTime(bool on);
 
-    // OK needs a Config instance and the first two operands linked; the
-    // index of the received message may stay open.
-    void UpdateOKEnabled() override;
+    // The message checks, the framing cells filled, a terminator chosen,
+    // no fixed-text run above 255 characters; in that order.
     bool ValidateMessages() override;
-
-    void Form_Load() override;
-    void Form_Activate() override;
 
 protected:
     void LoadDialog() override;
     void loadOwnControls() override;
-    bool fillsListAfterSoleInstance() override { return GetOperandCount() != 0; }
-    void dropReferences() override;
 
 private:
-    // Item k (1 to 3) of OutOperands; nullptr when the host gave fewer.
-    clsOperand* outOperand(int32_t k) const;
-    void linkItem(int32_t k);
-    bool isNewItem(int32_t k) const;
-    Label& itemLabel(int32_t k);
     void showEndOfMessage();
     void enableList(ComboBox& list, bool on);
     void showSTX();
@@ -134,7 +91,6 @@ private:
 
     FramingGrid stxBytes_;
     FramingGrid etxBytes_;
-    clsProtocolScanSrv* set_ = nullptr;
 };
 
 }  // namespace qx

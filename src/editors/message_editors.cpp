@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "editors/frm_eth_protocol_scan.h"
 #include "editors/frm_eth_protocol_send.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
@@ -35,6 +36,11 @@ void installMessageEditors() {
         hooks.ScanEdit = [](clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
                             bool& pConfirmed) {
             frmProtocolScan().Edit(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+        };
+    if (!hooks.EthScanEdit)
+        hooks.EthScanEdit = [](clsEthProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                               bool& pConfirmed) {
+            frmEthProtocolScan().Edit(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
         };
 }
 

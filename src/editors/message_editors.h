@@ -5,13 +5,14 @@
 
 namespace qx {
 
-// Installs frmProtocolSendAdvanced as the Send advanced editor and
-// frmProtocolSend as the Send editor (frmEthProtocolSend for a TCP/IP
-// Send) and frmProtocolScan as the Scan editor, each only where messageEditorHooks()
-// holds no editor yet: a host that set its own keeps
-// it. The component calls it at every class object it hands out, next to
-// installFieldEditors(); a program that links the core without the
-// component calls it once before editing. Calling it again changes nothing.
+// Installs frmProtocolSendAdvanced as the Send advanced editor,
+// frmProtocolSend and frmProtocolScan as the Send and Scan editors, and
+// frmEthProtocolSend and frmEthProtocolScan as those of the TCP/IP family,
+// each only where messageEditorHooks() holds no editor yet: a host that set
+// its own keeps it. The component calls it at every class object it hands
+// out, next to installFieldEditors(); a program that links the core without
+// the component calls it once before editing. Calling it again changes
+// nothing.
 void installMessageEditors();
 
 }  // namespace qx

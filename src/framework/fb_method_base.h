@@ -101,6 +101,41 @@ protected:
     void setBinaryOperands(Bytes value) { binaryOperands_ = std::move(value); }
     const FBMethodInfo& info() const { return info_; }
 
+    // EditOperands of the operations whose image is a message set (the
+    // Send and Scan of both families). The set is built from the image
+    // unless the operation is new, and its dialog runs on it; OK takes the
+    // set's image back (the set fills OperandsForFindOnly itself), Cancel
+    // leaves the image as it was. The Config chosen in the dialog and the
+    // links of the operation's own operands are made in the operation at
+    // once, so they stay after a Cancel.
+    template <class MessageSet>
+    void editThroughMessageSet() {
+        MessageSet set;
+        newOperandsForFindOnly();
+        if (!itfFBMethod_IsNew()) set.BinaryData(itfFBMethod_BinaryOperands());
+        const bool confirmed = set.Edit(*this, Instances());
+        itfFBMethod_IsCanceled(!confirmed);
+        if (confirmed) {
+            setBinaryOperands(set.BinaryData());
+            setIsNew(false);
+        }
+    }
+
+    // "ReplaceFindOnlyOperand" of the same operations: the image follows a
+    // moved operand, which the host moves itself. An operation that no edit
+    // has confirmed has no image and so no link to follow; it gets no
+    // default image here. A broken image raises the reader's error before
+    // anything is stored.
+    template <class MessageSet>
+    void replaceInMessageSetImage(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress, int32_t pNewOpAddress) {
+        const Bytes image = itfFBMethod_BinaryOperands();
+        if (image.empty()) return;
+        MessageSet set;
+        set.BinaryData(image);
+        set.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
+        setBinaryOperands(set.BinaryData());
+    }
+
     OperandCollectionPtr inOperands_, outOperands_, visbleInOperands_, visbleOutOperands_, operandsForFindOnly_;
 
 private:

@@ -7,6 +7,7 @@
 
 #include "ui_frm_eth_address_param.h"
 #include "ui_frm_eth_protocol_config.h"
+#include "ui_frm_eth_protocol_scan.h"
 #include "ui_frm_eth_protocol_send.h"
 #include "ui_frm_protocol_config.h"
 #include "ui_frm_protocol_config_advanced.h"
@@ -41,6 +42,7 @@ const std::map<std::wstring, SetUp>& views() {
         {L"frmProtocolSendAdvanced", setUp<Ui::frmProtocolSendAdvanced>},
         {L"frmProtocolSend", setUp<Ui::frmProtocolSend>},
         {L"frmEthProtocolSend", setUp<Ui::frmEthProtocolSend>},
+        {L"frmEthProtocolScan", setUp<Ui::frmEthProtocolScan>},
         {L"frmProtocolScan", setUp<Ui::frmProtocolScan>},
     };
     return table;

@@ -240,7 +240,6 @@ public:
         view.verticalHeader()->setDefaultSectionSize(view.fontMetrics().height() + 6);
         view.horizontalHeader()->setSectionsClickable(false);
         view.horizontalHeader()->setHighlightSections(false);
-        view.horizontalHeader()->setStretchLastSection(true);
         // A column is as narrow as the grid says: a message grid's are 20 pixels.
         view.horizontalHeader()->setMinimumSectionSize(1);
         view.setWordWrap(false);
@@ -277,6 +276,7 @@ protected:
         if (is(property, "ColWidth")) showWidths();
         if (is(property, "ColWidth") || is(property, "RowHeight") || is(property, "Cells") || redrawn) showCaret();
         if (property == "ColAlignment") model_.textChanged(-1);
+        if (is(property, "ExtendLastCol")) view_.horizontalHeader()->setStretchLastSection(grid_.ExtendLastCol());
         if (is(property, "SelectionMode"))
             view_.setSelectionBehavior(grid_.SelectionMode() == Grid::SelectionByRow ? QAbstractItemView::SelectRows
                                                                                      : QAbstractItemView::SelectItems);

@@ -9,11 +9,12 @@
 
 namespace qx {
 
-clsProtocolScanSrv::clsProtocolScanSrv() : clsProtocolScanSrv(1) {}
+clsProtocolScanSrv::clsProtocolScanSrv() : clsProtocolScanSrv(SetFamily::Serial) {}
 
-clsProtocolScanSrv::clsProtocolScanSrv(int32_t initialMessageLengthValue)
-    : messages_(method_type::Scan),
-      messageLengthValue_(initialMessageLengthValue),
+clsProtocolScanSrv::clsProtocolScanSrv(SetFamily family)
+    : family_(family),
+      messages_(method_type::Scan),
+      messageLengthValue_(family == SetFamily::Serial ? 1 : 0),
       scanChecksum_(std::make_shared<clsProtocolCSVar>()) {}
 
 Bytes clsProtocolScanSrv::BinaryData() { return writeScanImage(*this); }
@@ -23,7 +24,11 @@ void clsProtocolScanSrv::BinaryData(const Bytes& value) { readScanImage(*this, v
 bool clsProtocolScanSrv::Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances) {
     SetHostObjects(&pFBMethod, pFBInstances);
     bool confirmed = false;
-    runScanEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
+    // Each family has its own dialog: the TCP/IP one has no framing.
+    if (family_ == SetFamily::Ethernet)
+        runEthScanEditor(static_cast<clsEthProtocolScanSrv&>(*this), pFBMethod, std::move(pFBInstances), confirmed);
+    else
+        runScanEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);
     // The set keeps no reference to the host beyond its edit.
     SetHostObjects(nullptr, nullptr);
     if (confirmed) {

@@ -15,6 +15,7 @@
 #include "sets/edit_host_objects.h"
 #include "sets/frame_char.h"
 #include "sets/message_list.h"
+#include "sets/set_family.h"
 
 namespace qx {
 
@@ -57,9 +58,10 @@ public:
     bool InsertMessage(int32_t pMessageNumber) { return messages_.InsertMessage(pMessageNumber); }
     // Asks host message 157 first.
     bool DeleteMessage(int32_t pMessageNumber) { return messages_.DeleteMessage(pMessageNumber); }
-    // Opens the Scan dialog on this set (through the ScanEdit hook) and
-    // answers whether the person confirmed it. On OK the operands of every
-    // message go into the operation's OperandsForFindOnly.
+    // Opens the Scan dialog of its family on this set (through the ScanEdit
+    // or EthScanEdit hook) and answers whether the person confirmed it. On
+    // OK the operands of every message go into the operation's
+    // OperandsForFindOnly.
     bool Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances);
     // The family's help: the method id cut to a multiple of 100.
     void ShowHelp();
@@ -115,10 +117,11 @@ public:
     std::function<void()> OnMessagesCleared;
 
 protected:
-    // The TCP/IP twin starts with another message length.
-    explicit clsProtocolScanSrv(int32_t initialMessageLengthValue);
+    // The TCP/IP twin starts with another message length and has its own dialog.
+    explicit clsProtocolScanSrv(SetFamily family);
 
 private:
+    SetFamily family_;
     MessageList messages_;
     FrameChars scanSTXChars_{};
     int32_t scanSTXLength_ = 0;
@@ -133,10 +136,10 @@ private:
 };
 
 // The Scan set of the TCP/IP family: the same but for MessageLengthValue,
-// which starts at 0.
+// which starts at 0, and its dialog, which has no framing.
 class clsEthProtocolScanSrv : public clsProtocolScanSrv {
 public:
-    clsEthProtocolScanSrv() : clsProtocolScanSrv(0) {}
+    clsEthProtocolScanSrv() : clsProtocolScanSrv(SetFamily::Ethernet) {}
 };
 
 }  // namespace qx

@@ -36,16 +36,16 @@ OperandPtr newSetOperand(int32_t mode, int32_t operandType, int32_t textNumber) 
 
 }  // namespace
 
-clsProtocolSendSrv::clsProtocolSendSrv() : clsProtocolSendSrv(Family::Serial) {}
+clsProtocolSendSrv::clsProtocolSendSrv() : clsProtocolSendSrv(SetFamily::Serial) {}
 
-clsProtocolSendSrv::clsProtocolSendSrv(Family family)
+clsProtocolSendSrv::clsProtocolSendSrv(SetFamily family)
     : family_(family), messages_(method_type::Send), sendChecksum_(std::make_shared<clsProtocolCSVar>()) {
     createOperands();
 }
 
 void clsProtocolSendSrv::createOperands() {
     bool extended = IsExtendedOperandsEnabled();
-    bool ethernet = family_ == Family::Ethernet;
+    bool ethernet = family_ == SetFamily::Ethernet;
 
     opMessageNumber_ = newSetOperand(kConstantMode, 37, kMessageNumberText);
     opMessageNumber_->AddAllowedType(kMemoryMode, 3, true);
@@ -76,7 +76,7 @@ void clsProtocolSendSrv::ClearAll() {
     if (OnMessagesCleared) OnMessagesCleared();
 }
 
-Bytes clsProtocolSendSrv::BinaryData() { return writeSendImage(*this, family_ == Family::Serial); }
+Bytes clsProtocolSendSrv::BinaryData() { return writeSendImage(*this, family_ == SetFamily::Serial); }
 
 void clsProtocolSendSrv::BinaryData(const Bytes& value) { readSendImage(*this, value); }
 
@@ -84,7 +84,7 @@ bool clsProtocolSendSrv::Edit(itfFBMethod& pFBMethod, InstancesPtr pFBInstances)
     SetHostObjects(&pFBMethod, pFBInstances);
     bool confirmed = false;
     // Each family has its own dialog: the TCP/IP one has no framing.
-    if (family_ == Family::Ethernet)
+    if (family_ == SetFamily::Ethernet)
         runEthSendEditor(static_cast<clsEthProtocolSendSrv&>(*this), pFBMethod, std::move(pFBInstances), confirmed);
     else
         runSendEditor(*this, pFBMethod, std::move(pFBInstances), confirmed);

@@ -17,6 +17,7 @@
 #include "sets/edit_host_objects.h"
 #include "sets/frame_char.h"
 #include "sets/message_list.h"
+#include "sets/set_family.h"
 
 namespace qx {
 
@@ -117,13 +118,12 @@ public:
 
 protected:
     // The TCP/IP twin: its own allowed-type order and HasValue rule.
-    enum class Family { Serial, Ethernet };
-    explicit clsProtocolSendSrv(Family family);
+    explicit clsProtocolSendSrv(SetFamily family);
 
 private:
     void createOperands();
 
-    Family family_;
+    SetFamily family_;
     MessageList messages_;
     FrameChars sendSTXChars_{};
     int32_t sendSTXLength_ = 0;
@@ -145,7 +145,7 @@ private:
 // it forces a single message.
 class clsEthProtocolSendSrv : public clsProtocolSendSrv {
 public:
-    clsEthProtocolSendSrv() : clsProtocolSendSrv(Family::Ethernet) {}
+    clsEthProtocolSendSrv() : clsProtocolSendSrv(SetFamily::Ethernet) {}
 };
 
 }  // namespace qx

@@ -55,4 +55,11 @@ void runScanEditor(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, Instanc
     editor(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
 }
 
+void runEthScanEditor(clsEthProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                      bool& pConfirmed) {
+    const EthScanEditor& editor = installed(messageEditorHooks().EthScanEdit, L"TCP/IP Scan dialog",
+                                            L"editing a TCP/IP Scan operation", L"EthScanEdit");
+    editor(pScanSrv, pFBMethod, std::move(pFBInstances), pConfirmed);
+}
+
 }  // namespace qx

@@ -17,6 +17,7 @@ namespace qx {
 class clsProtocolSendSrv;
 class clsEthProtocolSendSrv;
 class clsProtocolScanSrv;
+class clsEthProtocolScanSrv;
 
 // The copy after the ETX of a serial Send: edits the two operands in place
 // and pCopyBytesCount (0 off, else 1, 2 or 4); pConfirmed tells whether the
@@ -42,11 +43,17 @@ using SendEditor = std::function<void(clsProtocolSendSrv& pSendSrv, itfFBMethod&
 using ScanEditor = std::function<void(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
                                       bool& pConfirmed)>;
 
+// The Scan dialog of a TCP/IP Scan set, in the shape of ScanEditor: no
+// framing, and five OutOperands to link, the last one a vector of five.
+using EthScanEditor = std::function<void(clsEthProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod,
+                                         InstancesPtr pFBInstances, bool& pConfirmed)>;
+
 struct MessageEditorHooks {
     SendAdvancedEditor SendAdvanced;
     EthSendEditor EthSendEdit;
     SendEditor SendEdit;
     ScanEditor ScanEdit;
+    EthScanEditor EthScanEdit;
 };
 
 // The hooks in force, one set for the process.
@@ -70,6 +77,11 @@ void runSendEditor(clsProtocolSendSrv& pSendSrv, itfFBMethod& pFBMethod, Instanc
 // Runs the Scan dialog on the set; RuntimeError(91) naming
 // installMessageEditors() when none is installed.
 void runScanEditor(clsProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances, bool& pConfirmed);
+
+// Runs the TCP/IP Scan dialog on the set; RuntimeError(91) naming
+// installMessageEditors() when none is installed.
+void runEthScanEditor(clsEthProtocolScanSrv& pScanSrv, itfFBMethod& pFBMethod, InstancesPtr pFBInstances,
+                      bool& pConfirmed);
 
 // Puts the hooks back as they were when it was made; for tests.
 class ScopedMessageEditorHooks {

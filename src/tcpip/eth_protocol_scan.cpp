@@ -36,20 +36,11 @@ FBMethodInfo ethScanInfo() {
 
 clsEthProtocolScan::clsEthProtocolScan() : FBMethodBase(ethScanInfo()) {}
 
-// The dialog-driven edit arrives with the message editors.
-void clsEthProtocolScan::itfFBMethod_EditOperands() {}
+void clsEthProtocolScan::itfFBMethod_EditOperands() { editThroughMessageSet<clsEthProtocolScanSrv>(); }
 
 void clsEthProtocolScan::replaceFindOnlyOperand(int32_t pOpNetID, int32_t pOpType, int32_t pOpAddress,
                                                 int32_t pNewOpAddress) {
-    // As the serial Scan: an operation that no edit has confirmed has no
-    // image and no link to follow, and is given no default image here.
-    Bytes image = itfFBMethod_BinaryOperands();
-    if (image.empty()) return;
-    // A broken image raises the reader's error before anything is stored.
-    clsEthProtocolScanSrv srv;
-    srv.BinaryData(image);
-    srv.ReplaceOperands(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
-    setBinaryOperands(srv.BinaryData());
+    replaceInMessageSetImage<clsEthProtocolScanSrv>(pOpNetID, pOpType, pOpAddress, pNewOpAddress);
 }
 
 }  // namespace qx

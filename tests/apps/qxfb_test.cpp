@@ -15,7 +15,12 @@
 
 #include "apps/cli_run.h"
 #include "component/built_paths.h"
+#include "message/protocol_message.h"
+#include "message/protocol_scan_numeric_var.h"
+#include "platform/host/host_context.h"
+#include "sets/scan_set.h"
 #include "support/scratch_files.h"
+#include "support/test_helpers.h"
 
 namespace {
 
@@ -102,6 +107,55 @@ TEST_F(QxfbTest, DemoPlaysASerialSendThroughItsDialogAndPrintsItsImageSize) {
     ASSERT_NE(at, std::string::npos) << demo.out;
     // Two messages with their fields, the frame and the checksum make more than a header.
     EXPECT_GT(std::stoi(demo.out.substr(at + 19)), 100);
+}
+
+// The Scan the demo's person makes, built directly on a Scan set: "W" CR LF;
+// "T", five digits with a sign into MI 53 (decimal point into MI 54), CR LF;
+// STX 02; the end of text ETX 03.
+size_t demoScanImageSize() {
+    qx::ScopedHostContext context;
+    qx::clsProtocolScanSrv set;
+    set.AppendMessage();
+    const std::wstring blank(qx::clsProtocolMessage::MaxPositions, L' ');
+    qx::clsProtocolMessage& weigh = *set.GetMessage(1);
+    weigh.MessageString(L"W" + blank.substr(1));
+    weigh.AddControlChar(1, 13);
+    weigh.AddControlChar(2, 10);
+    qx::clsProtocolMessage& tare = *set.GetMessage(2);
+    tare.MessageString(L"T" + blank.substr(1));
+    auto number = std::make_shared<qx::clsProtocolScanNumericVar>();
+    number->StartPosition(1);
+    number->BeforePoint(5);
+    qx::test::linkOperand(*number->LikedOperand(), 3, 53);
+    qx::test::linkOperand(*number->DecimalPointOperand(), 3, 54);
+    tare.AddVar(number);
+    const int32_t end = number->StartPosition() + number->Length();
+    tare.AddControlChar(end, 13);
+    tare.AddControlChar(end + 1, 10);
+    set.MessageLengthValue(0);
+    set.ScanSTXLength(1);
+    set.SetScanSTXValue(0, 0x02, false);
+    set.ScanETXLength(1);
+    set.SetScanETXValue(0, 0x03, false);
+    return set.BinaryData().size();
+}
+
+TEST_F(QxfbTest, DemoPlaysASerialScanThatReceivesTheSendAndPrintsItsImageSize) {
+    CliRun demo = run("demo");
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    for (const char* expected :
+         {"\nNew serial Scan\n",
+          "  Person: Config Config1 is chosen already; links MB 50 : Request received, MI 51 : Request bytes, MI 52 : "
+          "Request index\n",
+          "  Person: STX 02, terminator ETX 03, presses OK\n", "    1  Session complete  MB 50 : Request received\n",
+          "  OperandsForFindOnly:\n    1    MI 53 : Tare in\n    2    MI 54 : Tare decimals\n"})
+        EXPECT_NE(demo.out.find(expected), std::string::npos) << expected << "\n" << demo.out;
+    const size_t send = demo.out.find("\nSend image bytes: ");
+    const size_t at = demo.out.find("\nScan image bytes: ");
+    ASSERT_NE(at, std::string::npos) << demo.out;
+    EXPECT_LT(send, at);
+    EXPECT_EQ(std::stoul(demo.out.substr(at + 19)), demoScanImageSize());
+    EXPECT_EQ(demo.lastLine(), "BinaryOperands: 02 00");
 }
 
 TEST_F(QxfbTest, DemoPlaysATcpIpConfigAndPrintsItsAddressTable) {

@@ -38,6 +38,9 @@ TEST_F(FramingGridTest, ItStartsAsOneRowOfOneCentredCellWithoutFixedCells) {
     EXPECT_EQ(grid.FixedCols(), 0);
     EXPECT_EQ(grid.ColWidth(0), 400);
     EXPECT_EQ(grid.ColAlignment(0), Grid::AlignCenterCenter);
+    // Every byte's cell keeps its width; a plain grid widens its last one.
+    EXPECT_FALSE(grid.ExtendLastCol());
+    EXPECT_TRUE(Grid(L"other").ExtendLastCol());
     EXPECT_EQ(grid.Row(), 0);
     EXPECT_EQ(grid.Col(), 0);
 }

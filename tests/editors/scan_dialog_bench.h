@@ -1,8 +1,8 @@
-// A serial Scan operation with its three operands, a Scan set as the
-// operation's edit would build it, and the host's instances, with the
+// A Scan operation with its operands (three serial, five TCP/IP), a Scan set
+// as the operation's edit would build it, and the host's instances, with the
 // message and field editors installed and a scripted person, for the tests
-// of the Scan dialog: fill the set, link what a stored Scan links, queue the
-// person's actions and picks, run the dialog.
+// of the Scan dialogs: fill the set, link what a stored Scan links, queue
+// the person's actions and picks, run the dialog.
 #pragma once
 #include <gtest/gtest.h>
 
@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "editors/frm_eth_protocol_scan.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/message_editors.h"
 #include "editors/message_toolbar.h"
@@ -24,22 +25,28 @@
 #include "sets/set_editor_hooks.h"
 #include "support/operation_bench.h"
 #include "support/test_helpers.h"
+#include "tcpip/eth_protocol_scan.h"
 
 namespace qx::test {
 
-class ScanDialogBench : public OperationBench<clsProtocolscan> {
+template <class Operation, class Set, class Dialog>
+class ScanDialogBenchOf : public OperationBench<Operation> {
 public:
     static constexpr int32_t Positions = clsProtocolMessage::MaxPositions;
 
+    using OperationBench<Operation>::context;
+    using OperationBench<Operation>::instances;
+    using OperationBench<Operation>::operand;
+    using OperationBench<Operation>::makeNew;
     ScriptedModalDriver& driver = *context->Script();
     ScopedMessageEditorHooks messageHooks;
     ScopedEditorHooks fieldHooks;
-    std::shared_ptr<clsProtocolscan>& scan = operation;
-    std::unique_ptr<clsProtocolScanSrv> set = std::make_unique<clsProtocolScanSrv>();
+    std::shared_ptr<Operation>& scan = this->operation;
+    std::unique_ptr<Set> set = std::make_unique<Set>();
     bool confirmed = false;
     bool shown = false;
 
-    ScanDialogBench() : OperationBench(170100, L"Line1") {
+    explicit ScanDialogBenchOf(int32_t fatherID) : OperationBench<Operation>(fatherID, L"Line1") {
         messageEditorHooks() = MessageEditorHooks{};
         installMessageEditors();
         installFieldEditors();
@@ -52,13 +59,17 @@ public:
         return instances->Seed(L"Line1");
     }
 
-    // A placed Scan whose operands are linked: the flag 10 (type 1), MI 20 and
-    // (when third) MI 21.
+    // A placed Scan whose operands are linked: the flag 10 (type 1), MI 20,
+    // (when third) MI 21, and on a TCP/IP Scan MI 22 and the vector MI 30.
     int32_t linked(bool third = true) {
         const int32_t config = fresh();
         linkOperand(*operand(1), 1, 10);
         linkOperand(*operand(2), 3, 20);
         if (third) linkOperand(*operand(3), 3, 21);
+        if (scan->itfFBMethod_OutOperands()->Count() == 5) {
+            linkOperand(*operand(4), 3, 22);
+            linkOperand(*operand(5), 3, 30);
+        }
         return config;
     }
 
@@ -74,10 +85,10 @@ public:
     }
 
     // Runs the set's Edit with the person's actions on the dialog.
-    bool edit(std::function<void(frmProtocolScan&)> script) { return editOn(*scan, std::move(script)); }
-    bool editOn(itfFBMethod& method, std::function<void(frmProtocolScan&)> script) {
+    bool edit(std::function<void(Dialog&)> script) { return editOn(*scan, std::move(script)); }
+    bool editOn(itfFBMethod& method, std::function<void(Dialog&)> script) {
         shown = false;
-        driver.QueueDialog(scriptFor<frmProtocolScan>([this, script = std::move(script)](frmProtocolScan& dialog) {
+        driver.QueueDialog(scriptFor<Dialog>([this, script = std::move(script)](Dialog& dialog) {
             shown = true;
             script(dialog);
         }));
@@ -101,6 +112,14 @@ public:
         for (int32_t c = 0; c < grid.Cols(); ++c) text += L"[" + grid.TextMatrix(0, c) + L"]";
         return text;
     }
+};
+
+struct ScanDialogBench : ScanDialogBenchOf<clsProtocolscan, clsProtocolScanSrv, frmProtocolScan> {
+    ScanDialogBench() : ScanDialogBenchOf(170100) {}
+};
+
+struct EthScanDialogBench : ScanDialogBenchOf<clsEthProtocolScan, clsEthProtocolScanSrv, frmEthProtocolScan> {
+    EthScanDialogBench() : ScanDialogBenchOf(170200) {}
 };
 
 }  // namespace qx::test

@@ -116,6 +116,7 @@ TEST_F(QtScanDialogTest, KeysTypedIntoTheGridReachTheSetAsTheHeadlessEditDoes) {
 TEST_F(QtScanDialogTest, AWeighingScaleScanShowsItsRepliesTerminatorAndLinks) {
     scaleReplies();
     QString endOfMessage, link, etxCell, lengthCell;
+    int etxFirstWidth = 0, etxLastWidth = 0;
     bool endOfTextChecked = false;
     bool lengthListEnabled = true;
     bool okEnabled = false;
@@ -127,7 +128,10 @@ TEST_F(QtScanDialogTest, AWeighingScaleScanShowsItsRepliesTerminatorAndLinks) {
         link = window.findChild<QLabel*>(QStringLiteral("lblOpReceived"))->text();
         endOfTextChecked = window.findChild<QRadioButton*>(QStringLiteral("opEndOfText"))->isChecked();
         lengthListEnabled = window.findChild<QComboBox*>(QStringLiteral("cbMessageLength"))->isEnabled();
-        etxCell = window.findChild<QTableView*>(QStringLiteral("flgETX"))->model()->index(0, 1).data().toString();
+        auto* etx = window.findChild<QTableView*>(QStringLiteral("flgETX"));
+        etxCell = etx->model()->index(0, 1).data().toString();
+        etxFirstWidth = etx->columnWidth(0);
+        etxLastWidth = etx->columnWidth(1);
         lengthCell = window.findChild<QTableView*>(QStringLiteral("FlgScan"))->model()->index(0, 1).data().toString();
         okEnabled = window.findChild<QPushButton*>(QStringLiteral("cmdOK"))->isEnabled();
         test::saveScreenshot(window, QStringLiteral("scan_dialog.png"));
@@ -139,6 +143,9 @@ TEST_F(QtScanDialogTest, AWeighingScaleScanShowsItsRepliesTerminatorAndLinks) {
     EXPECT_TRUE(endOfTextChecked);
     EXPECT_FALSE(lengthListEnabled);
     EXPECT_EQ(etxCell, QStringLiteral("0A"));
+    // The last end byte has a cell of the same size as the first.
+    EXPECT_GT(etxFirstWidth, 0);
+    EXPECT_EQ(etxLastWidth, etxFirstWidth);
     EXPECT_EQ(lengthCell, QStringLiteral("17"));
     EXPECT_TRUE(okEnabled);
 }

@@ -351,6 +351,12 @@ void Grid::PageRows(int32_t value) {
     pageRows_ = value;
 }
 
+void Grid::ExtendLastCol(bool value) {
+    if (extendLastCol_ == value) return;
+    extendLastCol_ = value;
+    notify("ExtendLastCol");
+}
+
 void Grid::SelectionMode(int32_t value) {
     if (value != SelectionFree && value != SelectionByRow) raiseError(err::InvalidPropertyValue);
     if (selectionMode_ == value) return;

@@ -131,6 +131,11 @@ public:
     // Anything but the two modes is error 380.
     void SelectionMode(int32_t value);
 
+    // Whether a view widens the last column to fill its width; a grid of
+    // cells of one size (a row of frame bytes) keeps every column as it is.
+    bool ExtendLastCol() const { return extendLastCol_; }
+    void ExtendLastCol(bool value);
+
     bool Editable() const { return editable_; }
     void Editable(bool value) { editable_ = value; }
     // Starts the cell editor on the current cell unless BeforeEdit cancels.
@@ -259,6 +264,7 @@ private:
     int32_t pageRows_ = 10;
     PicturePtr mouseIcon_;
     int32_t selectionMode_ = SelectionFree;
+    bool extendLastCol_ = true;
     bool redraw_ = true;
     int32_t changedRow_ = -1;
     bool editable_ = false;
