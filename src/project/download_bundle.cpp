@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <random>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -74,6 +75,16 @@ bool isEmptyFolder(const std::string& folder) {
     return empty;
 }
 
+// The path whole and without "." or ".." or a slash at its end, so that its
+// last part names the folder itself and its parent is the folder it is in.
+std::string plainPath(const std::string& path) {
+    std::error_code ec;
+    std::string plain = std::filesystem::absolute(path, ec).lexically_normal().string();
+    if (ec) plain = path;
+    while (plain.size() > 1 && plain.back() == '/') plain.pop_back();
+    return plain;
+}
+
 // The folder the bundle goes to, as it must be: missing, or an empty folder;
 // a symbolic link stands for the folder it points to. Gives the path the
 // finished bundle is renamed to. A folder with anything in it is refused
@@ -83,7 +94,7 @@ std::string targetOf(const std::string& folder) {
     struct stat info {};
     if (::lstat(folder.c_str(), &info) != 0) {
         if (errno != ENOENT) failFolderWith(folder, "cannot be used", errno);
-        return folder;
+        return plainPath(folder);
     }
     std::string target = folder;
     if (S_ISLNK(info.st_mode)) {
@@ -101,7 +112,7 @@ std::string targetOf(const std::string& folder) {
     }
     if (!S_ISDIR(info.st_mode)) failFolder(folder, "is not a folder");
     if (!isEmptyFolder(target)) failFolder(folder, "is not empty");
-    return target;
+    return plainPath(target);
 }
 
 void syncFolder(const std::string& folder, const std::string& named) {
@@ -205,16 +216,21 @@ private:
         std::error_code ec;
         std::filesystem::create_directories(parent_, ec);
         if (ec) failFolderWith(folder_, "cannot be created: its parent \"" + parent_ + "\" cannot be made", ec.value());
-        std::string name = parent_ + "/." + target.filename().string() + ".part-XXXXXX";
-        if (!::mkdtemp(name.data())) failFolderWith(folder_, "cannot be created in \"" + parent_ + "\"", errno);
-        ::chmod(name.c_str(), 0777 & ~currentUmask());
-        work_ = name;
-    }
-
-    static mode_t currentUmask() {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        return mask;
+        // mkdir rather than mkdtemp, so that the folder gets the permissions
+        // the umask gives, as the target would have.
+        std::random_device random;
+        for (int attempt = 0;; ++attempt) {
+            char suffix[32];
+            std::snprintf(suffix, sizeof suffix, ".part-%d-%08x", static_cast<int>(::getpid()),
+                          static_cast<unsigned>(random()));
+            const std::string name = parent_ + "/." + target.filename().string() + suffix;
+            if (::mkdir(name.c_str(), 0777) == 0) {
+                work_ = name;
+                return;
+            }
+            if (errno != EEXIST || attempt == 100)
+                failFolderWith(folder_, "cannot be created in \"" + parent_ + "\"", errno);
+        }
     }
 
     std::string folder_, target_, parent_, work_;

@@ -87,6 +87,14 @@ const char* const SampleManifest = R"({
 }
 )";
 
+// The names in a folder, sorted.
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 class DownloadBundleTest : public ::testing::Test {
 protected:
     test::ScratchFolder scratch{"qxfb_bundle_test"};
@@ -160,6 +168,17 @@ TEST_F(DownloadBundleTest, AMissingFolderIsMadeWithItsParents) {
     EXPECT_EQ(readFile(deep / "manifest.json"), SampleManifest);
 }
 
+TEST_F(DownloadBundleTest, AFolderNamedWithASlashAtItsEndIsThatFolder) {
+    writeDownloadBundle(sampleProject(), folder.string() + "/", runtime.function());
+    EXPECT_EQ(readFile(folder / "manifest.json"), SampleManifest);
+    EXPECT_EQ(namesIn(scratch.path()), std::vector<std::string>{"bundle"});
+    const fs::path other = scratch.path() / "other";
+    fs::create_directory(other);
+    writeDownloadBundle(sampleProject(), (other / "." / "").string(), runtime.function());
+    EXPECT_EQ(readFile(other / "manifest.json"), SampleManifest);
+    EXPECT_EQ(namesIn(scratch.path()), (std::vector<std::string>{"bundle", "other"}));
+}
+
 TEST_F(DownloadBundleTest, AnEmptyExistingFolderIsUsed) {
     fs::create_directories(folder);
     writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
@@ -218,14 +237,6 @@ TEST_F(DownloadBundleTest, AnEmptyProjectGivesAnEmptyManifestOnly) {
     EXPECT_EQ(readFile(folder / "manifest.json"),
               "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n  \"files\": []\n}\n");
     EXPECT_TRUE(runtime.calls.empty());
-}
-
-// The names in a folder, sorted.
-std::vector<std::string> namesIn(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 TEST_F(DownloadBundleTest, AFamilyThatFailsLeavesNothingBehind) {
