@@ -425,7 +425,7 @@ void checkSchema(Database& db) {
     for (const bool tables : {true, false})
         for (const SchemaObject& mine : ours)
             if ((mine.Type == "table") == tables && std::find(found.begin(), found.end(), mine) == found.end())
-                damaged(db.path(), "the " + mine.Type + " " + mine.Name + " is missing");
+                damaged(db.path(), "no such " + mine.Type + ": " + mine.Name);
 }
 
 enum class FileKind { Empty, Project };

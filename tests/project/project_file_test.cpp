@@ -317,7 +317,7 @@ TEST_F(ProjectFileTest, AMissingTableIsDamage) {
     runSql(file, "DROP TABLE links;");
     const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
-    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (the table links is missing)");
+    EXPECT_EQ(descriptionOf(e), "project file \"" + path + "\": is damaged (no such table: links)");
 }
 
 TEST_F(ProjectFileTest, ANewFileThatCannotBeMadeLeavesNothingBehind) {
