@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -64,6 +65,28 @@ inline std::string becomeNobody() {
     if (::setgid(65534) != 0 || ::setuid(65534) != 0) return std::string(ChildCannot) + "setuid: " + std::strerror(errno);
     return "";
 }
+
+// A folder no one but root may write, for the life of this object: with
+// becomeNobody in a child, a folder that the child cannot write, whoever
+// runs the test.
+class ReadOnlyFolder {
+public:
+    explicit ReadOnlyFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
+        using std::filesystem::perms;
+        std::filesystem::permissions(folder_, perms::owner_read | perms::owner_exec | perms::group_read |
+                                                  perms::group_exec | perms::others_read | perms::others_exec);
+    }
+    ~ReadOnlyFolder() {
+        std::error_code ignored;
+        std::filesystem::permissions(folder_, std::filesystem::perms::owner_write, std::filesystem::perm_options::add,
+                                     ignored);
+    }
+    ReadOnlyFolder(const ReadOnlyFolder&) = delete;
+    ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
+
+private:
+    std::filesystem::path folder_;
+};
 
 // In a child: a tmpfs with the options over folder, seen by this child only.
 inline std::string mountPrivateTmpfs(const std::string& folder, unsigned long flags, const std::string& options) {

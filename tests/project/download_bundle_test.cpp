@@ -365,6 +365,7 @@ TEST_F(DownloadBundleTest, ASymbolicLinkToAnEmptyFolderGetsTheBundleInThatFolder
 TEST_F(DownloadBundleTest, AParentThatCannotBeMadeIsNamedWithTheCause) {
     const fs::path deep = scratch.path() / "locked" / "sub" / "bundle";
     fs::create_directory(scratch.path() / "locked");
+    const test::ReadOnlyFolder readOnly(scratch.path() / "locked");
     const std::string answer = test::inChild([&] {
         if (std::string cannot = test::becomeNobody(); !cannot.empty()) return cannot;
         writeDownloadBundle(sampleProject(), deep.string(), FakeRuntime().function());

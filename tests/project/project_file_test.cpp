@@ -603,8 +603,8 @@ TEST_F(ProjectFileTest, AFolderNamedLikeTheJournalIsNamedAsTheCause) {
 TEST_F(ProjectFileTest, ASaveIntoAFolderThatCannotBeWrittenSaysSo) {
     saveProject(path, sampleProject());
     fs::permissions(file, fs::perms::all);
-    fs::permissions(folder.path(), fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
-                                       fs::perms::others_read | fs::perms::others_exec);
+    // Read-only for its owner too, for a run that is not root's.
+    const test::ReadOnlyFolder readOnly(folder.path());
     QXFB_CHILD_ANSWER(answer, [&] {
         if (std::string cannot = test::becomeNobody(); !cannot.empty()) return cannot;
         saveProject(path, Project{});
@@ -669,6 +669,7 @@ TEST_F(ProjectFileTest, AWalProjectInAFolderThatCannotBeWrittenSaysWhy) {
     saveProject(path, sampleProject());
     runSql(file, "PRAGMA journal_mode = WAL;");
     ASSERT_FALSE(fs::exists(path + "-wal"));
+    const test::ReadOnlyFolder readOnly(folder.path());
     QXFB_CHILD_ANSWER(answer, [&] {
         if (std::string cannot = test::becomeNobody(); !cannot.empty()) return cannot;
         loadProject(path);
