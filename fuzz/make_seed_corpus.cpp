@@ -399,12 +399,12 @@ void writeProjectSeeds() {
     // of its own name, a table without its key. The expressions are cheap,
     // so that a reader that evaluated them would still be fast to fuzz.
     const std::string writable = "PRAGMA writable_schema = ON;";
-    writeFileSeed(target, "check_constraint",
-                  projectFile(configProject(),
-                              writable +
-                                  "UPDATE sqlite_schema SET sql = replace(sql, 'name TEXT NOT NULL',"
-                                  " 'name TEXT NOT NULL CHECK(length(hex(name)) < 1000)') WHERE name = 'instances';"
-                                  "PRAGMA writable_schema = OFF;"));
+    writeFileSeed(
+        target, "check_constraint",
+        projectFile(configProject(),
+                    writable + "UPDATE sqlite_schema SET sql = replace(sql, 'name TEXT NOT NULL',"
+                               " 'name TEXT NOT NULL CHECK(length(hex(name)) < 1000)') WHERE name = 'instances';"
+                               "PRAGMA writable_schema = OFF;"));
     writeFileSeed(target, "disguised_expression_index",
                   projectFile(netsProject(), "CREATE INDEX costly ON nets(length(hex(comment)));" + writable +
                                                  "UPDATE sqlite_schema SET name = 'sqlite_autoindex_nets_9', sql ="

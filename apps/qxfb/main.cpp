@@ -26,12 +26,12 @@
 #include "component/com_server.h"
 #include "component/registry.h"
 #include "component_loader.h"
-#include "model_commands.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
+#include "model_commands.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/fb_instances_double.h"
@@ -794,8 +794,7 @@ int main(int argc, char** argv) {
             return checkedOutput(0);
         }
         if (i == 0 && cli::isModelCommand(arg))
-            return checkedOutput(
-                cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
+            return checkedOutput(cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
         if (arg == "--app-folder-from-project") {
             options.appFolderFromProject = true;
         } else if (arg == "--component" || arg == "--app-folder") {
@@ -831,7 +830,8 @@ int main(int argc, char** argv) {
         return usageError(what.empty() ? "project needs a command: info or bundle" : "unknown project command " + what);
     }
     if (!words.empty()) return usageError("unexpected argument " + words[0]);
-    if (options.appFolderFromProject) return usageError("--app-folder-from-project belongs to the project bundle command");
+    if (options.appFolderFromProject)
+        return usageError("--app-folder-from-project belongs to the project bundle command");
     if (options.command == "demo") return checkedOutput(demo(options));
     if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo and project bundle commands");
     if (options.command == "classes") return checkedOutput(classes(options));

@@ -10,12 +10,11 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <set>
 #include <tuple>
 #include <utility>
-
-#include <nlohmann/json.hpp>
 
 #include "framework/runtime_catalogue.h"
 #include "platform/basics/ansi.h"
@@ -104,7 +103,7 @@ std::string targetOf(const std::string& folder) {
             if (errno == ENOENT)
                 failFolder(folder, "is a symbolic link to \"" + to.string() + "\", which does not exist");
             failFolderWith(folder, "cannot be used: the symbolic link to \"" + to.string() + "\" cannot be followed",
-                       errno);
+                           errno);
         }
         // The bundle replaces the folder the link points to, not the link.
         target = std::filesystem::canonical(folder, ec).string();
@@ -274,7 +273,8 @@ std::string jsonString(const std::wstring& text) {
     utf8.reserve(text.size());
     for (const wchar_t wc : text) {
         const auto c = static_cast<uint32_t>(wc);
-        utf8 += (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF ? std::string("\xEF\xBF\xBD") : toUtf8(std::wstring(1, wc));
+        utf8 +=
+            (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF ? std::string("\xEF\xBF\xBD") : toUtf8(std::wstring(1, wc));
     }
     return nlohmann::json(utf8).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
@@ -372,8 +372,7 @@ std::string whichFileFailed(const HostContext& context, int32_t FatherID, int32_
                             size_t reportsBefore) {
     const std::string folder = std::filesystem::path(toUtf8(context.RuntimeFolder())).lexically_normal().string();
     const std::string ini = folder + std::to_string(FatherID) + ".ini";
-    if (std::string problem = problemOf(ini, file_limit::Ini); !problem.empty())
-        return "\"" + ini + "\" " + problem;
+    if (std::string problem = problemOf(ini, file_limit::Ini); !problem.empty()) return "\"" + ini + "\" " + problem;
     for (const wchar_t* extension : {L".FBs", L".Jmp"}) {
         const std::string path = folder + toUtf8(runtimeFileName(FatherID, HexFileVersion, extension));
         if (std::string problem = problemOf(path, file_limit::Runtime); !problem.empty())
@@ -392,8 +391,7 @@ std::string whichFileFailed(const HostContext& context, int32_t FatherID, int32_
 
 RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context) {
     return [&gate, &context](int32_t FatherID, int32_t HexFileVersion) {
-        const std::string which =
-            "family " + std::to_string(FatherID) + ", version " + std::to_string(HexFileVersion);
+        const std::string which = "family " + std::to_string(FatherID) + ", version " + std::to_string(HexFileVersion);
         const size_t reports = context.Reports.size();
         FatherPtr father;
         FBHexFileDetails details;

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <map>
-#include <mutex>
 #include <set>
 #include <tuple>
 
@@ -73,7 +72,8 @@ std::string folderOf(const std::string& path) {
         fail(err::PathFileAccessError, path,
              "cannot be saved: its folder \"" + folder + "\" cannot be reached (" + std::strerror(errno) + ")");
     if (::access(path.c_str(), F_OK) == 0 && ::access(path.c_str(), W_OK) != 0)
-        fail(err::PermissionDenied, path, "cannot be written: the file is read-only (" + std::string(std::strerror(errno)) + ")");
+        fail(err::PermissionDenied, path,
+             "cannot be written: the file is read-only (" + std::string(std::strerror(errno)) + ")");
     if (::access(folder.c_str(), W_OK) != 0)
         fail(err::PermissionDenied, path,
              "cannot be saved: its folder \"" + folder + "\" cannot be written (" + std::strerror(errno) +
@@ -96,8 +96,8 @@ std::string folderOf(const std::string& path) {
                  "cannot be saved: no room on the disk for the file or its journal \"" + journal + "\" (" +
                      std::strerror(systemError) + ")");
         case EIO:
-            fail(err::DeviceIOError, path, "cannot be read or written: the device failed (" +
-                                                std::string(std::strerror(systemError)) + ")");
+            fail(err::DeviceIOError, path,
+                 "cannot be read or written: the device failed (" + std::string(std::strerror(systemError)) + ")");
         case EACCES:
         case EPERM:
             fail(err::PermissionDenied, path,
@@ -135,8 +135,8 @@ std::string folderOf(const std::string& path) {
             if (wal && ::access(folderOf(path).c_str(), W_OK) != 0)
                 fail(err::PermissionDenied, path,
                      "cannot be read without write access to its folder \"" + folderOf(path) +
-                         "\": it is in WAL mode, and a reader of such a file makes \"" + path + "-wal\" and \"" +
-                         path + "-shm\" beside it (" + std::strerror(errno) + ")");
+                         "\": it is in WAL mode, and a reader of such a file makes \"" + path + "-wal\" and \"" + path +
+                         "-shm\" beside it (" + std::strerror(errno) + ")");
             failToWrite(path, systemError, why);
         case SQLITE_NOMEM:
             fail(err::OutOfMemory, path, "cannot be read or written: out of memory");
@@ -179,7 +179,8 @@ public:
     Statement& bind(int index, const Bytes& value) {
         if (value.size() > static_cast<size_t>(MaxBlockBytes))
             fail(err::Overflow, path(),
-                 "cannot be saved: a block of " + std::to_string(value.size()) + " bytes is larger than any image can be");
+                 "cannot be saved: a block of " + std::to_string(value.size()) +
+                     " bytes is larger than any image can be");
         // An empty block stays a block: a null pointer would store NULL.
         check(value.empty() ? sqlite3_bind_zeroblob(statement_, index, 0)
                             : sqlite3_bind_blob(statement_, index, value.data(), static_cast<int>(value.size()),
@@ -307,8 +308,7 @@ Statement::Statement(Database& db, const char* sql) : db_(db) {
 }
 const std::string& Statement::path() const { return db_.path(); }
 void Statement::check(int code) {
-    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
-        db_.failed(code, sqlite3_errmsg(db_.handle()));
+    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE) db_.failed(code, sqlite3_errmsg(db_.handle()));
 }
 
 // Version 1 of the schema. Positions keep the order of nets, operations,
@@ -378,11 +378,11 @@ const std::vector<SchemaObject>& schemaOfThisProgram() {
         std::vector<SchemaObject> made;
         sqlite3* db = nullptr;
         sqlite3_stmt* query = nullptr;
-        const bool ok = sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) ==
-                            SQLITE_OK &&
-                        sqlite3_exec(db, SchemaSql, nullptr, nullptr, nullptr) == SQLITE_OK &&
-                        sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query,
-                                           nullptr) == SQLITE_OK;
+        const bool ok =
+            sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK &&
+            sqlite3_exec(db, SchemaSql, nullptr, nullptr, nullptr) == SQLITE_OK &&
+            sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query, nullptr) ==
+                SQLITE_OK;
         while (ok && sqlite3_step(query) == SQLITE_ROW) {
             const auto column = [query](int i) {
                 const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(query, i));

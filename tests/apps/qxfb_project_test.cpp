@@ -164,7 +164,8 @@ TEST_F(QxfbProjectTest, BundleWritesTheImagesInstancesAndTheFamilysRuntimeFiles)
         << manifest;
     EXPECT_NE(manifest.find("\"Name\": \"Sc\xC3\xA4le\"}"), std::string::npos);
 
-    const std::string runtimeFolder = (fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT/").lexically_normal().string();
+    const std::string runtimeFolder =
+        (fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT/").lexically_normal().string();
     EXPECT_NE(manifest.find("\n  \"runtimeFolder\": \"" + runtimeFolder + "\",\n"), std::string::npos) << manifest;
 
     const std::vector<std::string> lines = run1.lines();
@@ -194,13 +195,15 @@ TEST_F(QxfbProjectTest, BundleTakesTheComponentsRuntimeFolderUnlessToldToTakeThe
     const fs::path nowhere = folder / "nowhere" / "bin";
     project.Settings.AppFolder = fromUtf8(nowhere.string());
     saveProject(projectFile.string(), project);
-    const std::string arguments = "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string());
+    const std::string arguments =
+        "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string());
     const CliRun own = run(arguments);
     ASSERT_EQ(own.status, 0) << own.err;
     const std::string componentFolder = (fs::path(paths::sourceTree()) / "runtime/bin").string();
-    EXPECT_NE(own.out.find("Application folder: " + componentFolder + " (the component's own)\n"
-                           "  The project names the application folder " + nowhere.string() +
-                           "; --app-folder-from-project uses it\n"),
+    EXPECT_NE(own.out.find("Application folder: " + componentFolder +
+                           " (the component's own)\n"
+                           "  The project names the application folder " +
+                           nowhere.string() + "; --app-folder-from-project uses it\n"),
               std::string::npos)
         << own.out;
     EXPECT_TRUE(fs::exists(bundle / "manifest.json"));
@@ -213,8 +216,8 @@ TEST_F(QxfbProjectTest, BundleTakesTheComponentsRuntimeFolderUnlessToldToTakeThe
               std::string::npos)
         << fromProject.out;
     EXPECT_EQ(lastLineOf(fromProject.err), "qxfb: the runtime files of family 170100, version 100 cannot be read: \"" +
-                                   (folder / "nowhere/FB_Lib/RT/170100.ini").string() +
-                                                 "\" does not exist (run-time error 13: Type mismatch)");
+                                               (folder / "nowhere/FB_Lib/RT/170100.ini").string() +
+                                               "\" does not exist (run-time error 13: Type mismatch)");
     EXPECT_FALSE(fs::exists(bundle));
 
     const fs::path given = folder / "given" / "bin";
@@ -316,9 +319,9 @@ TEST_F(QxfbProjectTest, AFailedWriteToStandardOutputFailsTheCommand) {
     const CliRun info = runInto(program, "project info " + shellQuoted(projectFile.string()), folder, "/dev/full");
     EXPECT_EQ(info.status, 1);
     EXPECT_EQ(info.err, "qxfb: standard output cannot be written (No space left on device)\n");
-    const CliRun bundled = runInto(
-        program, "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()), folder,
-        "/dev/full");
+    const CliRun bundled =
+        runInto(program, "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()),
+                folder, "/dev/full");
     EXPECT_EQ(bundled.status, 1);
     EXPECT_EQ(bundled.err, "qxfb: standard output cannot be written (No space left on device)\n");
     EXPECT_EQ(runInto(program, "--help", folder, "/dev/full").status, 1);
@@ -335,11 +338,12 @@ TEST_F(QxfbProjectTest, InfoOfAFileColonNameShowsThatFileAndNotTheDecoy) {
 }
 
 TEST_F(QxfbProjectTest, AHostileSchemaIsRefusedAtOnceByInfoAndBundle) {
-    test::runSql(projectFile,
-                 "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 3009)"
-                 " INSERT INTO instances SELECT 170100, i, 'x', x'00' FROM n;"
-                 "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = replace(sql, 'data BLOB NOT NULL',"
-                 " 'data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0)') WHERE name = 'instances';");
+    test::runSql(
+        projectFile,
+        "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 3009)"
+        " INSERT INTO instances SELECT 170100, i, 'x', x'00' FROM n;"
+        "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = replace(sql, 'data BLOB NOT NULL',"
+        " 'data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0)') WHERE name = 'instances';");
     const std::string refused = "qxfb: project file \"" + projectFile.string() +
                                 "\": is not a project file of this program (the table instances is not the one this "
                                 "program writes)\n";
@@ -396,7 +400,7 @@ TEST_F(QxfbProjectTest, ARuntimeFileThatCannotBeReadIsNamedWithFamilyVersionAndC
     fs::create_directory(rt / "170100V100.FBs");
     failed = run(arguments);
     EXPECT_EQ(lastLineOf(failed.err), family + (rt / "170100V100.FBs").string() +
-                              "\" is not a regular file (run-time error 75: Path/File access error)");
+                                          "\" is not a regular file (run-time error 75: Path/File access error)");
 
     fs::remove(rt / "170100V100.FBs");
     fs::copy_file(fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT/170100V100.FBs", rt / "170100V100.FBs");
@@ -405,14 +409,15 @@ TEST_F(QxfbProjectTest, ARuntimeFileThatCannotBeReadIsNamedWithFamilyVersionAndC
     test::writeFile(rt / "170100.ini", ini);
     failed = run(arguments);
     EXPECT_EQ(lastLineOf(failed.err), family + (rt / "170100.ini").string() +
-                              "\" holds a value that is no number for version 100 (run-time error 13: Type "
-                              "mismatch)");
+                                          "\" holds a value that is no number for version 100 (run-time error 13: Type "
+                                          "mismatch)");
 
     ini.replace(ini.find("Version100_MinBiosVersion=3x0"), 29, "");
     test::writeFile(rt / "170100.ini", ini);
     failed = run(arguments);
-    EXPECT_EQ(lastLineOf(failed.err), family + (rt / "170100.ini").string() +
-                              "\" has no value for Version100_MinBiosVersion (run-time error 13: Type mismatch)");
+    EXPECT_EQ(lastLineOf(failed.err),
+              family + (rt / "170100.ini").string() +
+                  "\" has no value for Version100_MinBiosVersion (run-time error 13: Type mismatch)");
     EXPECT_FALSE(fs::exists(bundle));
 }
 

@@ -62,7 +62,8 @@ inline std::string inChild(const std::function<std::string()>& call) {
 // already. Gives an error text, empty when done.
 inline std::string becomeNobody() {
     if (::geteuid() != 0) return "";
-    if (::setgid(65534) != 0 || ::setuid(65534) != 0) return std::string(ChildCannot) + "setuid: " + std::strerror(errno);
+    if (::setgid(65534) != 0 || ::setuid(65534) != 0)
+        return std::string(ChildCannot) + "setuid: " + std::strerror(errno);
     return "";
 }
 

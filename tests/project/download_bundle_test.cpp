@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,8 +19,6 @@
 #include "project/sha256.h"
 #include "support/scratch_files.h"
 #include "support/test_helpers.h"
-
-#include <nlohmann/json.hpp>
 
 namespace qx {
 namespace {
@@ -407,7 +406,8 @@ TEST_F(DownloadBundleTest, NoInodeLeftIsNamedAsTheCauseAndNothingStays) {
         return result + (fs::is_empty(mount) ? "; nothing stays" : "; something stays");
     });
     if (answer.rfind(test::ChildCannot, 0) == 0) GTEST_SKIP() << answer;
-    EXPECT_EQ(answer, "RuntimeError 61: bundle file \"" + (mount / "bundle/operations/net002_op001_170105.bin").string() +
+    EXPECT_EQ(answer, "RuntimeError 61: bundle file \"" +
+                          (mount / "bundle/operations/net002_op001_170105.bin").string() +
                           "\": cannot be created (No space left on device); nothing stays");
 }
 
@@ -429,7 +429,8 @@ TEST_F(DownloadBundleTest, ANameThatIsNotUtf8GivesValidUtf8Json) {
     writeDownloadBundle(project, folder.string(), runtime.function());
     const std::string manifest = readFile(folder / "manifest.json");
     EXPECT_EQ(manifest.find("\\udc"), std::string::npos) << manifest;
-    EXPECT_NE(manifest.find("\"Name\": \"M\xEF\xBF\xBDller \xEF\xBF\xBD\xEF\xBF\xBD\"}"), std::string::npos) << manifest;
+    EXPECT_NE(manifest.find("\"Name\": \"M\xEF\xBF\xBDller \xEF\xBF\xBD\xEF\xBF\xBD\"}"), std::string::npos)
+        << manifest;
     const nlohmann::json parsed = nlohmann::json::parse(manifest);  // throws on invalid UTF-8
     EXPECT_EQ(parsed["files"][0]["Name"], "M\xEF\xBF\xBDller \xEF\xBF\xBD\xEF\xBF\xBD");
 }

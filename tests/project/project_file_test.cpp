@@ -252,8 +252,9 @@ TEST_F(ProjectFileTest, AViewOrATriggerInTheFileIsDamageAndRunsNothing) {
            "DROP TABLE links;"
            "CREATE VIEW links AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
            " SELECT i AS type, i AS address, 1 AS mode, 3 AS format, 1 AS count FROM n;");
-    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
-              "project file \"" + path + "\": is not a project file of this program (the view links is not of a project)");
+    EXPECT_EQ(
+        descriptionOf(test::raisedError([&] { loadProject(path); })),
+        "project file \"" + path + "\": is not a project file of this program (the view links is not of a project)");
     const std::string other = (folder.path() / "other.qxfbproj").string();
     saveProject(other, sampleProject());
     runSql(other, "CREATE TRIGGER hidden AFTER INSERT ON nets BEGIN DELETE FROM operations; END;");
@@ -416,10 +417,11 @@ TEST_F(ProjectFileTest, ACheckConstraintThatWouldTakeMinutesIsRefusedAtOnce) {
     runSql(file,
            "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 3009)"
            " INSERT INTO instances SELECT 170100, i, 'x', x'00' FROM n;");
-    rewriteSchemaSql(file, "instances",
-                     "CREATE TABLE instances(\n  father_id INTEGER NOT NULL, instance_num INTEGER NOT NULL, name TEXT "
-                     "NOT NULL, data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0),\n  PRIMARY "
-                     "KEY(father_id, instance_num)) STRICT");
+    rewriteSchemaSql(
+        file, "instances",
+        "CREATE TABLE instances(\n  father_id INTEGER NOT NULL, instance_num INTEGER NOT NULL, name TEXT "
+        "NOT NULL, data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0),\n  PRIMARY "
+        "KEY(father_id, instance_num)) STRICT");
     ASSERT_LT(fs::file_size(file), 256u * 1024);
     std::string message;
     const double seconds = secondsFor([&] { message = descriptionOf(test::raisedError([&] { loadProject(path); })); });
@@ -596,8 +598,8 @@ TEST_F(ProjectFileTest, AFolderNamedLikeTheJournalIsNamedAsTheCause) {
 }
 
 // The answer of a child, or a skip when the child could not set itself up.
-#define QXFB_CHILD_ANSWER(answer, call)                                             \
-    const std::string answer = test::inChild(call);                                 \
+#define QXFB_CHILD_ANSWER(answer, call)             \
+    const std::string answer = test::inChild(call); \
     if (answer.rfind(test::ChildCannot, 0) == 0) GTEST_SKIP() << answer;
 
 TEST_F(ProjectFileTest, ASaveIntoAFolderThatCannotBeWrittenSaysSo) {
@@ -611,8 +613,10 @@ TEST_F(ProjectFileTest, ASaveIntoAFolderThatCannotBeWrittenSaysSo) {
         return std::string("saved");
     });
     EXPECT_EQ(answer, "RuntimeError 70: project file \"" + path + "\": cannot be saved: its folder \"" +
-                          folder.path().string() + "\" cannot be written (Permission denied), and a save makes its "
-                          "journal \"" + path + "-journal\" there");
+                          folder.path().string() +
+                          "\" cannot be written (Permission denied), and a save makes its "
+                          "journal \"" +
+                          path + "-journal\" there");
     const std::string fresh = (folder.path() / "new.qxfbproj").string();
     QXFB_CHILD_ANSWER(created, [&] {
         if (std::string cannot = test::becomeNobody(); !cannot.empty()) return cannot;
@@ -620,8 +624,10 @@ TEST_F(ProjectFileTest, ASaveIntoAFolderThatCannotBeWrittenSaysSo) {
         return std::string("saved");
     });
     EXPECT_EQ(created, "RuntimeError 70: project file \"" + fresh + "\": cannot be saved: its folder \"" +
-                           folder.path().string() + "\" cannot be written (Permission denied), and a save makes its "
-                           "journal \"" + fresh + "-journal\" there");
+                           folder.path().string() +
+                           "\" cannot be written (Permission denied), and a save makes its "
+                           "journal \"" +
+                           fresh + "-journal\" there");
     EXPECT_EQ(loadProject(path), sampleProject());
 }
 
@@ -675,9 +681,13 @@ TEST_F(ProjectFileTest, AWalProjectInAFolderThatCannotBeWrittenSaysWhy) {
         loadProject(path);
         return std::string("loaded");
     });
-    EXPECT_EQ(answer, "RuntimeError 70: project file \"" + path + "\": cannot be read without write access to its "
-                          "folder \"" + folder.path().string() + "\": it is in WAL mode, and a reader of such a file "
-                          "makes \"" + path + "-wal\" and \"" + path + "-shm\" beside it (Permission denied)");
+    EXPECT_EQ(answer, "RuntimeError 70: project file \"" + path +
+                          "\": cannot be read without write access to its "
+                          "folder \"" +
+                          folder.path().string() +
+                          "\": it is in WAL mode, and a reader of such a file "
+                          "makes \"" +
+                          path + "-wal\" and \"" + path + "-shm\" beside it (Permission denied)");
 }
 
 }  // namespace
