@@ -369,13 +369,16 @@ void writeFileSeed(const std::string& target, const std::string& name, const std
 // The file the project store saves, rewritten in pages of 512 bytes instead
 // of its own 4 KiB: a tenth of the size, mostly structure rather than free
 // space, for the fuzzer to mutate.
-std::string projectFile(const Project& project) {
+// alteration, when given, is SQL run on the saved file first, as another
+// program would run it: a schema this program never writes.
+std::string projectFile(const Project& project, const std::string& alteration = "") {
     const fs::path file = fs::temp_directory_path() / ("qxfb_fuzz_seeds_" + std::to_string(::getpid()) + ".qxfbproj");
     fs::remove(file);
     saveProject(file.string(), project);
     sqlite3* db = nullptr;
+    const std::string sql = alteration + "PRAGMA page_size = 512; VACUUM;";
     const bool rewritten = sqlite3_open(file.c_str(), &db) == SQLITE_OK &&
-                           sqlite3_exec(db, "PRAGMA page_size = 512; VACUUM;", nullptr, nullptr, nullptr) == SQLITE_OK;
+                           sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(db);
     if (!rewritten) throw std::runtime_error("cannot rewrite " + file.string());
     std::string bytes = readWhole(file);
@@ -391,6 +394,31 @@ void writeProjectSeeds() {
     writeFileSeed(target, "nets_project", projectFile(netsProject()));
     writeFileSeed(target, "truncated", config.substr(0, config.size() / 2));
     writeFileSeed(target, "text_file", "[Project]\nName=plant\n");
+    // Schemas of other programs that look like ours: a CHECK constraint, an
+    // expression index under an automatic index's name, an expression index
+    // of its own name, a table without its key. The expressions are cheap,
+    // so that a reader that evaluated them would still be fast to fuzz.
+    const std::string writable = "PRAGMA writable_schema = ON;";
+    writeFileSeed(
+        target, "check_constraint",
+        projectFile(configProject(),
+                    writable + "UPDATE sqlite_schema SET sql = replace(sql, 'name TEXT NOT NULL',"
+                               " 'name TEXT NOT NULL CHECK(length(hex(name)) < 1000)') WHERE name = 'instances';"
+                               "PRAGMA writable_schema = OFF;"));
+    writeFileSeed(target, "disguised_expression_index",
+                  projectFile(netsProject(), "CREATE INDEX costly ON nets(length(hex(comment)));" + writable +
+                                                 "UPDATE sqlite_schema SET name = 'sqlite_autoindex_nets_9', sql ="
+                                                 " replace(sql, 'costly', 'sqlite_autoindex_nets_9') WHERE name ="
+                                                 " 'costly'; PRAGMA writable_schema = OFF;"));
+    writeFileSeed(target, "expression_index",
+                  projectFile(configProject(), "CREATE INDEX by_upper_name ON instances(upper(name), data);"));
+    writeFileSeed(target, "instances_without_key",
+                  projectFile(configProject(),
+                              "CREATE TABLE copy AS SELECT * FROM instances; DROP TABLE instances;"
+                              "CREATE TABLE instances(father_id INTEGER NOT NULL, instance_num INTEGER NOT NULL,"
+                              " name TEXT NOT NULL, data BLOB NOT NULL) STRICT;"
+                              "INSERT INTO instances SELECT * FROM copy; INSERT INTO instances SELECT * FROM copy;"
+                              " DROP TABLE copy;"));
 }
 
 // The runtime model's recognition: a Scan image and a capture, the image's
