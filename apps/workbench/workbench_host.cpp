@@ -180,11 +180,11 @@ void WorkbenchHost::Clear() {
     modified_ = false;
 }
 
-std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
+std::vector<std::wstring> WorkbenchHost::Open(const Project& project, bool takeAppFolder) {
     std::vector<std::wstring> leftOut;
     Clear();
     context_->ExtendedOperands = project.Settings.ExtendedOperands;
-    if (!project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
+    if (takeAppFolder && !project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
     for (auto& [father, instances] : instances_) instances->Restore(project.Instances);
     // Instances of a family this component does not have are kept as they are.
     for (const StoredInstance& instance : project.Instances)

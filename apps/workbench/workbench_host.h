@@ -100,8 +100,13 @@ public:
     Project ToProject() const;
     // Returns what could not be reopened (an operation of a family this
     // component does not have, or one the component refused), one line each;
-    // those are kept as stored (Net::Unopened) and saved again.
-    std::vector<std::wstring> Open(const Project& project);
+    // those are kept as stored (Net::Unopened) and saved again. The
+    // application folder a project names decides which runtime code goes to
+    // the controller, so it is taken only when the caller says so (after
+    // asking the person); otherwise the component's own stays.
+    std::vector<std::wstring> Open(const Project& project, bool takeAppFolder = false);
+    // The application folder the component started with.
+    const std::wstring& ComponentAppFolder() const { return componentAppFolder_; }
     void Clear();
 
     // Unsaved changes since the last Open, Clear or MarkSaved.

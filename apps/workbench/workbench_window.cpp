@@ -600,8 +600,18 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
     // Read first: a file that cannot be read leaves the open project as it is.
     Project project;
     if (!guarded([&] { project = loadProject(QFile::encodeName(path).toStdString()); })) return false;
+    // A project from elsewhere must not choose unasked which runtime code
+    // goes to the controller.
+    const std::wstring& named = project.Settings.AppFolder;
+    const bool takeAppFolder =
+        !named.empty() && named != host_.ComponentAppFolder() &&
+        showBox(QStringLiteral("ProjectAppFolder"), QMessageBox::Question, QStringLiteral("Open project"),
+                QStringLiteral("%1 names its own application folder %2, from which the download bundle takes the "
+                               "runtime code for the controller. Use it? No keeps the component's own folder %3.")
+                    .arg(path, toQString(named), toQString(host_.ComponentAppFolder())),
+                QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
     std::vector<std::wstring> leftOut;
-    const bool opened = guarded([&] { leftOut = host_.Open(project); });
+    const bool opened = guarded([&] { leftOut = host_.Open(project, takeAppFolder); });
     guard_ = ProjectGuard();
     readOnly_ = false;
     filePath_ = opened ? path : QString();

@@ -168,6 +168,22 @@ TEST_F(ProjectFilesTest, TheWindowComesBackAtTheSizeItWasClosedAt) {
     EXPECT_EQ(window->size(), QSize(900, 500));
 }
 
+TEST_F(ProjectFilesTest, AProjectsOwnApplicationFolderIsTakenOnlyWhenThePersonSaysSo) {
+    Project elsewhere;
+    elsewhere.Settings.AppFolder = L"/opt/plant/bin";
+    const QString path = file("elsewhere.qxfbproj");
+    saveProject(QFile::encodeName(path).toStdString(), elsewhere);
+    answer("ProjectAppFolder", QMessageBox::No);
+    ASSERT_TRUE(window->OpenFile(path));
+    EXPECT_EQ(host->Context().AppFolder, host->ComponentAppFolder());
+    EXPECT_TRUE(said(0).startsWith(path + QStringLiteral(" names its own application folder /opt/plant/bin, from "
+                                                         "which the download bundle takes the runtime code")))
+        << said(0).toStdString();
+    answer("ProjectAppFolder", QMessageBox::Yes);
+    ASSERT_TRUE(window->OpenFile(path));
+    EXPECT_EQ(host->Context().AppFolder, L"/opt/plant/bin");
+}
+
 TEST_F(ProjectFilesTest, SaveAsHasCtrlShiftS) {
     QAction* saveAs = window->findChild<QAction*>(QStringLiteral("actionSaveAs"));
     ASSERT_NE(saveAs, nullptr);
