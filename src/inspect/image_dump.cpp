@@ -462,7 +462,8 @@ void sendMessage(Walk& w, DumpNode& root, int32_t number, size_t p, int32_t vers
     w.need(p, MessageHeaderSize, "the header of " + name);
     const size_t count = w.u8(p);
     w.need(p + MessageHeaderSize, SegmentEntrySize * count,
-           "the segment table of " + name + " (" + str(static_cast<int64_t>(count)) + " entries)");
+           "the segment table of " + name + " (" + str(static_cast<int64_t>(count)) +
+               (count == 1 ? " entry)" : " entries)"));
     DumpNode msg = w.node(p, MessageHeaderSize + SegmentEntrySize * count, name);
     w.leaf(msg, p, 1, "number of segments", str(static_cast<int64_t>(count)));
     w.reserved(msg, p + 1, MessageHeaderSize - 1);
@@ -789,7 +790,8 @@ void scanMessage(Walk& w, DumpNode& root, int32_t number, size_t p, int32_t vers
     w.need(p, MessageHeaderSize, "the header of " + name);
     const size_t count = w.u8(p);
     w.need(p + MessageHeaderSize, SegmentEntrySize * count,
-           "the segment table of " + name + " (" + str(static_cast<int64_t>(count)) + " entries)");
+           "the segment table of " + name + " (" + str(static_cast<int64_t>(count)) +
+               (count == 1 ? " entry)" : " entries)"));
     DumpNode msg = w.node(p, MessageHeaderSize + SegmentEntrySize * count, name);
     w.leaf(msg, p, 1, "number of segments", str(static_cast<int64_t>(count)));
     w.leaf(msg, p + MessageFlags, 1, "flags", flagsText(w.u8(p + MessageFlags)));
@@ -1097,6 +1099,8 @@ std::string_view imageKindTitle(ImageKind kind) {
 }
 
 Recognition recogniseImage(const Bytes& image) {
+    if (fitsAddressTable(image) && image.size() == eth::TableHeaderSize)
+        return Recognition{ImageKind::AddressTable, false};
     if (image.size() == clsProtocolConfigSrv::ImageSize) {
         const uint8_t first = image[0];
         if (image[1] != 0) notRecognised("a 2-byte image whose byte 1 is not 0");
@@ -1115,7 +1119,7 @@ Recognition recogniseImage(const Bytes& image) {
     if (address) return Recognition{ImageKind::AddressTable, false};
     if (send) return Recognition{ImageKind::Send, false};
     if (scan) return Recognition{ImageKind::Scan, false};
-    notRecognised("the " + words::bytes(image.size()) + " fit no layout");
+    notRecognised("an image of " + words::bytes(image.size()) + " fits no layout");
 }
 
 ImageDump dumpImage(const Bytes& image, std::optional<ImageKind> kind) {

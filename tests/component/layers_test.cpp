@@ -22,7 +22,7 @@ const std::vector<std::pair<std::string, int>> layers = {
     {"platform/host/", 1},      // the host's interface declarations and its stand-ins
     {"platform/controls/", 1},  // control models and the modal driver
     {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5}, {"tcpip/", 5},
-    {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"qt/", 7},     {"project/", 7},
+    {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"inspect/", 6}, {"qt/", 7},     {"project/", 7},
 };
 
 int layerOf(const std::string& path) {
