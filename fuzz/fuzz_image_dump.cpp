@@ -9,6 +9,7 @@
 // the set's own reader too, with every field where the dump put it.
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,16 +30,17 @@ void checkRanges(const DumpNode& node, const Bytes& image) {
     for (const DumpNode& child : node.Children) checkRanges(child, image);
 }
 
-// The positions of the fields of each message, as the dump names them.
-std::vector<std::vector<int32_t>> dumpedPositions(const ImageDump& dump) {
-    std::vector<std::vector<int32_t>> messages;
-    const std::string prefix = "field at position ";
+// The positions of the fields of each message, as the dump names them. The
+// dump lists the parts in image order, which need not be message order.
+std::map<int32_t, std::vector<int32_t>> dumpedPositions(const ImageDump& dump) {
+    std::map<int32_t, std::vector<int32_t>> messages;
+    const std::string message = "message ";
+    const std::string field = "field at position ";
     for (const DumpNode& node : dump.Root.Children) {
-        if (node.Name.rfind("message ", 0) != 0 || node.Name == "message offsets") continue;
-        std::vector<int32_t> positions;
+        if (node.Name.rfind(message, 0) != 0 || node.Name == "message offsets") continue;
+        std::vector<int32_t>& positions = messages[std::stoi(node.Name.substr(message.size()))];
         for (const DumpNode& segment : node.Children)
-            if (segment.Name.rfind(prefix, 0) == 0) positions.push_back(std::stoi(segment.Name.substr(prefix.size())));
-        messages.push_back(positions);
+            if (segment.Name.rfind(field, 0) == 0) positions.push_back(std::stoi(segment.Name.substr(field.size())));
     }
     return messages;
 }
@@ -52,12 +54,11 @@ void checkAgainstReader(const ImageDump& dump, const Bytes& image) {
     } catch (const RuntimeError& error) {
         fuzz::unexpectedError("the reader of an image the dump accepted", error, image);
     }
-    const std::vector<std::vector<int32_t>> dumped = dumpedPositions(dump);
-    for (size_t m = 0; m < dumped.size(); ++m) {
-        clsProtocolMessage& message = *set.GetMessage(static_cast<int32_t>(m + 1));
+    for (const auto& [number, positions] : dumpedPositions(dump)) {
+        clsProtocolMessage& message = *set.GetMessage(number);
         std::vector<int32_t> read;
         for (int32_t i = 1; i <= message.NumberOfVars(); ++i) read.push_back(message.GetVar(i)->StartPosition());
-        if (read != dumped[m]) fuzz::finding("the dump places a field elsewhere than the reader", image);
+        if (read != positions) fuzz::finding("the dump places a field elsewhere than the reader", image);
     }
 }
 
