@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
 
 #include "inspect/image_diff.h"
@@ -57,15 +56,18 @@ std::string parse(const std::vector<std::string>& args, Arguments& out) {
     return "";
 }
 
-// The file's bytes; an error names the file.
+// The file's bytes; an error names the file. At most one byte more than the
+// limit is read, so that a device or a pipe without end stops too.
 Bytes readImage(const std::string& file) {
-    std::ifstream in(file, std::ios::binary | std::ios::ate);
+    std::ifstream in(file, std::ios::binary);
     if (!in) throw std::runtime_error(file + ": cannot be read");
-    const std::streamoff size = in.tellg();
-    if (size > maxImageSize)
-        throw std::runtime_error(file + ": " + std::to_string(size) + " bytes, more than any image holds");
-    in.seekg(0);
-    Bytes bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    Bytes bytes(static_cast<size_t>(maxImageSize) + 1);
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (in.bad()) throw std::runtime_error(file + ": cannot be read");
+    bytes.resize(static_cast<size_t>(in.gcount()));
+    if (bytes.size() > static_cast<size_t>(maxImageSize))
+        throw std::runtime_error(file + ": more than " + std::to_string(maxImageSize) +
+                                 " bytes, more than any image holds");
     return bytes;
 }
 

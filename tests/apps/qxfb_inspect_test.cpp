@@ -118,6 +118,12 @@ TEST_F(QxfbInspectTest, BrokenImageFailsWithTheOffset) {
     EXPECT_NE(missing.err.find("cannot be read"), std::string::npos) << missing.err;
 }
 
+TEST_F(QxfbInspectTest, FileWithoutEndIsNotReadWhole) {
+    const CliRun dump = run("dump /dev/zero");
+    EXPECT_EQ(dump.status, 1);
+    EXPECT_NE(dump.err.find("/dev/zero: more than 1048576 bytes"), std::string::npos) << dump.err;
+}
+
 TEST_F(QxfbInspectTest, DumpUsageErrorsExitWith2) {
     for (const std::string& arguments :
          std::vector<std::string>{"dump", "dump --kind", "dump --kind nothing x.bin", "dump --frobnicate x.bin",
