@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -19,6 +20,8 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -358,6 +361,39 @@ std::string readWhole(const fs::path& file) {
     return content.str();
 }
 
+// The inspector's seeds are the images of the other targets' seeds, which
+// this run wrote: each once to be recognised by its content (kind byte 0)
+// and, but for the random sets, once with its kind named (1 Send, 2 Scan,
+// 3 Config, 4 Copy buffer, 5 address table).
+void writeImageDumpSeeds() {
+    const std::pair<const char*, char> sources[] = {{"fuzz_send_image", 1},
+                                                    {"fuzz_scan_image", 2},
+                                                    {"fuzz_config_image", 3},
+                                                    {"fuzz_copy_buffer_image", 4},
+                                                    {"fuzz_address_table", 5}};
+    const fs::path folder = corpusRoot / "fuzz_image_dump";
+    fs::create_directories(folder);
+    for (const auto& [target, kind] : sources) {
+        std::vector<fs::path> seeds;
+        for (const auto& entry : fs::directory_iterator(corpusRoot / target))
+            if (entry.path().filename().string().rfind("seed_", 0) == 0) seeds.push_back(entry.path());
+        std::sort(seeds.begin(), seeds.end());
+        for (const fs::path& seed : seeds) {
+            std::string bytes = readWhole(seed);
+            if (bytes.empty()) continue;
+            const std::string name = std::string(target).substr(5) + "_" + seed.filename().string().substr(5);
+            for (char pick : {char(0), kind}) {
+                if (pick != 0 && name.find("random_") != std::string::npos) continue;
+                bytes[0] = pick;
+                std::ofstream out(folder / ("seed_" + name + (pick ? "_named" : "")),
+                                  std::ios::binary | std::ios::trunc);
+                out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+                ++written;
+            }
+        }
+    }
+}
+
 void writeFileSeed(const std::string& target, const std::string& name, const std::string& bytes) {
     fs::path folder = corpusRoot / target;
     fs::create_directories(folder);
@@ -588,6 +624,7 @@ int main(int argc, char** argv) {
     writeAddressTableSeeds();
     writeProjectSeeds();
     writeRecognizerSeeds();
+    writeImageDumpSeeds();
 
     std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());
     return 0;

@@ -3,7 +3,8 @@
 // the ladder IDE does: it lists the families and plays the road of a new
 // serial Config, a Copy buffer and a TCP/IP Config with a scripted person,
 // and it registers the component.
-// It also shows a project file and writes its download bundle.
+// It also shows a project file and writes its download bundle, and dumps and
+// compares images (inspect_commands.h).
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -31,6 +32,7 @@
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
+#include "inspect_commands.h"
 #include "model_commands.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
@@ -100,6 +102,20 @@ Usage:
       used only with --app-folder-from-project. ExtendedOperands comes from
       the project. Prints the application and runtime folders, each file with
       its size and SHA-256, last the line "Bundle: N files in DIR".
+  qxfb dump FILE [--kind KIND] [--json]
+      Shows what the image in FILE means, range by range: the offset, the
+      length, the name and the value in words of every part (the header, the
+      messages, their segments, each field record with every setting, the
+      texts, the checksum, the frame characters, the terminators), with the
+      bytes in hex. KIND is send, scan, config, copy or address; without
+      --kind the content tells it. --json writes the same tree as JSON. Loads
+      no component. A malformed image fails with the offset and what was
+      expected there.
+  qxfb diff A B [--kind KIND]
+      Compares two images of one kind in the words of dump, one line for
+      each setting that differs ("message 2, field at position 5:
+      BeforePoint 4 -> 5"), nothing when they are equal. Exit status 0 when
+      equal, 1 when different, 2 on a usage error or an unreadable image.
   qxfb --help
       Shows this text.
 
@@ -784,6 +800,7 @@ int main(int argc, char** argv) {
     Options options;
     options.component = defaultComponentPath();
     std::vector<std::string> args(argv + 1, argv + argc);
+    if (!args.empty() && qxfb::isInspectCommand(args[0])) return qxfb::runInspectCommand(args);
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--help" || arg == "-h" || arg == "help") {
