@@ -1059,42 +1059,39 @@ bool fitsAddressTable(const Bytes& image) {
 
 }  // namespace
 
+namespace {
+
+struct KindWords {
+    ImageKind Kind;
+    std::string_view Name;   // as --kind names it
+    std::string_view Title;  // as a listing heads it
+};
+
+constexpr KindWords kindWords[] = {
+    {ImageKind::Send, "send", "Send image"},
+    {ImageKind::Scan, "scan", "Scan image"},
+    {ImageKind::Config, "config", "Config image"},
+    {ImageKind::CopyBuffer, "copy", "Copy buffer image"},
+    {ImageKind::AddressTable, "address", "TCP/IP address table"},
+};
+
+}  // namespace
+
 std::string_view imageKindName(ImageKind kind) {
-    switch (kind) {
-        case ImageKind::Send:
-            return "send";
-        case ImageKind::Scan:
-            return "scan";
-        case ImageKind::Config:
-            return "config";
-        case ImageKind::CopyBuffer:
-            return "copy";
-        case ImageKind::AddressTable:
-            return "address";
-    }
+    for (const KindWords& words : kindWords)
+        if (words.Kind == kind) return words.Name;
     return "";
 }
 
 std::optional<ImageKind> imageKindOf(std::string_view name) {
-    for (ImageKind kind :
-         {ImageKind::Send, ImageKind::Scan, ImageKind::Config, ImageKind::CopyBuffer, ImageKind::AddressTable})
-        if (imageKindName(kind) == name) return kind;
+    for (const KindWords& words : kindWords)
+        if (words.Name == name) return words.Kind;
     return std::nullopt;
 }
 
 std::string_view imageKindTitle(ImageKind kind) {
-    switch (kind) {
-        case ImageKind::Send:
-            return "Send image";
-        case ImageKind::Scan:
-            return "Scan image";
-        case ImageKind::Config:
-            return "Config image";
-        case ImageKind::CopyBuffer:
-            return "Copy buffer image";
-        case ImageKind::AddressTable:
-            return "TCP/IP address table";
-    }
+    for (const KindWords& words : kindWords)
+        if (words.Kind == kind) return words.Title;
     return "";
 }
 
