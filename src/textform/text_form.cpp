@@ -274,7 +274,53 @@ OrderedJson header(const char* kind, int32_t version) {
     return out;
 }
 
-std::string finish(const OrderedJson& document) { return document.dump(2) + "\n"; }
+// A container on one line, with a blank behind each comma and colon.
+std::string oneLine(const OrderedJson& value) {
+    if (value.is_object()) {
+        std::string out = "{";
+        for (auto it = value.begin(); it != value.end(); ++it) {
+            if (it != value.begin()) out += ", ";
+            out += OrderedJson(it.key()).dump() + ": " + oneLine(it.value());
+        }
+        return out + "}";
+    }
+    if (value.is_array()) {
+        std::string out = "[";
+        for (size_t i = 0; i < value.size(); ++i) out += (i ? ", " : "") + oneLine(value[i]);
+        return out + "]";
+    }
+    return value.dump();
+}
+
+// Indented by two, but a container that fits the line stays on one line:
+// a frame character, an operand, a field, so that a diff shows one line
+// for each change of a setting's field.
+constexpr size_t kLineWidth = 120;
+
+void writePretty(const OrderedJson& value, std::string& out, size_t indent) {
+    const std::string flat = oneLine(value);
+    if (!value.is_structured() || value.empty() || indent + flat.size() <= kLineWidth) {
+        out += flat;
+        return;
+    }
+    const std::string inner(indent + 2, ' ');
+    const bool object = value.is_object();
+    out += object ? "{\n" : "[\n";
+    size_t i = 0;
+    for (auto it = value.begin(); it != value.end(); ++it, ++i) {
+        out += inner;
+        if (object) out += OrderedJson(it.key()).dump() + ": ";
+        writePretty(it.value(), out, indent + 2);
+        out += i + 1 < value.size() ? ",\n" : "\n";
+    }
+    out += std::string(indent, ' ') + (object ? "}" : "]");
+}
+
+std::string finish(const OrderedJson& document) {
+    std::string out;
+    writePretty(document, out, 0);
+    return out + "\n";
+}
 
 // ---------------------------------------------------------------------------
 // Reading: a JSON tree whose every value knows where it stood in the text.
