@@ -454,10 +454,33 @@ private:
             member = std::move(value);
             made = &member;
         }
-        where_[path] = read_;
+        where_[path] = valueStart(made->is_structured());
         lastPath_ = std::move(path);
         return made;
     }
+    // Where the value just read begins: the parser has read to its end (a
+    // number one character further) or, for a container, its bracket.
+    size_t valueStart(bool container) const {
+        size_t end = std::min(read_, text_.size());
+        if (container || end == 0) return end > 0 ? end - 1 : 0;
+        const auto partOfWord = [](char c) {
+            return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '+' || c == '.';
+        };
+        if (text_[end - 1] == '"') {
+            // Back to the opening quote, one not escaped by a backslash.
+            for (size_t at = end - 1; at-- > 0;) {
+                if (text_[at] != '"') continue;
+                size_t slashes = 0;
+                while (at > slashes && text_[at - 1 - slashes] == '\\') ++slashes;
+                if (slashes % 2 == 0) return at;
+            }
+            return 0;
+        }
+        if (!partOfWord(text_[end - 1])) --end;
+        while (end > 0 && partOfWord(text_[end - 1])) --end;
+        return end;
+    }
+
     void open(Json empty) {
         if (stack_.size() >= MaxDepth) fail(text_, read_, "values are nested deeper than 32 levels");
         Json* made = place(std::move(empty));
