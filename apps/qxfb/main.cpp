@@ -27,6 +27,7 @@
 #include "component/registry.h"
 #include "component_loader.h"
 #include "model_commands.h"
+#include "textform_commands.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "field_editors/frm_protocol_hex_selector.h"
@@ -698,11 +699,14 @@ int main(int argc, char** argv) {
             // The model's commands stand before the options.
             const std::string text = helpText;
             const size_t options = text.find("\nOptions:");
-            std::cout << text.substr(0, options) << cli::modelCommandsHelp << text.substr(options);
+            std::cout << text.substr(0, options) << cli::modelCommandsHelp << cli::textFormCommandsHelp
+                      << text.substr(options);
             return 0;
         }
         if (i == 0 && cli::isModelCommand(arg))
             return cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end()));
+        if (i == 0 && cli::isTextFormCommand(arg))
+            return cli::runTextFormCommand(arg, std::vector<std::string>(args.begin() + 1, args.end()));
         if (arg == "--component" || arg == "--app-folder") {
             if (i + 1 >= args.size()) return usageError(arg + " needs a value");
             (arg == "--component" ? options.component : options.appFolder) = args[++i];

@@ -961,7 +961,8 @@ std::string exportSendSet(const clsProtocolSendSrv& set) {
     OrderedJson out = header("send", version);
     out["start"] = frameJson(set.SendSTXChars(), set.SendSTXLength());
     out["end"] = frameJson(set.SendETXChars(), set.SendETXLength());
-    out["endOfMessage"] = named(set.EndOfSendMessageType(), endOfMessageNames());
+    // A Send image without end characters holds no end of message, and reads as "ETX".
+    out["endOfMessage"] = named(set.SendETXLength() == 0 ? 1 : set.EndOfSendMessageType(), endOfMessageNames());
     OrderedJson checksum;
     checksumSettings(checksum, dynamic_cast<clsProtocolCSVar&>(*set.SendChecksum()), version);
     out["checksum"] = std::move(checksum);

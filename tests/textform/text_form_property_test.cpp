@@ -194,6 +194,14 @@ TEST(TextFormProperty, SetsLoadedFromTheirImageGiveTheSameTextAsTheSetItself) {
         clsProtocolScanSrv loaded;
         loaded.BinaryData(image);
         EXPECT_EQ(textform::exportScanSet(loaded), textform::exportScanSet(set));
+
+        std::mt19937 sendRandom(seed);
+        clsProtocolSendSrv send;
+        test::fillRandomSendSet(send, sendRandom);
+        const Bytes sendImage = send.BinaryData();
+        clsProtocolSendSrv sendLoaded;
+        sendLoaded.BinaryData(sendImage);
+        EXPECT_EQ(textform::exportSendSet(sendLoaded), textform::exportSendSet(send));
     }
 }
 
