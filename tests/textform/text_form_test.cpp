@@ -275,6 +275,31 @@ TEST(TextForm, TheImageVersionMustBeTheOneTheHostWrites) {
         << error;
 }
 
+// An unsigned constant goes into bytes 2 to 5 as its 32 bits.
+TEST(TextForm, AnUnsignedConstantMessageNumberKeepsItsValue) {
+    ScopedHostContext host;
+    std::string text = sendText(R"j([{"number": 1, "segments": ["A"]}, {"number": 2, "segments": ["B"]}])j");
+    text.replace(text.find(R"j({"type": "#I", "constant": 0})j"), 29, R"j({"type": "#L", "constant": 4000000000})j");
+    auto set = textform::importSendSet(text);
+    const Bytes image = set->BinaryData();
+    EXPECT_EQ(image[0], 38);
+    const uint32_t value = image[2] | (image[3] << 8) | (image[4] << 16) | (static_cast<uint32_t>(image[5]) << 24);
+    EXPECT_EQ(value, 4000000000u);
+    EXPECT_NE(textform::exportSendSet(*set).find(R"j("messageNumber": {"type": "#L", "constant": 4000000000})j"),
+              std::string::npos);
+}
+
+// A gap before the last message is a set the Send dialog refuses; its text
+// imports, and its image fails as the set's own would.
+TEST(TextForm, AnEmptyMessageBeforeTheLastOneImportsAndHasNoImage) {
+    ScopedHostContext host;
+    auto set = textform::importSendSet(
+        sendText(R"j([{"number": 1, "segments": []}, {"number": 2, "segments": ["B"]}])j"));
+    EXPECT_EQ(set->GetEmptyMessageNumber(), 1);
+    EXPECT_THROW(set->BinaryData(), RuntimeError);
+    EXPECT_NE(textform::exportSendSet(*set).find(R"j({"number": 1, "segments": []})j"), std::string::npos);
+}
+
 TEST(TextForm, PeekTellsTheKindAndImageVersion) {
     auto header = textform::peekHeader(R"j({"kind": "scan", "imageVersion": 1})j");
     ASSERT_TRUE(header);
