@@ -27,7 +27,6 @@
 #include "component/registry.h"
 #include "component_loader.h"
 #include "model_commands.h"
-#include "textform_commands.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "field_editors/frm_protocol_hex_selector.h"
@@ -45,6 +44,7 @@
 #include "serial/frm_protocol_copy_bytes.h"
 #include "tcpip/frm_eth_address_param.h"
 #include "tcpip/frm_eth_protocol_config.h"
+#include "textform_commands.h"
 
 namespace {
 

@@ -90,9 +90,9 @@ const NameTable kScanCopyBytesNames{{0, "Convert 1 Receive Bytes to ONE Linked E
                                     {2, "Convert 4 Receive Bytes to ONE Linked Element (Big)"},
                                     {5, "Convert 4 Receive Bytes to ONE Linked Element (Small)"}};
 const NameTable kChecksumFormatNames{{0, "Decimal ASCII"}, {1, "Hex as ASCII"}, {2, "Binary"}};
-const NameTable kCalculationNames{{1, "SUM-8"},      {2, "XOR-8"},      {3, "CRC-16"},     {4, "CRC-8"},
+const NameTable kCalculationNames{{1, "SUM-8"},          {2, "XOR-8"},      {3, "CRC-16"},     {4, "CRC-8"},
                                   {5, "2's COMPLEMENT"}, {6, "CRC-CCITT1"}, {7, "CRC-CCITT2"}, {8, "CRC-CCITT3"},
-                                  {9, "CRC-CCITT4"}, {10, "LRC"}};
+                                  {9, "CRC-CCITT4"},     {10, "LRC"}};
 const NameTable kModulusNames{{1, "256 (100H)"}, {2, "65536 (10000H)"}, {3, "32 bit"}};
 
 // A value by its name when it has one, else as the number it is.
@@ -343,7 +343,8 @@ std::string lineAndColumn(std::string_view text, size_t offset) {
 }
 
 [[noreturn]] void fail(std::string_view text, size_t offset, const std::string& rule) {
-    throw RuntimeError(err::InvalidFileFormat, L"QxFBCom2.TextForm", fromUtf8(lineAndColumn(text, offset) + ": " + rule));
+    throw RuntimeError(err::InvalidFileFormat, L"QxFBCom2.TextForm",
+                       fromUtf8(lineAndColumn(text, offset) + ": " + rule));
 }
 
 // An iterator over the text that tells a shared counter how far the parser has read.
@@ -560,8 +561,7 @@ public:
     void only(std::initializer_list<const char*> keys, const std::string& what) const {
         expectObject();
         for (auto it = value_->begin(); it != value_->end(); ++it) {
-            const bool known =
-                std::any_of(keys.begin(), keys.end(), [&](const char* key) { return it.key() == key; });
+            const bool known = std::any_of(keys.begin(), keys.end(), [&](const char* key) { return it.key() == key; });
             if (!known)
                 Node(*document_, it.value(), path_ + "/" + it.key())
                     .fail("\"" + it.key() + "\" is no member of " + what);
@@ -601,8 +601,7 @@ public:
             for (const auto& entry : names) known += (known.empty() ? "\"" : ", \"") + entry.second + "\"";
             fail(label() + " must be one of " + known + " or a number from 0 to 255, not \"" + string() + "\"");
         }
-        if (!value_->is_number_integer())
-            fail(label() + " must be a name of the list or a number from 0 to 255");
+        if (!value_->is_number_integer()) fail(label() + " must be a name of the list or a number from 0 to 255");
         return byte();
     }
     // The bytes of an escaped text.
@@ -616,8 +615,8 @@ public:
     size_t size(size_t least, size_t most) const {
         if (!value_->is_array()) fail(label() + " must be an array");
         if (value_->size() < least || value_->size() > most)
-            fail(label() + " must hold " + (least == most ? std::to_string(least)
-                                                           : std::to_string(least) + " to " + std::to_string(most)) +
+            fail(label() + " must hold " +
+                 (least == most ? std::to_string(least) : std::to_string(least) + " to " + std::to_string(most)) +
                  " entries, not " + std::to_string(value_->size()));
         return value_->size();
     }
@@ -653,7 +652,8 @@ struct OperandLink {
 
 OperandLink operandLink(const Node& node) {
     node.only({"type", "address"}, "an operand");
-    return OperandLink{operandType(node.member("type")), static_cast<int32_t>(node.member("address").integer(0, 0xFFFF))};
+    return OperandLink{operandType(node.member("type")),
+                       static_cast<int32_t>(node.member("address").integer(0, 0xFFFF))};
 }
 
 void readFrame(const Node& node, int32_t& length, const std::function<void(int32_t, uint8_t, bool)>& setValue) {
@@ -689,7 +689,7 @@ void readChecksumSettings(const Node& node, clsProtocolCSVar& checksum) {
     }
 }
 
-#define QXFB_CHECKSUM_KEYS \
+#define QXFB_CHECKSUM_KEYS                                                                                  \
     "formatView", "csLength", "calculationType", "modulusType", "offsetFromForward", "offsetTillBackwards", \
         "stxInChecksum", "setLimits"
 
@@ -713,16 +713,17 @@ VarPtr readSendNumeric(const Node& node) {
                   "a numeric field in the stream form");
         field->CopyBytesFormat(node.member("copyBytesFormat").named(kSendCopyBytesNames));
         if (node.has("streamLengthAddress") == node.has("streamVectorLength"))
-            node.fail("a numeric field in the stream form needs either \"streamVectorLength\" (a direct count) or "
-                      "\"streamLengthAddress\" (the address of the count)");
+            node.fail(
+                "a numeric field in the stream form needs either \"streamVectorLength\" (a direct count) or "
+                "\"streamLengthAddress\" (the address of the count)");
         if (node.has("streamLengthAddress"))
             field->StreamLengthAddress(static_cast<int32_t>(node.member("streamLengthAddress").integer(0, 0xFFFF)));
         else
             field->StreamVectorLength(node.member("streamVectorLength").byte());
         return field;
     }
-    node.only({"field", "operand", "form", "leadingZeros", "varFormat", "beforePoint", "afterPoint",
-               "prefixSignFormat", "vectorLength"},
+    node.only({"field", "operand", "form", "leadingZeros", "varFormat", "beforePoint", "afterPoint", "prefixSignFormat",
+               "vectorLength"},
               "a numeric field in the ASCII form");
     const int32_t format = node.member("varFormat").named(kSendVarFormatNames);
     field->VarFormat(format);
@@ -747,9 +748,9 @@ VarPtr readScanNumeric(const Node& node) {
     const int32_t format = node.member("varFormat").named(kScanVarFormatNames);
     field->VarFormat(format);
     if (form == 1) {
-        node.only({"field", "operand", "form", "varFormat", "copyBytesFormat", "streamVectorLength",
-                   "addNullToEndOfStream"},
-                  "a numeric field in the stream form");
+        node.only(
+            {"field", "operand", "form", "varFormat", "copyBytesFormat", "streamVectorLength", "addNullToEndOfStream"},
+            "a numeric field in the stream form");
         field->CopyBytesFormat(node.member("copyBytesFormat").named(kScanCopyBytesNames));
         field->StreamVectorLength(node.member("streamVectorLength").byte());
         field->AddNullToEndOfStream(node.member("addNullToEndOfStream").boolean());
@@ -880,15 +881,17 @@ int32_t readHeader(const Node& root, const char* kind) {
         version.fail("this is version " + std::to_string(version.integer(0, INT32_MAX)) +
                      " of the format, and only version 1 is known");
     const Node kindNode = root.member("kind");
+    if (kindNode.string() != "send" && kindNode.string() != "scan")
+        kindNode.fail("\"kind\" must be \"send\" or \"scan\", not \"" + kindNode.string() + "\"");
     if (kindNode.string() != kind)
         kindNode.fail("\"kind\" must be \"" + std::string(kind) + "\" here, not \"" + kindNode.string() + "\"");
     const Node imageVersion = root.member("imageVersion");
     const auto wanted = static_cast<int32_t>(imageVersion.integer(0, 1));
     if (wanted != currentImageVersion())
-        imageVersion.fail("the text is for an image of version " + std::to_string(wanted) +
-                          ", and this host writes version " + std::to_string(currentImageVersion()) +
-                          (currentImageVersion() == 0 ? " (the extended operands are off)"
-                                                      : " (the extended operands are on)"));
+        imageVersion.fail(
+            "the text is for an image of version " + std::to_string(wanted) + ", and this host writes version " +
+            std::to_string(currentImageVersion()) +
+            (currentImageVersion() == 0 ? " (the extended operands are off)" : " (the extended operands are on)"));
     return wanted;
 }
 
@@ -1034,13 +1037,14 @@ std::unique_ptr<clsProtocolSendSrv> importSendSet(std::string_view json) {
     const Document document(json);
     const Node root(document, document.root(), "");
     const int32_t version = readHeader(root, "send");
-    root.only({"format", "version", "kind", "imageVersion", "start", "end", "endOfMessage", "checksum",
-               "messageNumber", "copyAfterEtx", "messages"},
+    root.only({"format", "version", "kind", "imageVersion", "start", "end", "endOfMessage", "checksum", "messageNumber",
+               "copyAfterEtx", "messages"},
               "a Send text form");
     auto set = std::make_unique<clsProtocolSendSrv>();
     set->ImageVersion(version);
     int32_t length = 0;
-    readFrame(root.member("start"), length, [&](int32_t i, uint8_t v, bool typed) { set->SetSendSTXValue(i, v, typed); });
+    readFrame(root.member("start"), length,
+              [&](int32_t i, uint8_t v, bool typed) { set->SetSendSTXValue(i, v, typed); });
     set->SendSTXLength(length);
     readFrame(root.member("end"), length, [&](int32_t i, uint8_t v, bool typed) { set->SetSendETXValue(i, v, typed); });
     set->SendETXLength(length);
@@ -1067,13 +1071,14 @@ std::unique_ptr<clsProtocolScanSrv> importScanSet(std::string_view json) {
     const Document document(json);
     const Node root(document, document.root(), "");
     const int32_t version = readHeader(root, "scan");
-    root.only({"format", "version", "kind", "imageVersion", "start", "end", "endOfMessage", "checksum",
-               "messageLength", "silenceTime", "messages"},
+    root.only({"format", "version", "kind", "imageVersion", "start", "end", "endOfMessage", "checksum", "messageLength",
+               "silenceTime", "messages"},
               "a Scan text form");
     auto set = std::make_unique<clsProtocolScanSrv>();
     set->ImageVersion(version);
     int32_t length = 0;
-    readFrame(root.member("start"), length, [&](int32_t i, uint8_t v, bool typed) { set->SetScanSTXValue(i, v, typed); });
+    readFrame(root.member("start"), length,
+              [&](int32_t i, uint8_t v, bool typed) { set->SetScanSTXValue(i, v, typed); });
     set->ScanSTXLength(length);
     readFrame(root.member("end"), length, [&](int32_t i, uint8_t v, bool typed) { set->SetScanETXValue(i, v, typed); });
     set->ScanETXLength(length);

@@ -27,11 +27,14 @@ namespace textform {
 inline constexpr std::string_view FormatName = "qxfbcom2-message-set";
 inline constexpr int32_t FormatVersion = 1;
 
-// The text of the set, UTF-8, indented by two, ending with a line break. The
-// image version it records is the one an image of the set is written with
-// now: 1 when the extended operands are on. A value the format cannot hold
-// (a message length above 255, an operand type above 255) raises
-// RuntimeError(6), as the image writer would.
+// The text of the set, UTF-8, indented by two (a container that fits a line
+// on one line), ending with a line break. The image version it records is
+// the one an image of the set is written with now: 1 when the extended
+// operands are on. The messages are those an image holds, 1 to the last one
+// that is not empty. A control code above 255 raises RuntimeError(6), as the
+// image writer would; any other value is written as the set holds it, and
+// one that no image can hold (a byte setting above 255) gives a text that
+// the import refuses.
 std::string exportSendSet(const clsProtocolSendSrv& set);
 std::string exportScanSet(const clsProtocolScanSrv& set);
 

@@ -83,11 +83,13 @@ TEST_F(QxfbTextFormTest, AScanImageIsRecognisedAndComesBackTheSame) {
 }
 
 TEST_F(QxfbTextFormTest, AnInvalidTextIsReportedWithFileLineAndColumn) {
-    test::writeFile(folder / "bad.json", "{\n  \"format\": \"qxfbcom2-message-set\",\n  \"version\": 1,\n"
-                                          "  \"kind\": \"send\",\n  \"imageVersion\": 0,\n  \"start\": 3\n}\n");
+    test::writeFile(folder / "bad.json",
+                    "{\n  \"format\": \"qxfbcom2-message-set\",\n  \"version\": 1,\n"
+                    "  \"kind\": \"send\",\n  \"imageVersion\": 0,\n  \"start\": 3\n}\n");
     const test::CliRun result = run("import " + file("bad.json") + " -o " + file("out.bin"));
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qxfb: " + (folder / "bad.json").string() + ": line 6, column 12: \"start\" must be an object\n");
+    EXPECT_EQ(result.err,
+              "qxfb: " + (folder / "bad.json").string() + ": line 6, column 12: \"start\" must be an object\n");
     EXPECT_FALSE(fs::exists(folder / "out.bin"));
 }
 

@@ -1,6 +1,8 @@
 // Text forms written by hand against images built by hand from the
 // documented layout, the exact text of a small set, the escapes, and the
 // errors of the import with their line and column.
+#include "textform/text_form.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -15,7 +17,6 @@
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "textform/text_escapes.h"
-#include "textform/text_form.h"
 
 namespace qx {
 namespace {
@@ -207,9 +208,9 @@ TEST(TextForm, ASmallSendSetHasThisText) {
 
 TEST(TextForm, BlanksInsideTextAndBetweenFieldsSurvive) {
     ScopedHostContext host;
-    const std::string text = sendText(
-        R"j([{"number": 1, "segments": ["  A  B  ", {"field": "date", "dateFormatType": "DD/MM/YY"}, "   ", )j"
-        R"j({"field": "time", "timeFormatType": "HH:MM:SS"}, " <CR>"]}])j");
+    const std::string text =
+        sendText(R"j([{"number": 1, "segments": ["  A  B  ", {"field": "date", "dateFormatType": "DD/MM/YY"}, "   ", )j"
+                 R"j({"field": "time", "timeFormatType": "HH:MM:SS"}, " <CR>"]}])j");
     auto set = textform::importSendSet(text);
     const std::wstring row = set->GetMessage(1)->MessageString();
     EXPECT_EQ(row.substr(0, 8), L"  A  B  ");
@@ -246,7 +247,9 @@ TEST(TextForm, AHexEscapeOfAPrintableByteIsThatCharacter) {
 
 TEST(TextForm, ErrorsTellLineColumnAndRule) {
     ScopedHostContext host;
-    EXPECT_EQ(importError("{\n  \"format\": 5,\n"), "line 3, column 1: not JSON: syntax error while parsing object key - unexpected end of input; expected string literal");
+    EXPECT_EQ(importError("{\n  \"format\": 5,\n"),
+              "line 3, column 1: not JSON: syntax error while parsing object key - unexpected end of input; expected "
+              "string literal");
     const std::string wrongKind = sendText("[]");
     EXPECT_EQ(importError(wrongKind, true), "line 1, column 58: \"kind\" must be \"scan\" here, not \"send\"");
     std::string badEscape = sendText("[{\"number\": 1,\n \"segments\": [\"A<XY>\"]}]");
@@ -259,7 +262,8 @@ TEST(TextForm, ErrorsTellLineColumnAndRule) {
     EXPECT_NE(importError(badNumber).find("messages are numbered 1, 2, 3 in order"), std::string::npos);
     std::string tooLong = sendText(R"j([{"number": 1, "segments": [")j" + std::string(501, 'x') + R"j("]}])j");
     EXPECT_NE(importError(tooLong).find("passes its 500 positions"), std::string::npos);
-    std::string scanField = scanText(R"j([{"number": 1, "length": 0, "segments": [{"field": "date", "dateFormatType": 6}]}])j");
+    std::string scanField =
+        scanText(R"j([{"number": 1, "length": 0, "segments": [{"field": "date", "dateFormatType": 6}]}])j");
     EXPECT_NE(importError(scanField, true).find("a Scan field is \"numeric\" or \"checksum\""), std::string::npos);
     std::string badType = sendText(
         R"j([{"number": 1, "segments": [{"field": "binary", "operand": {"type": "QQ", "address": 1}, "textFor0": "a", )j"
@@ -293,8 +297,8 @@ TEST(TextForm, AnUnsignedConstantMessageNumberKeepsItsValue) {
 // imports, and its image fails as the set's own would.
 TEST(TextForm, AnEmptyMessageBeforeTheLastOneImportsAndHasNoImage) {
     ScopedHostContext host;
-    auto set = textform::importSendSet(
-        sendText(R"j([{"number": 1, "segments": []}, {"number": 2, "segments": ["B"]}])j"));
+    auto set =
+        textform::importSendSet(sendText(R"j([{"number": 1, "segments": []}, {"number": 2, "segments": ["B"]}])j"));
     EXPECT_EQ(set->GetEmptyMessageNumber(), 1);
     EXPECT_THROW(set->BinaryData(), RuntimeError);
     EXPECT_NE(textform::exportSendSet(*set).find(R"j({"number": 1, "segments": []})j"), std::string::npos);
