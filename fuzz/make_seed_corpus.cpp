@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -19,6 +20,8 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "message/protocol_binary_var.h"
 #include "message/protocol_cs_var.h"
@@ -358,6 +361,39 @@ std::string readWhole(const fs::path& file) {
     return content.str();
 }
 
+// The inspector's seeds are the images of the other targets' seeds, which
+// this run wrote: each once to be recognised by its content (kind byte 0)
+// and, but for the random sets, once with its kind named (1 Send, 2 Scan,
+// 3 Config, 4 Copy buffer, 5 address table).
+void writeImageDumpSeeds() {
+    const std::pair<const char*, char> sources[] = {{"fuzz_send_image", 1},
+                                                    {"fuzz_scan_image", 2},
+                                                    {"fuzz_config_image", 3},
+                                                    {"fuzz_copy_buffer_image", 4},
+                                                    {"fuzz_address_table", 5}};
+    const fs::path folder = corpusRoot / "fuzz_image_dump";
+    fs::create_directories(folder);
+    for (const auto& [target, kind] : sources) {
+        std::vector<fs::path> seeds;
+        for (const auto& entry : fs::directory_iterator(corpusRoot / target))
+            if (entry.path().filename().string().rfind("seed_", 0) == 0) seeds.push_back(entry.path());
+        std::sort(seeds.begin(), seeds.end());
+        for (const fs::path& seed : seeds) {
+            std::string bytes = readWhole(seed);
+            if (bytes.empty()) continue;
+            const std::string name = std::string(target).substr(5) + "_" + seed.filename().string().substr(5);
+            for (char pick : {char(0), kind}) {
+                if (pick != 0 && name.find("random_") != std::string::npos) continue;
+                bytes[0] = pick;
+                std::ofstream out(folder / ("seed_" + name + (pick ? "_named" : "")),
+                                  std::ios::binary | std::ios::trunc);
+                out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+                ++written;
+            }
+        }
+    }
+}
+
 void writeFileSeed(const std::string& target, const std::string& name, const std::string& bytes) {
     fs::path folder = corpusRoot / target;
     fs::create_directories(folder);
@@ -369,13 +405,16 @@ void writeFileSeed(const std::string& target, const std::string& name, const std
 // The file the project store saves, rewritten in pages of 512 bytes instead
 // of its own 4 KiB: a tenth of the size, mostly structure rather than free
 // space, for the fuzzer to mutate.
-std::string projectFile(const Project& project) {
+// alteration, when given, is SQL run on the saved file first, as another
+// program would run it: a schema this program never writes.
+std::string projectFile(const Project& project, const std::string& alteration = "") {
     const fs::path file = fs::temp_directory_path() / ("qxfb_fuzz_seeds_" + std::to_string(::getpid()) + ".qxfbproj");
     fs::remove(file);
     saveProject(file.string(), project);
     sqlite3* db = nullptr;
+    const std::string sql = alteration + "PRAGMA page_size = 512; VACUUM;";
     const bool rewritten = sqlite3_open(file.c_str(), &db) == SQLITE_OK &&
-                           sqlite3_exec(db, "PRAGMA page_size = 512; VACUUM;", nullptr, nullptr, nullptr) == SQLITE_OK;
+                           sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(db);
     if (!rewritten) throw std::runtime_error("cannot rewrite " + file.string());
     std::string bytes = readWhole(file);
@@ -391,6 +430,31 @@ void writeProjectSeeds() {
     writeFileSeed(target, "nets_project", projectFile(netsProject()));
     writeFileSeed(target, "truncated", config.substr(0, config.size() / 2));
     writeFileSeed(target, "text_file", "[Project]\nName=plant\n");
+    // Schemas of other programs that look like ours: a CHECK constraint, an
+    // expression index under an automatic index's name, an expression index
+    // of its own name, a table without its key. The expressions are cheap,
+    // so that a reader that evaluated them would still be fast to fuzz.
+    const std::string writable = "PRAGMA writable_schema = ON;";
+    writeFileSeed(
+        target, "check_constraint",
+        projectFile(configProject(),
+                    writable + "UPDATE sqlite_schema SET sql = replace(sql, 'name TEXT NOT NULL',"
+                               " 'name TEXT NOT NULL CHECK(length(hex(name)) < 1000)') WHERE name = 'instances';"
+                               "PRAGMA writable_schema = OFF;"));
+    writeFileSeed(target, "disguised_expression_index",
+                  projectFile(netsProject(), "CREATE INDEX costly ON nets(length(hex(comment)));" + writable +
+                                                 "UPDATE sqlite_schema SET name = 'sqlite_autoindex_nets_9', sql ="
+                                                 " replace(sql, 'costly', 'sqlite_autoindex_nets_9') WHERE name ="
+                                                 " 'costly'; PRAGMA writable_schema = OFF;"));
+    writeFileSeed(target, "expression_index",
+                  projectFile(configProject(), "CREATE INDEX by_upper_name ON instances(upper(name), data);"));
+    writeFileSeed(target, "instances_without_key",
+                  projectFile(configProject(),
+                              "CREATE TABLE copy AS SELECT * FROM instances; DROP TABLE instances;"
+                              "CREATE TABLE instances(father_id INTEGER NOT NULL, instance_num INTEGER NOT NULL,"
+                              " name TEXT NOT NULL, data BLOB NOT NULL) STRICT;"
+                              "INSERT INTO instances SELECT * FROM copy; INSERT INTO instances SELECT * FROM copy;"
+                              " DROP TABLE copy;"));
 }
 
 // The runtime model's recognition: a Scan image and a capture, the image's
@@ -560,6 +624,7 @@ int main(int argc, char** argv) {
     writeAddressTableSeeds();
     writeProjectSeeds();
     writeRecognizerSeeds();
+    writeImageDumpSeeds();
 
     std::printf("wrote %d seeds under %s\n", written, corpusRoot.string().c_str());
     return 0;

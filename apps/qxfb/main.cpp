@@ -3,7 +3,8 @@
 // the ladder IDE does: it lists the families and plays the road of a new
 // serial Config, a Copy buffer and a TCP/IP Config with a scripted person,
 // and it registers the component.
-// It also shows a project file and writes its download bundle.
+// It also shows a project file and writes its download bundle, and dumps and
+// compares images (inspect_commands.h).
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,12 +27,13 @@
 #include "component/com_server.h"
 #include "component/registry.h"
 #include "component_loader.h"
-#include "model_commands.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/frm_protocol_send.h"
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
+#include "inspect_commands.h"
+#include "model_commands.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/fb_instances_double.h"
@@ -83,18 +85,38 @@ Usage:
       FatherInstanceNum, the size of BinaryOperands, every operand with its
       key, caption and link or constant value), the instances (FatherID,
       InstanceNum, name, data size) and the sizes of the constant and operand
-      tables.
+      tables. Texts from the file are shown with control characters escaped
+      (\e, \t, \x00, \u2028) and bytes that are not UTF-8 as \xHH.
   qxfb project bundle FILE DIR [--component PATH] [--app-folder DIR]
+                               [--app-folder-from-project]
       Writes the download bundle of the project FILE into the folder DIR,
-      which is made when missing and must be empty: every operation's
-      BinaryOperands (operations/net001_op001_170101.bin), every instance's
-      data (instances/170100_0001.bin), the runtime files of each family and
+      which must be missing or empty: every operation's BinaryOperands
+      (operations/net001_op001_170101.bin), every instance's data
+      (instances/170100_0001.bin), the runtime files of each family and
       version in use, as the component gives them (runtime/170100V100.FBs and
-      .Jmp), and last manifest.json with the size, SHA-256 and meaning of
-      each file. The application folder is --app-folder, else the project's
-      own when it has one, else the component's; ExtendedOperands comes from
-      the project. Prints each file with its size and SHA-256, last the line
-      "Bundle: N files in DIR".
+      .Jmp), and last manifest.json with the runtime folder used and the
+      size, SHA-256 and meaning of each file. The files are written into a
+      fresh folder beside DIR, which becomes DIR when all are on the disk:
+      DIR holds the whole bundle or nothing, and of two bundles written into
+      one folder at once the second fails. The application folder is
+      --app-folder, else the component's own; the one the project names is
+      used only with --app-folder-from-project. ExtendedOperands comes from
+      the project. Prints the application and runtime folders, each file with
+      its size and SHA-256, last the line "Bundle: N files in DIR".
+  qxfb dump FILE [--kind KIND] [--json]
+      Shows what the image in FILE means, range by range: the offset, the
+      length, the name and the value in words of every part (the header, the
+      messages, their segments, each field record with every setting, the
+      texts, the checksum, the frame characters, the terminators), with the
+      bytes in hex. KIND is send, scan, config, copy or address; without
+      --kind the content tells it. --json writes the same tree as JSON. Loads
+      no component. A malformed image fails with the offset and what was
+      expected there.
+  qxfb diff A B [--kind KIND]
+      Compares two images of one kind in the words of dump, one line for
+      each setting that differs ("message 2, field at position 5:
+      BeforePoint 4 -> 5"), nothing when they are equal. Exit status 0 when
+      equal, 1 when different, 2 on a usage error or an unreadable image.
   qxfb --help
       Shows this text.
 
@@ -114,8 +136,8 @@ Environment:
   QXFB_REGISTRY      registry file; default $XDG_CONFIG_HOME/QxFBCom2/registry.ini
                      or ~/.config/QxFBCom2/registry.ini
 
-Exit status: 0 on success, 1 when the component or a file failed, 2 on a
-usage error.
+Exit status: 0 on success, 1 when the component or a file failed or standard
+output could not be written, 2 on a usage error.
 )";
 
 std::string hexBytes(const Bytes& bytes) {
@@ -131,12 +153,75 @@ std::string hexBytes(const Bytes& bytes) {
 
 std::string u8(const std::wstring& text) { return toUtf8(text); }
 
+// Text from a file or the command line as a terminal may show it: nothing in
+// it can move the cursor, change colours or reorder what follows. Control
+// characters and the characters that break or reorder lines are escaped
+// (\e, \t, \x00, \u2028), a byte that is not UTF-8 is \xHH, a backslash \\.
+std::string shown(const std::string& bytes) {
+    std::string out;
+    char escape[12];
+    const auto byte = [&bytes](size_t i) { return static_cast<uint8_t>(bytes[i]); };
+    for (size_t i = 0; i < bytes.size();) {
+        const uint8_t c = byte(i);
+        if (c < 0x80) {
+            if (c == 0x1B) {
+                out += "\\e";
+            } else if (c == '\\') {
+                out += "\\\\";
+            } else if (c == '\t') {
+                out += "\\t";
+            } else if (c == '\n') {
+                out += "\\n";
+            } else if (c == '\r') {
+                out += "\\r";
+            } else if (c < 0x20 || c == 0x7F) {
+                std::snprintf(escape, sizeof escape, "\\x%02x", c);
+                out += escape;
+            } else {
+                out += static_cast<char>(c);
+            }
+            ++i;
+            continue;
+        }
+        // One UTF-8 sequence: its length, its code point, and whether it is
+        // the shortest form of a code point that is no surrogate.
+        const size_t length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 0;
+        uint32_t code = length == 4 ? c & 0x07u : length == 3 ? c & 0x0Fu : c & 0x1Fu;
+        bool valid = length != 0 && c <= 0xF4 && bytes.size() - i >= length;
+        for (size_t k = 1; valid && k < length; ++k) {
+            valid = (byte(i + k) & 0xC0) == 0x80;
+            code = (code << 6) | (byte(i + k) & 0x3Fu);
+        }
+        static constexpr uint32_t Smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+        valid = valid && code >= Smallest[length] && code <= 0x10FFFF && !(code >= 0xD800 && code <= 0xDFFF);
+        if (!valid) {
+            std::snprintf(escape, sizeof escape, "\\x%02x", c);
+            out += escape;
+            ++i;
+            continue;
+        }
+        const bool hidden = code <= 0x9F || code == 0x2028 || code == 0x2029 || code == 0x200E || code == 0x200F ||
+                            (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+        if (hidden) {
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(code));
+            out += escape;
+        } else {
+            out.append(bytes, i, length);
+        }
+        i += length;
+    }
+    return out;
+}
+
+std::string shown(const std::wstring& text) { return shown(toUtf8(text)); }
+
 struct Options {
     std::string command;
     std::vector<std::string> arguments;  // the words after the command
     std::string component;
     bool componentGiven = false;
     std::string appFolder;
+    bool appFolderFromProject = false;
 };
 
 void printFamily(itfFBFather& father) {
@@ -596,9 +681,9 @@ void printStoredOperands(const char* name, const std::vector<StoredOperand>& ope
         // The host's own operand object says how a link or a constant reads.
         OperandPtr operand = newOperand();
         restoreOperand(stored, *operand);
-        const std::wstring shown = GetOperandDisplayText(*operand);
-        std::cout << "      " << u8(stored.Key) << "  " << u8(stored.Caption) << "  "
-                  << (shown.empty() ? std::string("not linked") : u8(shown)) << "\n";
+        const std::wstring display = GetOperandDisplayText(*operand);
+        std::cout << "      " << shown(stored.Key) << "  " << shown(stored.Caption) << "  "
+                  << (display.empty() ? std::string("not linked") : shown(display)) << "\n";
     }
 }
 
@@ -608,7 +693,7 @@ bool loadProjectFile(const std::string& file, Project& project) {
         project = loadProject(file);
         return true;
     } catch (const RuntimeError& e) {
-        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
+        std::cerr << "qxfb: " << shown(e.Description()) << "\n";
         return false;
     }
 }
@@ -616,15 +701,15 @@ bool loadProjectFile(const std::string& file, Project& project) {
 int projectInfo(const std::string& file) {
     Project project;
     if (!loadProjectFile(file, project)) return 1;
-    std::cout << "Project: " << file << "\n";
+    std::cout << "Project: " << shown(file) << "\n";
     std::cout << "ExtendedOperands: " << (project.Settings.ExtendedOperands ? "on" : "off") << "\n";
     std::cout << "AppFolder: "
               << (project.Settings.AppFolder.empty() ? std::string("(the component's own)")
-                                                     : u8(project.Settings.AppFolder))
+                                                     : shown(project.Settings.AppFolder))
               << "\n";
     for (size_t n = 0; n < project.Nets.size(); ++n) {
         const LadderNet& net = project.Nets[n];
-        std::cout << "Net " << n + 1 << (net.Comment.empty() ? "" : ": " + u8(net.Comment)) << "\n";
+        std::cout << "Net " << n + 1 << (net.Comment.empty() ? "" : ": " + shown(net.Comment)) << "\n";
         if (net.Operations.empty()) std::cout << "  no operations\n";
         for (size_t i = 0; i < net.Operations.size(); ++i) {
             const StoredOperation& op = net.Operations[i];
@@ -639,7 +724,7 @@ int projectInfo(const std::string& file) {
     std::cout << "Instances:" << (project.Instances.empty() ? " none" : "") << "\n";
     for (const StoredInstance& instance : project.Instances)
         std::cout << "  FatherID " << instance.FatherID << "  InstanceNum " << instance.InstanceNum << "  "
-                  << u8(instance.Name) << "  Data " << countOf(instance.Data.size(), "byte", "bytes") << "\n";
+                  << shown(instance.Name) << "  Data " << countOf(instance.Data.size(), "byte", "bytes") << "\n";
     std::cout << "Constants: " << project.Constants.size() << "\n";
     std::cout << "Links: " << project.Links.size() << "\n";
     return 0;
@@ -651,15 +736,28 @@ int projectBundle(const Options& options, const std::string& file, const std::st
     LoadedComponent component;
     HostContext* context = loadWithContext(component, options);
     if (!context) return 1;
-    if (!options.appFolder.empty())
+    // The runtime code sent to the controller comes from the component's own
+    // folder unless the person says otherwise: a project file, which may come
+    // from anywhere, does not choose it by itself.
+    std::string from = "the component's own";
+    if (!options.appFolder.empty()) {
         context->AppFolder = fromUtf8(options.appFolder);
-    else if (!project.Settings.AppFolder.empty())
+        from = "given with --app-folder";
+    } else if (options.appFolderFromProject && !project.Settings.AppFolder.empty()) {
         context->AppFolder = project.Settings.AppFolder;
+        from = "the project's, with --app-folder-from-project";
+    }
     context->ExtendedOperands = project.Settings.ExtendedOperands;
+    const std::wstring runtimeFolder =
+        fromUtf8(std::filesystem::path(u8(context->RuntimeFolder())).lexically_normal().string());
 
-    std::cout << "Project: " << file << "\n";
-    std::cout << "Component: " << component.Path() << "\n";
-    std::cout << "Application folder: " << u8(context->AppFolder) << "\n";
+    std::cout << "Project: " << shown(file) << "\n";
+    std::cout << "Component: " << shown(component.Path()) << "\n";
+    std::cout << "Application folder: " << shown(context->AppFolder) << " (" << from << ")\n";
+    if (!options.appFolderFromProject && options.appFolder.empty() && !project.Settings.AppFolder.empty())
+        std::cout << "  The project names the application folder " << shown(project.Settings.AppFolder)
+                  << "; --app-folder-from-project uses it\n";
+    std::cout << "Runtime folder: " << shown(runtimeFolder) << "\n";
     std::vector<BundleFile> files;
     try {
         auto gate = component.Create<itfFBGate>(L"QxFBCom2.clsGate");
@@ -667,23 +765,33 @@ int projectBundle(const Options& options, const std::string& file, const std::st
             std::cerr << "qxfb: " << component.Error() << "\n";
             return 1;
         }
-        files = writeDownloadBundle(project, folder, runtimeFilesFrom(*gate, *context));
+        files = writeDownloadBundle(project, folder, runtimeFilesFrom(*gate, *context), runtimeFolder);
     } catch (const RuntimeError& e) {
-        std::cerr << "qxfb: " << u8(e.Description()) << "\n";
+        std::cerr << "qxfb: " << shown(e.Description()) << "\n";
         return 1;
     } catch (const std::exception& e) {
-        std::cerr << "qxfb: " << e.what() << "\n";
+        std::cerr << "qxfb: " << shown(std::string(e.what())) << "\n";
         return 1;
     }
     for (const BundleFile& written : files)
         std::cout << "  " << written.Path << "  " << countOf(written.Size, "byte", "bytes") << "  " << written.Sha256
                   << "\n";
-    std::cout << "Bundle: " << countOf(files.size(), "file", "files") << " in " << folder << std::endl;
+    std::cout << "Bundle: " << countOf(files.size(), "file", "files") << " in " << shown(folder) << std::endl;
     return 0;
 }
 
+// Everything the command printed must have reached standard output: a
+// listing cut short by a full disk or a closed pipe is a failure.
+int checkedOutput(int status) {
+    std::cout.flush();
+    if (std::cout.good()) return status;
+    const int error = errno;
+    std::cerr << "qxfb: standard output cannot be written (" << std::strerror(error) << ")\n";
+    return status == 0 ? 1 : status;
+}
+
 int usageError(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
+    std::cerr << "qxfb: " << shown(message) << "\nTry 'qxfb --help'.\n";
     return 2;
 }
 
@@ -693,6 +801,7 @@ int main(int argc, char** argv) {
     Options options;
     options.component = defaultComponentPath();
     std::vector<std::string> args(argv + 1, argv + argc);
+    if (!args.empty() && qxfb::isInspectCommand(args[0])) return qxfb::runInspectCommand(args);
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--help" || arg == "-h" || arg == "help") {
@@ -701,13 +810,15 @@ int main(int argc, char** argv) {
             const size_t options = text.find("\nOptions:");
             std::cout << text.substr(0, options) << cli::modelCommandsHelp << cli::textFormCommandsHelp
                       << text.substr(options);
-            return 0;
+            return checkedOutput(0);
         }
         if (i == 0 && cli::isModelCommand(arg))
-            return cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end()));
+            return checkedOutput(cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
         if (i == 0 && cli::isTextFormCommand(arg))
-            return cli::runTextFormCommand(arg, std::vector<std::string>(args.begin() + 1, args.end()));
-        if (arg == "--component" || arg == "--app-folder") {
+            return checkedOutput(cli::runTextFormCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
+        if (arg == "--app-folder-from-project") {
+            options.appFolderFromProject = true;
+        } else if (arg == "--component" || arg == "--app-folder") {
             if (i + 1 >= args.size()) return usageError(arg + " needs a value");
             (arg == "--component" ? options.component : options.appFolder) = args[++i];
             if (arg == "--component") options.componentGiven = true;
@@ -726,22 +837,26 @@ int main(int argc, char** argv) {
         if (what == "info") {
             if (words.size() < 2) return usageError("project info needs a project file");
             if (words.size() > 2) return usageError("unexpected argument " + words[2]);
-            if (options.componentGiven || !options.appFolder.empty())
+            if (options.componentGiven || !options.appFolder.empty() || options.appFolderFromProject)
                 return usageError("project info loads no component and takes no options");
-            return projectInfo(words[1]);
+            return checkedOutput(projectInfo(words[1]));
         }
         if (what == "bundle") {
             if (words.size() < 3) return usageError("project bundle needs a project file and a folder");
             if (words.size() > 3) return usageError("unexpected argument " + words[3]);
-            return projectBundle(options, words[1], words[2]);
+            if (options.appFolderFromProject && !options.appFolder.empty())
+                return usageError("--app-folder and --app-folder-from-project exclude each other");
+            return checkedOutput(projectBundle(options, words[1], words[2]));
         }
         return usageError(what.empty() ? "project needs a command: info or bundle" : "unknown project command " + what);
     }
     if (!words.empty()) return usageError("unexpected argument " + words[0]);
-    if (options.command == "demo") return demo(options);
+    if (options.appFolderFromProject)
+        return usageError("--app-folder-from-project belongs to the project bundle command");
+    if (options.command == "demo") return checkedOutput(demo(options));
     if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo and project bundle commands");
-    if (options.command == "classes") return classes(options);
-    if (options.command == "register") return registration(options, true);
-    if (options.command == "unregister") return registration(options, false);
+    if (options.command == "classes") return checkedOutput(classes(options));
+    if (options.command == "register") return checkedOutput(registration(options, true));
+    if (options.command == "unregister") return checkedOutput(registration(options, false));
     return usageError("unknown command " + options.command);
 }

@@ -180,11 +180,11 @@ void WorkbenchHost::Clear() {
     modified_ = false;
 }
 
-std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
+std::vector<std::wstring> WorkbenchHost::Open(const Project& project, bool takeAppFolder) {
     std::vector<std::wstring> leftOut;
     Clear();
     context_->ExtendedOperands = project.Settings.ExtendedOperands;
-    if (!project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
+    if (takeAppFolder && !project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
     for (auto& [father, instances] : instances_) instances->Restore(project.Instances);
     // Instances of a family this component does not have are kept as they are.
     for (const StoredInstance& instance : project.Instances)
@@ -211,6 +211,60 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project) {
     }
     modified_ = false;
     return leftOut;
+}
+
+std::vector<WorkbenchHost::Problem> WorkbenchHost::CheckProject() const {
+    // The method numbers of the operations whose image is a message set.
+    constexpr int32_t ScanMethod = 2;
+    constexpr int32_t SendMethod = 3;
+    std::vector<Problem> problems;
+    const auto blockName = [this](size_t n, size_t i) {
+        return L"net " + std::to_wstring(n + 1) + L", block " + std::to_wstring(i + 1) + L" (" +
+               nets_[n].Operations[i]->itfFBMethod_Title() + L")";
+    };
+    // The first block that writes each memory operand, by type and address.
+    std::map<std::pair<int32_t, int32_t>, std::pair<size_t, size_t>> writers;
+    for (size_t n = 0; n < nets_.size(); ++n)
+        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
+            itfFBMethod& operation = *nets_[n].Operations[i];
+            const std::wstring block = blockName(n, i);
+            const int32_t method = operation.itfFBMethod_MethodID() % 100;
+            if ((method == ScanMethod || method == SendMethod) && operation.itfFBMethod_BinaryOperands().empty())
+                problems.push_back({n, i, block + L" has no messages: open it and confirm its dialog with OK"});
+            const int32_t instance = operation.itfFBMethod_FatherInstanceNum();
+            const auto family = instances_.find(familyOf(operation.itfFBMethod_MethodID()));
+            bool instanceKnown = false;
+            if (family != instances_.end())
+                for (const StoredInstance& stored : family->second->Stored())
+                    instanceKnown = instanceKnown || stored.InstanceNum == instance;
+            if (instance == 0)
+                problems.push_back({n, i, block + L" has no Config instance"});
+            else if (!instanceKnown)
+                problems.push_back(
+                    {n, i, block + L" names Config instance " + std::to_wstring(instance) + L", which is gone"});
+            for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()}) {
+                if (!operands) continue;
+                for (int32_t k = 1; k <= operands->Count(); ++k) {
+                    const OperandPtr& operand = operands->Item(k);
+                    if (operand && operand->IsNew())
+                        problems.push_back(
+                            {n, i, block + L": the operand \"" + operand->OperandCaption() + L"\" is not linked"});
+                }
+            }
+            if (const OperandCollectionPtr out = operation.itfFBMethod_OutOperands())
+                for (int32_t k = 1; k <= out->Count(); ++k) {
+                    const OperandPtr& operand = out->Item(k);
+                    if (!operand || operand->IsNew() || operand->OperandMode() != 1) continue;
+                    const std::pair key(operand->OperandType(), operand->OperandAddress());
+                    const auto [first, added] = writers.emplace(key, std::pair(n, i));
+                    if (!added && first->second != std::pair(n, i))
+                        problems.push_back({n, i,
+                                            block + L" writes " + clsOperandTypeNames().GetName(key.first) + L" " +
+                                                std::to_wstring(key.second) + L", which " +
+                                                blockName(first->second.first, first->second.second) + L" writes too"});
+                }
+        }
+    return problems;
 }
 
 std::vector<WorkbenchHost::OperandUse> WorkbenchHost::OperandUses() const {

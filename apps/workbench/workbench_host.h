@@ -83,13 +83,30 @@ public:
     std::vector<std::pair<size_t, size_t>> MoveOperand(int32_t netId, int32_t type, int32_t address,
                                                        int32_t newAddress);
 
+    // What would keep a block from working on the controller, found before
+    // a download: a Send or Scan without messages (its image is empty), an
+    // operand not linked, an operation without its Config instance, and an
+    // operand that two blocks both write. Net and place of the block the
+    // problem is about; Text names it in words.
+    struct Problem {
+        size_t Net = 0;
+        size_t Place = 0;
+        std::wstring Text;
+    };
+    std::vector<Problem> CheckProject() const;
+
     // The whole project as the file keeps it, and back: a reopen is
     // GetFBMethodObject, Init, the Lets of the stored blocks, BuildOperands.
     Project ToProject() const;
     // Returns what could not be reopened (an operation of a family this
     // component does not have, or one the component refused), one line each;
-    // those are kept as stored (Net::Unopened) and saved again.
-    std::vector<std::wstring> Open(const Project& project);
+    // those are kept as stored (Net::Unopened) and saved again. The
+    // application folder a project names decides which runtime code goes to
+    // the controller, so it is taken only when the caller says so (after
+    // asking the person); otherwise the component's own stays.
+    std::vector<std::wstring> Open(const Project& project, bool takeAppFolder = false);
+    // The application folder the component started with.
+    const std::wstring& ComponentAppFolder() const { return componentAppFolder_; }
     void Clear();
 
     // Unsaved changes since the last Open, Clear or MarkSaved.

@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -31,6 +32,15 @@
 namespace qx {
 
 namespace {
+
+constexpr int MaxRecentFiles = 8;
+
+// The user's settings of the workbench: an ini file in the user's
+// configuration folder, so that tests can point it elsewhere.
+QSettings userSettings() {
+    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("QxFBCom2"),
+                     QStringLiteral("workbench"));
+}
 
 // What a palette or ladder item stands for.
 constexpr int MethodIdRole = Qt::UserRole;
@@ -98,7 +108,8 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
       operands_(newTree(QStringLiteral("operands"),
                         {QStringLiteral("Operand"), QStringLiteral("Description"), QStringLiteral("Links"),
                          QStringLiteral("Used by")},
-                        this)) {
+                        this)),
+      problems_(newTree(QStringLiteral("problems"), {QStringLiteral("Problem")}, this)) {
     setObjectName(QStringLiteral("WorkbenchWindow"));
     // Every dialog of the component opens over this window from now on.
     previousDriver_ = host_.Context().Driver;
@@ -132,6 +143,26 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     operandsDock->setFeatures(QDockWidget::NoDockWidgetFeatures);
     addDockWidget(Qt::BottomDockWidgetArea, operandsDock);
     resizeDocks({operandsDock}, {150}, Qt::Vertical);
+    // The check's findings, beside the operands; a double-click goes to the block.
+    problemsDock_ = new QDockWidget(QStringLiteral("Problems"), this);
+    problemsDock_->setObjectName(QStringLiteral("problemsDock"));
+    problemsDock_->setWidget(problems_);
+    problemsDock_->setFeatures(QDockWidget::DockWidgetClosable);
+    addDockWidget(Qt::BottomDockWidgetArea, problemsDock_);
+    tabifyDockWidget(operandsDock, problemsDock_);
+    operandsDock->raise();
+    problems_->setRootIsDecorated(false);
+    connect(problems_, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* problem) {
+        for (int n = 0; n < ladder_->topLevelItemCount(); ++n) {
+            QTreeWidgetItem* net = ladder_->topLevelItem(n);
+            for (int b = 0; b < net->childCount(); ++b)
+                if (net->child(b)->data(0, NetRole) == problem->data(0, NetRole) &&
+                    net->child(b)->data(0, PlaceRole) == problem->data(0, PlaceRole)) {
+                    ladder_->setCurrentItem(net->child(b));
+                    ladder_->setFocus();
+                }
+        }
+    });
     operands_->setRootIsDecorated(false);
     operands_->setUniformRowHeights(true);
 
@@ -143,6 +174,10 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     });
     connect(ladder_, &QTreeWidget::itemDoubleClicked, this, [this] { editCurrent(); });
     resize(1100, 640);
+    // As the person left it last time.
+    const QSettings settings = userSettings();
+    restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("panes")).toByteArray());
     refresh();
 }
 
@@ -167,10 +202,20 @@ void WorkbenchWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     add(file, QStringLiteral("actionNew"), QStringLiteral("&New project"), QKeySequence::New, [this] { newProject(); });
     add(file, QStringLiteral("actionOpen"), QStringLiteral("&Open..."), QKeySequence::Open, [this] { openProject(); });
+    recentMenu_ = file->addMenu(QStringLiteral("Open &recent"));
+    recentMenu_->setObjectName(QStringLiteral("menuRecent"));
+    fillRecentMenu();
     add(file, QStringLiteral("actionSave"), QStringLiteral("&Save"), QKeySequence::Save, [this] { saveProject(); });
-    add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence::SaveAs,
-        [this] { saveProjectAs(); });
+    QAction* saveAs = add(file, QStringLiteral("actionSaveAs"), QStringLiteral("Save &as..."), QKeySequence(),
+                          [this] { saveProjectAs(); });
+    // Ctrl+Shift+S everywhere, also where the platform binds no key to Save as.
+    QList<QKeySequence> saveAsKeys{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)};
+    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::SaveAs))
+        if (!saveAsKeys.contains(keys)) saveAsKeys << keys;
+    saveAs->setShortcuts(saveAsKeys);
     file->addSeparator();
+    add(file, QStringLiteral("actionCheckProject"), QStringLiteral("&Check project"), QKeySequence(Qt::Key_F7),
+        [this] { CheckProject(); });
     add(file, QStringLiteral("actionExportBundle"), QStringLiteral("&Export download bundle..."),
         QKeySequence(Qt::CTRL | Qt::Key_E), [this] { exportBundle(); });
     file->addSeparator();
@@ -379,8 +424,8 @@ bool WorkbenchWindow::guarded(const std::function<void()>& action) {
 
 void WorkbenchWindow::updateTitle() {
     const QString name = filePath_.isEmpty() ? QStringLiteral("untitled") : QFileInfo(filePath_).fileName();
-    setWindowTitle(name + (host_.Modified() ? QStringLiteral(" *") : QString()) +
-                   QStringLiteral(" - QxFBCom2 workbench"));
+    setWindowTitle(name + (readOnly_ ? QStringLiteral(" (read-only)") : QString()) +
+                   (host_.Modified() ? QStringLiteral(" *") : QString()) + QStringLiteral(" - QxFBCom2 workbench"));
 }
 
 std::optional<std::pair<size_t, size_t>> WorkbenchWindow::currentPlace() const {
@@ -523,13 +568,64 @@ int WorkbenchWindow::showBox(const QString& name, QMessageBox::Icon icon, const 
     return box.exec();
 }
 
+QStringList WorkbenchWindow::RecentFiles() const {
+    return userSettings().value(QStringLiteral("recentFiles")).toStringList();
+}
+
+void WorkbenchWindow::remember(const QString& path) {
+    QStringList recent = RecentFiles();
+    const QString full = QFileInfo(path).absoluteFilePath();
+    recent.removeAll(full);
+    recent.prepend(full);
+    while (recent.size() > MaxRecentFiles) recent.removeLast();
+    userSettings().setValue(QStringLiteral("recentFiles"), recent);
+    fillRecentMenu();
+}
+
+void WorkbenchWindow::fillRecentMenu() {
+    recentMenu_->clear();
+    const QStringList recent = RecentFiles();
+    for (int i = 0; i < recent.size(); ++i) {
+        const QString path = recent[i];
+        QAction* action = recentMenu_->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(path));
+        action->setObjectName(QStringLiteral("actionRecent%1").arg(i + 1));
+        connect(action, &QAction::triggered, this, [this, path] {
+            if (maySkipUnsaved()) OpenFile(path);
+        });
+    }
+    recentMenu_->setEnabled(!recent.isEmpty());
+}
+
 bool WorkbenchWindow::OpenFile(const QString& path) {
     // Read first: a file that cannot be read leaves the open project as it is.
     Project project;
     if (!guarded([&] { project = loadProject(QFile::encodeName(path).toStdString()); })) return false;
+    // A project from elsewhere must not choose unasked which runtime code
+    // goes to the controller.
+    const std::wstring& named = project.Settings.AppFolder;
+    const bool takeAppFolder =
+        !named.empty() && named != host_.ComponentAppFolder() &&
+        showBox(QStringLiteral("ProjectAppFolder"), QMessageBox::Question, QStringLiteral("Open project"),
+                QStringLiteral("%1 names its own application folder %2, from which the download bundle takes the "
+                               "runtime code for the controller. Use it? No keeps the component's own folder %3.")
+                    .arg(path, toQString(named), toQString(host_.ComponentAppFolder())),
+                QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
     std::vector<std::wstring> leftOut;
-    const bool opened = guarded([&] { leftOut = host_.Open(project); });
+    const bool opened = guarded([&] { leftOut = host_.Open(project, takeAppFolder); });
+    guard_ = ProjectGuard();
+    readOnly_ = false;
     filePath_ = opened ? path : QString();
+    if (opened) {
+        remember(path);
+        guard_.Stamp(path);
+        QString reason;
+        if (guard_.Lock(path, reason) != ProjectGuard::LockResult::Taken) {
+            readOnly_ = true;
+            showBox(QStringLiteral("ReadOnlyProject"), QMessageBox::Information, QStringLiteral("Open project"),
+                    QStringLiteral("%1 is opened read-only: %2. Save will not write it; Save as writes a copy.")
+                        .arg(path, reason));
+        }
+    }
     refresh();
     if (!leftOut.empty()) {
         QStringList lines;
@@ -542,14 +638,57 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
 }
 
 bool WorkbenchWindow::SaveFile(const QString& path) {
+    const bool samePlace = !filePath_.isEmpty() && QFileInfo(path) == QFileInfo(filePath_);
+    if (samePlace && readOnly_) {
+        showError(QStringLiteral("Cannot save %1: it was opened read-only, since another workbench has it open. "
+                                 "Save as writes this project under another name.")
+                      .arg(path));
+        return false;
+    }
+    // Another file: it must not be open in another workbench either.
+    ProjectGuard target;
+    if (!samePlace) {
+        QString reason;
+        // A folder without room for a lock is left to the save to judge.
+        if (target.Lock(path, reason) == ProjectGuard::LockResult::HeldByOther) {
+            showError(QStringLiteral("Cannot save %1: %2, and saving would overwrite its work.").arg(path, reason));
+            return false;
+        }
+    }
+    if (samePlace && guard_.ChangedOnDisk(path) &&
+        showBox(QStringLiteral("ChangedOnDisk"), QMessageBox::Warning, QStringLiteral("Save project"),
+                QStringLiteral("%1 was changed on disk since this workbench opened or saved it. Overwrite those "
+                               "changes with this project?")
+                    .arg(path),
+                QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+        return false;
     if (!guarded([&] { qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject()); })) return false;
+    if (!samePlace) {
+        guard_ = std::move(target);
+        readOnly_ = false;
+    }
+    guard_.Stamp(path);
     filePath_ = path;
+    remember(path);
     host_.MarkSaved();
     updateTitle();
     return true;
 }
 
 bool WorkbenchWindow::ExportBundle(const QString& folder) {
+    // Blocks that cannot work go to the controller only when the person says so.
+    if (CheckProject() > 0) {
+        QStringList lines;
+        for (int i = 0; i < problems_->topLevelItemCount() && i < 10; ++i) lines << problems_->topLevelItem(i)->text(0);
+        if (problems_->topLevelItemCount() > 10)
+            lines << QStringLiteral("... and %1 more in the Problems pane").arg(problems_->topLevelItemCount() - 10);
+        if (showBox(QStringLiteral("ExportWithProblems"), QMessageBox::Warning,
+                    QStringLiteral("Export download bundle"),
+                    QStringLiteral("The project has problems that keep blocks from working:\n\n%1\n\nExport anyway?")
+                        .arg(lines.join('\n')),
+                    QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+            return false;
+    }
     std::vector<BundleFile> files;
     if (!guarded([&] {
             files = writeDownloadBundle(host_.ToProject(), QFile::encodeName(folder).toStdString(),
@@ -561,6 +700,23 @@ bool WorkbenchWindow::ExportBundle(const QString& folder) {
                 .arg(files.size())
                 .arg(folder, QString::fromUtf8(BundleManifestName)));
     return true;
+}
+
+int WorkbenchWindow::CheckProject() {
+    const std::vector<WorkbenchHost::Problem> found = host_.CheckProject();
+    problems_->clear();
+    for (const WorkbenchHost::Problem& problem : found) {
+        auto* item = new QTreeWidgetItem(problems_, {toQString(problem.Text)});
+        item->setData(0, NetRole, static_cast<qulonglong>(problem.Net));
+        item->setData(0, PlaceRole, static_cast<qulonglong>(problem.Place));
+    }
+    problemsDock_->setWindowTitle(found.empty() ? QStringLiteral("Problems")
+                                                : QStringLiteral("Problems (%1)").arg(found.size()));
+    problemsDock_->show();
+    problemsDock_->raise();
+    statusBar()->showMessage(found.empty() ? QStringLiteral("The check found no problem.")
+                                           : QStringLiteral("The check found %1 problems.").arg(found.size()));
+    return static_cast<int>(found.size());
 }
 
 void WorkbenchWindow::exportBundle() {
@@ -586,6 +742,8 @@ bool WorkbenchWindow::maySkipUnsaved() {
 void WorkbenchWindow::newProject() {
     if (!maySkipUnsaved()) return;
     host_.Clear();
+    guard_ = ProjectGuard();
+    readOnly_ = false;
     filePath_.clear();
     refresh();
 }
@@ -608,10 +766,14 @@ bool WorkbenchWindow::saveProjectAs() {
 }
 
 void WorkbenchWindow::closeEvent(QCloseEvent* event) {
-    if (maySkipUnsaved())
-        event->accept();
-    else
+    if (!maySkipUnsaved()) {
         event->ignore();
+        return;
+    }
+    QSettings settings = userSettings();
+    settings.setValue(QStringLiteral("geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("panes"), saveState());
+    event->accept();
 }
 
 }  // namespace qx

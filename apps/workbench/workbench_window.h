@@ -5,6 +5,7 @@
 // window installs in the component's host context for its lifetime.
 #pragma once
 #include <QAction>
+#include <QDockWidget>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMessageBox>
@@ -16,6 +17,7 @@
 #include <optional>
 #include <vector>
 
+#include "project_guard.h"
 #include "workbench_host.h"
 
 namespace qx {
@@ -32,8 +34,12 @@ public:
     bool OpenFile(const QString& path);
     bool SaveFile(const QString& path);
     const QString& FilePath() const { return filePath_; }
+    // True while another workbench holds the open file: Save refuses it,
+    // Save as writes a copy.
+    bool ReadOnly() const { return readOnly_; }
     // Writes the download bundle of the project into the folder (new or
-    // empty) and says how many files it wrote.
+    // empty) and says how many files it wrote. The project is checked
+    // first; with problems, it asks before it writes anything.
     bool ExportBundle(const QString& folder);
 
     // Places an operation of the palette in the current net (a new net when
@@ -46,6 +52,13 @@ public:
     QTreeWidget* Ladder() const { return ladder_; }
     QTreeWidget* Instances() const { return instances_; }
     QTreeWidget* Operands() const { return operands_; }
+    QTreeWidget* Problems() const { return problems_; }
+    // The projects opened or saved last, the latest first (at most 8); kept
+    // with the window's size and panes in the user's settings.
+    QStringList RecentFiles() const;
+    // Runs the check of the project into the Problems pane and shows it;
+    // answers how many problems it found.
+    int CheckProject();
     // Moves the operand of the operands view's current row, asking for its
     // new address; false when nothing moved.
     bool MoveCurrentOperand();
@@ -60,6 +73,8 @@ private:
     void refreshInstances();
     void refreshOperands();
     void updateTitle();
+    void remember(const QString& path);
+    void fillRecentMenu();
     void placeCurrent();
     void editCurrent();
     void deleteCurrent();
@@ -91,8 +106,13 @@ private:
     QTreeWidget* ladder_;
     QTreeWidget* instances_;
     QTreeWidget* operands_;
+    QTreeWidget* problems_;
+    QMenu* recentMenu_ = nullptr;
+    QDockWidget* problemsDock_ = nullptr;
     QAction* actionExtendedOperands_ = nullptr;
     QString filePath_;
+    ProjectGuard guard_;
+    bool readOnly_ = false;
     std::map<int32_t, QIcon> blockIcons_;
 };
 

@@ -10,12 +10,15 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <nlohmann/json.hpp>
+#include <random>
 #include <set>
 #include <tuple>
 #include <utility>
 
 #include "framework/runtime_catalogue.h"
 #include "platform/basics/ansi.h"
+#include "platform/basics/file_reader.h"
 #include "platform/basics/runtime_error.h"
 #include "project/sha256.h"
 
@@ -25,36 +28,41 @@ namespace {
 
 constexpr const wchar_t* Source = L"QxFBCom2 download bundle";
 
-[[noreturn]] void failFolder(const std::string& folder, const std::string& cause) {
-    throw RuntimeError(err::PathFileAccessError, Source, fromUtf8("bundle folder \"" + folder + "\" " + cause));
-}
-
-[[noreturn]] void failFile(const std::string& path, int error) {
-    int32_t number = err::PathFileAccessError;
-    if (error == ENOSPC || error == EDQUOT) number = err::DiskFull;
-    if (error == EIO) number = err::DeviceIOError;
-    if (error == EACCES || error == EPERM || error == EROFS) number = err::PermissionDenied;
-    throw RuntimeError(number, Source,
-                       fromUtf8("bundle file \"" + path + "\": cannot be written (" + std::strerror(error) + ")"));
-}
-
-// The folder as the bundle needs it: there and empty. A folder with anything
-// in it is refused rather than mixed with, so that a bundle holds only what
-// its manifest lists.
-void prepareFolder(const std::string& folder) {
-    if (folder.empty()) failFolder(folder, "cannot be used: the path is empty");
-    struct stat info {};
-    if (::stat(folder.c_str(), &info) != 0) {
-        const int error = errno;
-        if (error != ENOENT) failFolder(folder, std::string("cannot be used (") + std::strerror(error) + ")");
-        std::error_code ec;
-        std::filesystem::create_directories(folder, ec);
-        if (ec) failFolder(folder, "cannot be created (" + ec.message() + ")");
-        return;
+// The run-time error number of a system error.
+int32_t numberOf(int error) {
+    switch (error) {
+        case ENOSPC:
+        case EDQUOT:
+            return err::DiskFull;
+        case EIO:
+            return err::DeviceIOError;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return err::PermissionDenied;
+        default:
+            return err::PathFileAccessError;
     }
-    if (!S_ISDIR(info.st_mode)) failFolder(folder, "is not a folder");
+}
+
+[[noreturn]] void failFolder(const std::string& folder, const std::string& cause,
+                             int32_t number = err::PathFileAccessError) {
+    throw RuntimeError(number, Source, fromUtf8("bundle folder \"" + folder + "\" " + cause));
+}
+
+// The folder, the action that failed on it, and the system's words for why.
+[[noreturn]] void failFolderWith(const std::string& folder, const std::string& action, int error) {
+    failFolder(folder, action + " (" + std::strerror(error) + ")", numberOf(error));
+}
+
+[[noreturn]] void failFile(const std::string& path, const std::string& action, int error) {
+    throw RuntimeError(numberOf(error), Source,
+                       fromUtf8("bundle file \"" + path + "\": " + action + " (" + std::strerror(error) + ")"));
+}
+
+bool isEmptyFolder(const std::string& folder) {
     DIR* dir = ::opendir(folder.c_str());
-    if (!dir) failFolder(folder, std::string("cannot be read (") + std::strerror(errno) + ")");
+    if (!dir) failFolderWith(folder, "cannot be read", errno);
     bool empty = true;
     while (const dirent* entry = ::readdir(dir)) {
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
@@ -63,7 +71,58 @@ void prepareFolder(const std::string& folder) {
         }
     }
     ::closedir(dir);
-    if (!empty) failFolder(folder, "is not empty");
+    return empty;
+}
+
+// The path whole and without "." or ".." or a slash at its end, so that its
+// last part names the folder itself and its parent is the folder it is in.
+std::string plainPath(const std::string& path) {
+    std::error_code ec;
+    std::string plain = std::filesystem::absolute(path, ec).lexically_normal().string();
+    if (ec) plain = path;
+    while (plain.size() > 1 && plain.back() == '/') plain.pop_back();
+    return plain;
+}
+
+// The folder the bundle goes to, as it must be: missing, or an empty folder;
+// a symbolic link stands for the folder it points to. Gives the path the
+// finished bundle is renamed to. A folder with anything in it is refused
+// rather than mixed with, so that a bundle holds only what its manifest lists.
+std::string targetOf(const std::string& folder) {
+    if (folder.empty()) failFolder(folder, "cannot be used: the path is empty");
+    struct stat info {};
+    if (::lstat(folder.c_str(), &info) != 0) {
+        if (errno != ENOENT) failFolderWith(folder, "cannot be used", errno);
+        return plainPath(folder);
+    }
+    std::string target = folder;
+    if (S_ISLNK(info.st_mode)) {
+        std::error_code ec;
+        const std::filesystem::path to = std::filesystem::read_symlink(folder, ec);
+        if (::stat(folder.c_str(), &info) != 0) {
+            if (errno == ENOENT)
+                failFolder(folder, "is a symbolic link to \"" + to.string() + "\", which does not exist");
+            failFolderWith(folder, "cannot be used: the symbolic link to \"" + to.string() + "\" cannot be followed",
+                           errno);
+        }
+        // The bundle replaces the folder the link points to, not the link.
+        target = std::filesystem::canonical(folder, ec).string();
+        if (ec) failFolder(folder, "cannot be used: the symbolic link cannot be followed (" + ec.message() + ")");
+    }
+    if (!S_ISDIR(info.st_mode)) failFolder(folder, "is not a folder");
+    if (!isEmptyFolder(target)) failFolder(folder, "is not empty");
+    return plainPath(target);
+}
+
+void syncFolder(const std::string& folder, const std::string& named) {
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) failFolderWith(named, "cannot be opened to be synced to the disk", errno);
+    if (::fsync(fd) != 0) {
+        const int error = errno;
+        ::close(fd);
+        failFolderWith(named, "cannot be synced to the disk", error);
+    }
+    ::close(fd);
 }
 
 std::string numbered(const char* format, int32_t value) {
@@ -72,21 +131,36 @@ std::string numbered(const char* format, int32_t value) {
     return text;
 }
 
+// Writes the bundle into a fresh folder of its own beside the target and
+// renames that folder into place at the end: the target shows the whole
+// bundle or nothing, and of two writers into one folder the second fails
+// instead of mixing its files with the first's. A writer that fails removes
+// its folder.
 class BundleWriter {
 public:
-    explicit BundleWriter(std::string folder) : folder_(std::move(folder)) {}
-
-    // Writes the whole file or raises; a file cut short is removed.
-    const BundleFile& write(const std::string& relative, const uint8_t* data, size_t size) {
-        const std::string path = folder_ + "/" + relative;
-        if (const size_t slash = relative.find('/'); slash != std::string::npos) {
-            const std::string sub = folder_ + "/" + relative.substr(0, slash);
-            // An error here shows again, with the file's name, when it is opened.
-            if (made_.insert(sub).second) ::mkdir(sub.c_str(), 0777);
+    // folder: as the caller named it, for messages; target: where it goes.
+    BundleWriter(std::string folder, std::string target) : folder_(std::move(folder)), target_(std::move(target)) {}
+    ~BundleWriter() {
+        if (!work_.empty() && !published_) {
+            std::error_code ignored;
+            std::filesystem::remove_all(work_, ignored);
         }
-        // O_EXCL: never write through or over anything that appeared meanwhile.
+    }
+    BundleWriter(const BundleWriter&) = delete;
+    BundleWriter& operator=(const BundleWriter&) = delete;
+
+    // Writes the whole file or raises.
+    const BundleFile& write(const std::string& relative, const uint8_t* data, size_t size) {
+        if (work_.empty()) makeWorkFolder();
+        const std::string path = work_ + "/" + relative, shown = folder_ + "/" + relative;
+        if (const size_t slash = relative.find('/'); slash != std::string::npos) {
+            const std::string sub = relative.substr(0, slash);
+            if (made_.insert(sub).second && ::mkdir((work_ + "/" + sub).c_str(), 0777) != 0)
+                failFolderWith(folder_ + "/" + sub, "cannot be created", errno);
+        }
+        // O_EXCL: never write through or over anything.
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, 0666);
-        if (fd < 0) failFile(path, errno);
+        if (fd < 0) failFile(shown, "cannot be created", errno);
         size_t done = 0;
         while (done < size) {
             const ssize_t n = ::write(fd, data + done, size - done);
@@ -94,36 +168,18 @@ public:
                 if (errno == EINTR) continue;
                 const int error = errno;
                 ::close(fd);
-                ::unlink(path.c_str());
-                failFile(path, error);
+                failFile(shown, "cannot be written", error);
             }
             done += static_cast<size_t>(n);
         }
         // On the disk before the manifest names it.
-        if (::fsync(fd) != 0 || ::close(fd) != 0) {
+        if (::fsync(fd) != 0) {
             const int error = errno;
-            ::unlink(path.c_str());
-            failFile(path, error);
+            ::close(fd);
+            failFile(shown, "cannot be synced to the disk", error);
         }
+        if (::close(fd) != 0) failFile(shown, "cannot be written", errno);
         files_.push_back({relative, size, sha256Hex(data, size)});
-        return files_.back();
-    }
-
-    // The last file, whose presence says that the bundle is whole: written
-    // under another name and renamed, so that it is there whole or not at all.
-    const BundleFile& publish(const std::string& relative, const uint8_t* data, size_t size) {
-        const std::string part = relative + ".part";
-        write(part, data, size);
-        // The names of the files in the subfolders are on the disk too.
-        for (const std::string& sub : made_) syncFolder(sub);
-        const std::string from = folder_ + "/" + part, to = folder_ + "/" + relative;
-        if (::rename(from.c_str(), to.c_str()) != 0) {
-            const int error = errno;
-            ::unlink(from.c_str());
-            failFile(to, error);
-        }
-        syncFolder(folder_);
-        files_.back().Path = relative;
         return files_.back();
     }
 
@@ -131,17 +187,53 @@ public:
         return write(relative, bytes.data(), bytes.size());
     }
 
+    // The folder, whole and on the disk, renamed into place.
+    void publish() {
+        if (work_.empty()) makeWorkFolder();
+        for (const std::string& sub : made_) syncFolder(work_ + "/" + sub, folder_ + "/" + sub);
+        syncFolder(work_, folder_);
+        // Onto a missing name, or over an empty folder; a folder that another
+        // writer filled meanwhile is not empty, and the rename fails.
+        if (::rename(work_.c_str(), target_.c_str()) != 0) {
+            const int error = errno;
+            if (error == ENOTEMPTY || error == EEXIST)
+                failFolder(folder_, "was filled by another writer while this bundle was written; this one is not kept");
+            failFolderWith(folder_, "cannot be put in place", error);
+        }
+        published_ = true;
+        syncFolder(parent_, parent_);
+    }
+
     std::vector<BundleFile>& files() { return files_; }
 
 private:
-    static void syncFolder(const std::string& folder) {
-        if (const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); fd >= 0) {
-            ::fsync(fd);
-            ::close(fd);
+    // The target's parents, made when missing, and a fresh folder in the
+    // nearest, named after the target and hidden.
+    void makeWorkFolder() {
+        const std::filesystem::path target(target_);
+        parent_ = target.has_parent_path() ? target.parent_path().string() : ".";
+        std::error_code ec;
+        std::filesystem::create_directories(parent_, ec);
+        if (ec) failFolderWith(folder_, "cannot be created: its parent \"" + parent_ + "\" cannot be made", ec.value());
+        // mkdir rather than mkdtemp, so that the folder gets the permissions
+        // the umask gives, as the target would have.
+        std::random_device random;
+        for (int attempt = 0;; ++attempt) {
+            char suffix[32];
+            std::snprintf(suffix, sizeof suffix, ".part-%d-%08x", static_cast<int>(::getpid()),
+                          static_cast<unsigned>(random()));
+            const std::string name = parent_ + "/." + target.filename().string() + suffix;
+            if (::mkdir(name.c_str(), 0777) == 0) {
+                work_ = name;
+                return;
+            }
+            if (errno != EEXIST || attempt == 100)
+                failFolderWith(folder_, "cannot be created in \"" + parent_ + "\"", errno);
         }
     }
 
-    std::string folder_;
+    std::string folder_, target_, parent_, work_;
+    bool published_ = false;
     std::set<std::string> made_;
     std::vector<BundleFile> files_;
 };
@@ -161,39 +253,36 @@ std::string entry(const BundleFile& file, const char* kind) {
            ", \"sha256\": \"" + file.Sha256 + "\", \"kind\": \"" + kind + "\"";
 }
 
+// A key the project holds twice would give two files of one name: named
+// before anything is written.
+void checkKeys(const Project& project) {
+    std::set<std::pair<int32_t, int32_t>> instances;
+    for (const StoredInstance& instance : project.Instances)
+        if (!instances.emplace(instance.FatherID, instance.InstanceNum).second)
+            throw RuntimeError(err::InvalidProcedureCall, Source,
+                               fromUtf8("the project holds the instance " + std::to_string(instance.FatherID) + "/" +
+                                        std::to_string(instance.InstanceNum) + " twice; its bundle is not written"));
+}
+
 }  // namespace
 
 std::string jsonString(const std::wstring& text) {
-    std::string out = "\"";
-    char escape[8];
-    for (wchar_t wc : text) {
+    // Valid UTF-8 only: a character with no UTF-8 form (a byte of a name that
+    // was not UTF-8 comes in as a lone surrogate) is the replacement character.
+    std::string utf8;
+    utf8.reserve(text.size());
+    for (const wchar_t wc : text) {
         const auto c = static_cast<uint32_t>(wc);
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c == '\n') {
-            out += "\\n";
-        } else if (c == '\r') {
-            out += "\\r";
-        } else if (c == '\t') {
-            out += "\\t";
-        } else if (c < 0x20 || (c >= 0xD800 && c <= 0xDFFF)) {
-            // A surrogate on its own (a byte of a file name that was not
-            // UTF-8) has no UTF-8 form; JSON can still say which one it was.
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
-            out += escape;
-        } else if (c > 0x10FFFF) {
-            out += "\\ufffd";
-        } else {
-            out += toUtf8(std::wstring(1, wc));
-        }
+        utf8 +=
+            (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF ? std::string("\xEF\xBF\xBD") : toUtf8(std::wstring(1, wc));
     }
-    return out + "\"";
+    return nlohmann::json(utf8).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::string& folder,
-                                            const RuntimeFilesOf& runtimeFiles) {
-    prepareFolder(folder);
+                                            const RuntimeFilesOf& runtimeFiles, const std::wstring& runtimeFolder) {
+    const std::string target = targetOf(folder);
+    checkKeys(project);
 
     // Every family and version in use, asked for before the first file is
     // written: the family reads them from disk and may fail.
@@ -204,7 +293,7 @@ std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::s
     if (!runtime.empty() && !runtimeFiles) raiseError(err::ObjectNotSet, Source);
     for (auto& [pair, details] : runtime) details = runtimeFiles(pair.first, pair.second);
 
-    BundleWriter writer(folder);
+    BundleWriter writer(folder, target);
     std::string lines;
     auto addLine = [&lines](const std::string& line) {
         if (!lines.empty()) lines += ",\n";
@@ -251,16 +340,58 @@ std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::s
         }
     }
 
-    std::string manifest = "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n  \"files\": [";
+    std::string manifest = "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n";
+    if (!runtimeFolder.empty()) manifest += "  \"runtimeFolder\": " + jsonString(runtimeFolder) + ",\n";
+    manifest += "  \"files\": [";
     manifest += lines.empty() ? "]\n}\n" : "\n" + lines + "\n  ]\n}\n";
-    writer.publish(BundleManifestName, reinterpret_cast<const uint8_t*>(manifest.data()), manifest.size());
+    writer.write(BundleManifestName, reinterpret_cast<const uint8_t*>(manifest.data()), manifest.size());
+    writer.publish();
     return std::move(writer.files());
 }
 
+namespace {
+
+// What is wrong with one file the family reads, looked at on the disk; empty
+// when nothing is.
+std::string problemOf(const std::string& path, uint64_t limit) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return errno == ENOENT ? "does not exist" : std::strerror(errno);
+    if (!S_ISREG(info.st_mode)) return "is not a regular file";
+    if (static_cast<uint64_t>(info.st_size) > limit)
+        return "is larger than such a file can be (" + std::to_string(info.st_size) + " bytes)";
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return std::string("cannot be opened (") + std::strerror(errno) + ")";
+    ::close(fd);
+    return info.st_size == 0 ? "is empty" : "";
+}
+
+// Which file of a family's runtime files failed and why. The family's own
+// error names neither ("Type mismatch"): its runtime files and its ini file
+// are looked at in the order it reads them.
+std::string whichFileFailed(const HostContext& context, int32_t FatherID, int32_t HexFileVersion,
+                            size_t reportsBefore) {
+    const std::string folder = std::filesystem::path(toUtf8(context.RuntimeFolder())).lexically_normal().string();
+    const std::string ini = folder + std::to_string(FatherID) + ".ini";
+    if (std::string problem = problemOf(ini, file_limit::Ini); !problem.empty()) return "\"" + ini + "\" " + problem;
+    for (const wchar_t* extension : {L".FBs", L".Jmp"}) {
+        const std::string path = folder + toUtf8(runtimeFileName(FatherID, HexFileVersion, extension));
+        if (std::string problem = problemOf(path, file_limit::Runtime); !problem.empty())
+            return "\"" + path + "\" " + problem;
+    }
+    // The family reports a key its ini file lacks; its report names the key.
+    for (size_t i = reportsBefore; i < context.Reports.size(); ++i) {
+        const std::wstring& text = context.Reports[i].Text;
+        if (const size_t key = text.rfind(L"Key: "); key != std::wstring::npos)
+            return "\"" + ini + "\" has no value for " + toUtf8(text.substr(key + 5));
+    }
+    return "\"" + ini + "\" holds a value that is no number for version " + std::to_string(HexFileVersion);
+}
+
+}  // namespace
+
 RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context) {
     return [&gate, &context](int32_t FatherID, int32_t HexFileVersion) {
-        const std::wstring which =
-            L"family " + std::to_wstring(FatherID) + L", version " + std::to_wstring(HexFileVersion);
+        const std::string which = "family " + std::to_string(FatherID) + ", version " + std::to_string(HexFileVersion);
         const size_t reports = context.Reports.size();
         FatherPtr father;
         FBHexFileDetails details;
@@ -270,12 +401,16 @@ RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context) {
             if (father) details = father->itfFBFather_GetHexFileDetails(HexFileVersion);
         } catch (const RuntimeError& e) {
             throw RuntimeError(e.Number(), e.Source(),
-                               L"the runtime files of " + which + L" cannot be read: " + e.Description());
+                               fromUtf8("the runtime files of " + which + " cannot be read: " +
+                                        whichFileFailed(context, FatherID, HexFileVersion, reports) +
+                                        " (run-time error " + std::to_string(e.Number()) + ": ") +
+                                   e.Description() + L")");
         }
-        if (!father) throw RuntimeError(err::InvalidProcedureCall, Source, L"the component has no " + which);
+        if (!father) throw RuntimeError(err::InvalidProcedureCall, Source, fromUtf8("the component has no " + which));
         if (context.Reports.size() != reports)
             throw RuntimeError(err::FileNotFound, Source,
-                               L"the runtime files of " + which + L" cannot be read from " + context.RuntimeFolder());
+                               fromUtf8("the runtime files of " + which + " cannot be read: " +
+                                        whichFileFailed(context, FatherID, HexFileVersion, reports)));
         return details;
     };
 }

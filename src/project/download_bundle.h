@@ -41,22 +41,27 @@ struct BundleFile {
     bool operator==(const BundleFile&) const = default;
 };
 
-// Writes the bundle into folder, which is created with its parents when
-// missing and must be empty when it exists. runtimeFiles is asked once per
-// (FatherID, HexFileVersion) pair, before anything is written, so a family
-// that fails leaves no files behind. Returns every file written in the order
+// Writes the bundle into folder, which must be missing (its parents are
+// made) or an empty folder. The files go into a fresh folder beside it,
+// renamed into place when whole: folder shows the whole bundle or nothing,
+// and a second writer into the same folder fails rather than mixing its
+// files in. runtimeFiles is asked once per (FatherID, HexFileVersion) pair,
+// before anything is written. Returns every file written in the order
 // written: operations, instances, runtime files, and last manifest.json.
-// Raises RuntimeError 75 when folder is no folder or not empty, and a
-// RuntimeError naming the file and the cause when a file cannot be written
-// (the half-written file is removed; the ones before it stay).
+// runtimeFolder, when given, is recorded in the manifest as the folder the
+// runtime files came from. Raises RuntimeError 75 when folder is no folder
+// or not empty, and a RuntimeError naming the file or folder, the action and
+// the cause when writing fails; nothing is left behind then.
 std::vector<BundleFile> writeDownloadBundle(const Project& project, const std::string& folder,
-                                            const RuntimeFilesOf& runtimeFiles);
+                                            const RuntimeFilesOf& runtimeFiles,
+                                            const std::wstring& runtimeFolder = L"");
 
 // The name of the manifest inside the folder.
 inline constexpr const char* BundleManifestName = "manifest.json";
 
-// A JSON string literal of the text, quotes included: UTF-8, with quotes,
-// backslashes and control characters escaped.
+// A JSON string literal of the text, quotes included: valid UTF-8, with
+// quotes, backslashes and control characters escaped, and a character that
+// has no UTF-8 form (a byte of a name that was not UTF-8) replaced by U+FFFD.
 std::string jsonString(const std::wstring& text);
 
 }  // namespace qx

@@ -1,7 +1,9 @@
 #include "project/project_file.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +11,7 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <set>
 #include <tuple>
 
 #include "platform/basics/ansi.h"
@@ -20,6 +23,25 @@ namespace {
 // How long a load or save waits for another program's lock before it says so.
 constexpr int LockWaitMilliseconds = 100;
 
+// The largest block a project holds. An image of 255 messages of 500
+// positions stays well below a megabyte; anything past this bound is damage,
+// refused before it is read, so that a file cannot make the reader allocate
+// what it likes.
+constexpr int64_t MaxBlockBytes = 16 * 1024 * 1024;
+// Room beside the largest block for the rest of its row.
+constexpr int64_t MaxRowOverhead = 64 * 1024;
+
+// The name SQLite gets for a path: never a URI, never ":memory:". A
+// relative name starts with "./", so that "file:x" is the file of that name.
+std::string sqliteName(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+// The folder of a path, for messages about the folder and its journal.
+std::string folderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
 [[noreturn]] void fail(int32_t number, const std::string& path, const std::string& cause) {
     throw RuntimeError(number, L"QxFBCom2 project file", fromUtf8("project file \"" + path + "\": " + cause));
 }
@@ -28,8 +50,69 @@ constexpr int LockWaitMilliseconds = 100;
     fail(err::InvalidFileFormat, path, "is damaged (" + what + ")");
 }
 
-// The error for an SQLite result code, in the words a user needs.
-[[noreturn]] void failWithSqlite(const std::string& path, int code, const char* detail) {
+[[noreturn]] void notOurs(const std::string& path, const std::string& what) {
+    fail(err::InvalidFileFormat, path, "is not a project file of this program (" + what + ")");
+}
+
+// Why a write of the file or of its journal beside it failed, found out
+// from the file system, since SQLite's own words ("unable to open database
+// file", "disk I/O error") do not say which file or why.
+[[noreturn]] void failToWrite(const std::string& path, int systemError, const std::string& why) {
+    const std::string folder = folderOf(path), journal = path + "-journal";
+    struct stat info {};
+    if (::lstat(journal.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
+        fail(err::PathFileAccessError, path,
+             "cannot be saved: its journal \"" + journal + "\" cannot be made, something that is no file has its name");
+    struct statvfs volume {};
+    if (systemError == EROFS || (::statvfs(folder.c_str(), &volume) == 0 && (volume.f_flag & ST_RDONLY)))
+        fail(err::PermissionDenied, path,
+             "cannot be written: the file system of its folder \"" + folder + "\" is read-only (" +
+                 std::strerror(EROFS) + ")");
+    if (::access(folder.c_str(), F_OK) != 0)
+        fail(err::PathFileAccessError, path,
+             "cannot be saved: its folder \"" + folder + "\" cannot be reached (" + std::strerror(errno) + ")");
+    if (::access(path.c_str(), F_OK) == 0 && ::access(path.c_str(), W_OK) != 0)
+        fail(err::PermissionDenied, path,
+             "cannot be written: the file is read-only (" + std::string(std::strerror(errno)) + ")");
+    if (::access(folder.c_str(), W_OK) != 0)
+        fail(err::PermissionDenied, path,
+             "cannot be saved: its folder \"" + folder + "\" cannot be written (" + std::strerror(errno) +
+                 "), and a save makes its journal \"" + journal + "\" there");
+    // SQLite's errno may be of a later call than the one that failed; making
+    // the journal here tells what the file system says to it.
+    if (const int probe = ::open(journal.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+        probe >= 0) {
+        ::close(probe);
+        ::unlink(journal.c_str());
+    } else if (errno != EEXIST) {
+        systemError = errno;
+    }
+    switch (systemError) {
+        case 0:
+            break;
+        case ENOSPC:
+        case EDQUOT:
+            fail(err::DiskFull, path,
+                 "cannot be saved: no room on the disk for the file or its journal \"" + journal + "\" (" +
+                     std::strerror(systemError) + ")");
+        case EIO:
+            fail(err::DeviceIOError, path,
+                 "cannot be read or written: the device failed (" + std::string(std::strerror(systemError)) + ")");
+        case EACCES:
+        case EPERM:
+            fail(err::PermissionDenied, path,
+                 "cannot be written, nor its journal \"" + journal + "\" (" + std::strerror(systemError) + ")");
+        default:
+            fail(err::PathFileAccessError, path,
+                 "cannot be read or written (" + std::string(std::strerror(systemError)) + "; " + why + ")");
+    }
+    fail(err::PathFileAccessError, path, "cannot be written (" + why + ")");
+}
+
+// The error for an SQLite result code, in the words a user needs; the
+// system's errno of the failing call, where there is one, says the cause.
+[[noreturn]] void failWithSqlite(const std::string& path, int code, const char* detail, int systemError = 0,
+                                 bool wal = false) {
     const std::string why = detail && *detail ? detail : sqlite3_errstr(code);
     switch (code & 0xFF) {
         case SQLITE_BUSY:
@@ -44,21 +127,26 @@ constexpr int LockWaitMilliseconds = 100;
                 fail(err::PermissionDenied, path,
                      "cannot be opened: a save was cut short, and its journal cannot be applied without write access");
             [[fallthrough]];
+        case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_AUTH:
-            fail(err::PermissionDenied, path, "cannot be written (" + why + ")");
-        case SQLITE_FULL:
-            fail(err::DiskFull, path, "cannot be written: the disk is full");
         case SQLITE_IOERR:
-            fail(err::DeviceIOError, path, "cannot be read or written (" + why + ")");
-        case SQLITE_CANTOPEN:
-            fail(err::PathFileAccessError, path, "cannot be opened (" + why + ")");
+        case SQLITE_FULL:
+            if (wal && ::access(folderOf(path).c_str(), W_OK) != 0)
+                fail(err::PermissionDenied, path,
+                     "cannot be read without write access to its folder \"" + folderOf(path) +
+                         "\": it is in WAL mode, and a reader of such a file makes \"" + path + "-wal\" and \"" + path +
+                         "-shm\" beside it (" + std::strerror(errno) + ")");
+            failToWrite(path, systemError, why);
         case SQLITE_NOMEM:
             fail(err::OutOfMemory, path, "cannot be read or written: out of memory");
         case SQLITE_TOOBIG:
-            fail(err::Overflow, path, "cannot be written: a block is too large");
+            // Every block and text is bound to MaxBlockBytes (see bind for a save).
+            damaged(path, "a value is larger than any project holds (" + std::to_string(MaxBlockBytes) + " bytes)");
         case SQLITE_CONSTRAINT:
-            fail(err::InvalidProcedureCall, path, "cannot be saved: the project holds a key twice (" + why + ")");
+            if (code == SQLITE_CONSTRAINT_PRIMARYKEY || code == SQLITE_CONSTRAINT_UNIQUE)
+                fail(err::InvalidProcedureCall, path, "cannot be saved: the project holds a key twice (" + why + ")");
+            fail(err::InvalidProcedureCall, path, "cannot be saved: a value breaks a rule of the file (" + why + ")");
         case SQLITE_ERROR:
             // A statement of our schema that fails on a file of ours: a table
             // or column is missing or of another shape.
@@ -89,8 +177,10 @@ public:
         return *this;
     }
     Statement& bind(int index, const Bytes& value) {
-        if (value.size() > static_cast<size_t>(std::numeric_limits<int>::max()))
-            fail(err::Overflow, path(), "a block is too large");
+        if (value.size() > static_cast<size_t>(MaxBlockBytes))
+            fail(err::Overflow, path(),
+                 "cannot be saved: a block of " + std::to_string(value.size()) +
+                     " bytes is larger than any image can be");
         // An empty block stays a block: a null pointer would store NULL.
         check(value.empty() ? sqlite3_bind_zeroblob(statement_, index, 0)
                             : sqlite3_bind_blob(statement_, index, value.data(), static_cast<int>(value.size()),
@@ -125,6 +215,7 @@ public:
             integer(column, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
     }
     bool boolean(int column) { return integer(column, 0, 1) != 0; }
+    bool isNull(int column) { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
     std::wstring text(int column) {
         expectType(column, SQLITE_TEXT, "text");
         const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
@@ -134,6 +225,8 @@ public:
         expectType(column, SQLITE_BLOB, "block of bytes");
         const auto* data = static_cast<const uint8_t*>(sqlite3_column_blob(statement_, column));
         const int size = sqlite3_column_bytes(statement_, column);
+        if (size > MaxBlockBytes)
+            damaged(path(), "the block of " + columnName(column) + " is larger than any image can be");
         return data && size > 0 ? Bytes(data, data + size) : Bytes{};
     }
 
@@ -154,19 +247,23 @@ private:
 
 class Database {
 public:
-    Database(const std::string& path, int flags) : path_(path) {
-        const int code = sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOFOLLOW, nullptr);
+    Database(const std::string& path, int flags, bool wal) : path_(path), wal_(wal) {
+        const int code = sqlite3_open_v2(sqliteName(path).c_str(), &db_, flags | SQLITE_OPEN_NOFOLLOW, nullptr);
         if (code != SQLITE_OK) {
             // A failed open still gives a handle, which only a close frees.
             const std::string detail = db_ ? sqlite3_errmsg(db_) : "";
             const int systemError = db_ ? sqlite3_system_errno(db_) : 0;
             sqlite3_close_v2(db_);
-            if ((code & 0xFF) == SQLITE_CANTOPEN && systemError == EACCES)
+            db_ = nullptr;
+            if ((code & 0xFF) == SQLITE_CANTOPEN && systemError == EACCES && !(flags & SQLITE_OPEN_CREATE))
                 fail(err::PermissionDenied, path_, "cannot be opened: permission denied");
-            failWithSqlite(path_, code, detail.c_str());
+            failWithSqlite(path_, code, detail.c_str(), systemError, wal_);
         }
         sqlite3_extended_result_codes(db_, 1);
         sqlite3_busy_timeout(db_, LockWaitMilliseconds);
+        // No text or block larger than any project holds is ever read: SQLite
+        // refuses it before it allocates it.
+        sqlite3_limit(db_, SQLITE_LIMIT_LENGTH, static_cast<int>(MaxBlockBytes + MaxRowOverhead));
         // The file is not trusted: no writing to the schema, no functions
         // with side effects from it.
         sqlite3_db_config(db_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -182,8 +279,11 @@ public:
         if (code != SQLITE_OK) {
             const std::string detail = message ? message : "";
             sqlite3_free(message);
-            failWithSqlite(path_, code, detail.c_str());
+            failed(code, detail.c_str());
         }
+    }
+    [[noreturn]] void failed(int code, const char* detail) {
+        failWithSqlite(path_, code, detail, sqlite3_system_errno(db_), wal_);
     }
     int32_t pragma(const char* name) {
         Statement statement(*this, (std::string("PRAGMA ") + name).c_str());
@@ -199,6 +299,7 @@ public:
 
 private:
     std::string path_;
+    bool wal_ = false;
     sqlite3* db_ = nullptr;
 };
 
@@ -207,8 +308,7 @@ Statement::Statement(Database& db, const char* sql) : db_(db) {
 }
 const std::string& Statement::path() const { return db_.path(); }
 void Statement::check(int code) {
-    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
-        failWithSqlite(db_.path(), code, sqlite3_errmsg(db_.handle()));
+    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE) db_.failed(code, sqlite3_errmsg(db_.handle()));
 }
 
 // Version 1 of the schema. Positions keep the order of nets, operations,
@@ -246,10 +346,87 @@ constexpr const char* ClearSql =
     "DELETE FROM constant_lists; DELETE FROM allowed_types; DELETE FROM operands; DELETE FROM operations;"
     "DELETE FROM nets; DELETE FROM instances; DELETE FROM constants; DELETE FROM links; DELETE FROM settings;";
 
-// The tables of the schema, and nothing else may be in the file.
-constexpr const wchar_t* SchemaTables[] = {L"settings",  L"nets",          L"operations",
-                                           L"operands",  L"allowed_types", L"constant_lists",
-                                           L"instances", L"constants",     L"links"};
+// One object of a schema: type, name, its table, and its SQL (empty for the
+// indexes SQLite makes for keys), normalised.
+struct SchemaObject {
+    std::string Type, Name, Table, Sql;
+    auto operator<=>(const SchemaObject&) const = default;
+};
+
+// SQL as SQLite keeps it, with the differences that change nothing taken
+// out: letter case, and white space, which goes where it may be left out.
+std::string normalisedSql(const std::string& sql) {
+    std::string out;
+    bool space = false;
+    for (const char c : sql) {
+        if (c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v') {
+            space = true;
+            continue;
+        }
+        const bool tight = std::strchr("(),", c) != nullptr;
+        if (space && !out.empty() && !tight && !std::strchr("(,", out.back())) out += ' ';
+        space = false;
+        out += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    }
+    return out;
+}
+
+// The objects the schema this program writes consists of, as SQLite itself
+// records them: made once in a database in memory.
+const std::vector<SchemaObject>& schemaOfThisProgram() {
+    static const std::vector<SchemaObject> objects = [] {
+        std::vector<SchemaObject> made;
+        sqlite3* db = nullptr;
+        sqlite3_stmt* query = nullptr;
+        const bool ok =
+            sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK &&
+            sqlite3_exec(db, SchemaSql, nullptr, nullptr, nullptr) == SQLITE_OK &&
+            sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query, nullptr) ==
+                SQLITE_OK;
+        while (ok && sqlite3_step(query) == SQLITE_ROW) {
+            const auto column = [query](int i) {
+                const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(query, i));
+                return std::string(text ? text : "");
+            };
+            made.push_back({column(0), column(1), column(2), normalisedSql(column(3))});
+        }
+        sqlite3_finalize(query);
+        sqlite3_close_v2(db);
+        if (!ok || made.empty()) throw RuntimeError(err::OutOfMemory, L"QxFBCom2 project file", L"out of memory");
+        std::sort(made.begin(), made.end());
+        return made;
+    }();
+    return objects;
+}
+
+// Every object of the file's schema must be one of this program's, word for
+// word: a CHECK constraint, a default, an expression index, a view or a
+// trigger would run expressions of the file's choosing, and a table of
+// another shape (a key left out) would hold what no project holds. Only the
+// text of the schema is read here, so this costs nothing however large the
+// tables are.
+void checkSchema(Database& db) {
+    const std::vector<SchemaObject>& ours = schemaOfThisProgram();
+    std::vector<SchemaObject> found;
+    Statement objects(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema");
+    while (objects.step()) {
+        SchemaObject object{toUtf8(objects.text(0)), toUtf8(objects.text(1)), toUtf8(objects.text(2)),
+                            objects.isNull(3) ? "" : normalisedSql(toUtf8(objects.text(3)))};
+        if (!std::binary_search(ours.begin(), ours.end(), object)) {
+            const bool known = std::any_of(ours.begin(), ours.end(), [&](const SchemaObject& mine) {
+                return mine.Type == object.Type && mine.Name == object.Name;
+            });
+            notOurs(db.path(), "the " + object.Type + " " + object.Name +
+                                   (known ? " is not the one this program writes" : " is not of a project"));
+        }
+        found.push_back(std::move(object));
+    }
+    // A missing table is named rather than the index of its key.
+    for (const bool tables : {true, false})
+        for (const SchemaObject& mine : ours)
+            if ((mine.Type == "table") == tables && std::find(found.begin(), found.end(), mine) == found.end())
+                damaged(db.path(), "no such " + mine.Type + ": " + mine.Name);
+}
 
 enum class FileKind { Empty, Project };
 
@@ -268,17 +445,9 @@ FileKind kindOf(Database& db) {
              "was written by a newer version of the program (project schema " + std::to_string(schema) +
                  "; this one reads schema " + std::to_string(project_file::SchemaVersion) + " and older)");
     if (schema < 1) damaged(db.path(), "no schema version");
-    // Only the tables of the schema and their own indexes: a view or a
-    // trigger put in a table's place would run code of the file's choosing.
-    Statement objects(db, "SELECT type, name FROM sqlite_schema");
-    while (objects.step()) {
-        const std::wstring type = objects.text(0);
-        const std::wstring name = objects.text(1);
-        const bool known = (type == L"table" && std::find(std::begin(SchemaTables), std::end(SchemaTables), name) !=
-                                                    std::end(SchemaTables)) ||
-                           (type == L"index" && name.starts_with(L"sqlite_autoindex_"));
-        if (!known) damaged(db.path(), "the " + toUtf8(type) + " " + toUtf8(name) + " is not of a project");
-    }
+    // First the schema's text, since the integrity check evaluates every
+    // CHECK constraint and indexed expression for every row.
+    checkSchema(db);
     // The reader's queries may take their values from an index rather than
     // the table, so a damaged index would give wrong values that no type
     // or range check sees: the whole file is checked first.
@@ -302,6 +471,17 @@ bool existsAsRegularFile(const std::string& path, bool mustExist) {
     if (S_ISLNK(info.st_mode)) fail(err::PathFileAccessError, path, "is a symbolic link; name the file it points to");
     if (!S_ISREG(info.st_mode)) fail(err::PathFileAccessError, path, "is not a regular file");
     return true;
+}
+
+// Whether the file is in WAL mode (its header's read and write versions are
+// 2): a reader of such a file needs to write beside it.
+bool isWalFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return false;
+    unsigned char header[20] = {};
+    const bool read = ::pread(fd, header, sizeof header, 0) == static_cast<ssize_t>(sizeof header);
+    ::close(fd);
+    return read && header[18] == 2 && header[19] == 2;
 }
 
 // The identity of the file at path now, to remove only the file a save made.
@@ -335,8 +515,10 @@ Project readProject(Database& db) {
     Project project;
     {
         Statement settings(db, "SELECT name, value FROM settings");
+        std::set<std::wstring> seen;
         while (settings.step()) {
             const std::wstring name = settings.text(0);
+            if (!seen.insert(name).second) damaged(db.path(), "the setting " + toUtf8(name) + " is stored twice");
             if (name == L"ExtendedOperands")
                 project.Settings.ExtendedOperands = settings.boolean(1);
             else if (name == L"AppFolder")
@@ -370,38 +552,68 @@ Project readProject(Database& db) {
     const auto sideOf = [&](const OperationAt& at, bool out) -> std::vector<StoredOperand>& {
         return out ? operationAt(at).OutOperands : operationAt(at).InOperands;
     };
+    // Operations and operands are read in the order of their table's own key,
+    // which needs no sort: a sort would hold every row with its block at
+    // once. Each list is put in order of position afterwards.
     std::map<int64_t, OperationAt> operationOf;
     {
+        struct Placed {
+            int64_t position, id;
+            StoredOperation operation;
+        };
+        std::vector<std::vector<Placed>> placed(project.Nets.size());
         Statement operations(db,
-                             "SELECT id, net_id, method_id, hex_file_version, father_instance_num, is_conducting,"
-                             " binary_operands FROM operations ORDER BY position, id");
+                             "SELECT id, net_id, position, method_id, hex_file_version, father_instance_num,"
+                             " is_conducting, binary_operands FROM operations ORDER BY id");
         while (operations.step()) {
             const auto found = netOf.find(operations.i64(1));
             if (found == netOf.end()) damaged(db.path(), "an operation belongs to no net");
             StoredOperation operation;
-            operation.MethodID = operations.i32(2);
-            operation.HexFileVersion = operations.i32(3);
-            operation.FatherInstanceNum = operations.i32(4);
-            operation.IsConducting = operations.boolean(5);
-            operation.BinaryOperands = operations.blob(6);
-            std::vector<StoredOperation>& net = project.Nets[found->second].Operations;
-            net.push_back(std::move(operation));
-            operationOf[operations.i64(0)] = {found->second, net.size() - 1};
+            operation.MethodID = operations.i32(3);
+            operation.HexFileVersion = operations.i32(4);
+            operation.FatherInstanceNum = operations.i32(5);
+            operation.IsConducting = operations.boolean(6);
+            operation.BinaryOperands = operations.blob(7);
+            placed[found->second].push_back({operations.i64(2), operations.i64(0), std::move(operation)});
+        }
+        for (size_t net = 0; net < placed.size(); ++net) {
+            std::sort(placed[net].begin(), placed[net].end(), [](const Placed& a, const Placed& b) {
+                return std::tie(a.position, a.id) < std::tie(b.position, b.id);
+            });
+            std::vector<StoredOperation>& list = project.Nets[net].Operations;
+            list.reserve(placed[net].size());
+            for (Placed& one : placed[net]) {
+                operationOf[one.id] = {net, list.size()};
+                list.push_back(std::move(one.operation));
+            }
         }
     }
     std::map<int64_t, OperandAt> operandOf;
     {
+        struct Placed {
+            OperationAt operation;
+            bool out;
+            int64_t position, id;
+            StoredOperand operand;
+        };
+        std::vector<Placed> placed;
         Statement operands(db,
                            "SELECT id, operation_id, side, key, caption, title, description, is_new, mode, type,"
                            " net_id, address, has_value, constant_value, format, constant_list_mode,"
-                           " constant_list_only, vector_length FROM operands ORDER BY position, id");
+                           " constant_list_only, vector_length, position FROM operands ORDER BY id");
         while (operands.step()) {
             const auto found = operationOf.find(operands.i64(1));
             if (found == operationOf.end()) damaged(db.path(), "an operand belongs to no operation");
-            const bool out = operands.boolean(2);
-            std::vector<StoredOperand>& side = sideOf(found->second, out);
-            side.push_back(readOperand(operands));
-            operandOf[operands.i64(0)] = {found->second, out, side.size() - 1};
+            placed.push_back(
+                {found->second, operands.boolean(2), operands.i64(18), operands.i64(0), readOperand(operands)});
+        }
+        std::stable_sort(placed.begin(), placed.end(), [](const Placed& a, const Placed& b) {
+            return std::tie(a.position, a.id) < std::tie(b.position, b.id);
+        });
+        for (Placed& one : placed) {
+            std::vector<StoredOperand>& side = sideOf(one.operation, one.out);
+            operandOf[one.id] = {one.operation, one.out, side.size()};
+            side.push_back(std::move(one.operand));
         }
     }
     const auto operandOfRow = [&](Statement& row, const char* what) -> StoredOperand& {
@@ -420,20 +632,39 @@ Project readProject(Database& db) {
                 .ConstantList.emplace_back(constants.i32(1), constants.text(2));
     }
     {
+        // Read in key order, so that a key stored twice (which only a file
+        // of another shape can hold) is the row after its twin.
         Statement instances(
             db, "SELECT father_id, instance_num, name, data FROM instances ORDER BY father_id, instance_num");
-        while (instances.step())
-            project.Instances.push_back({instances.i32(0), instances.i32(1), instances.text(2), instances.blob(3)});
+        while (instances.step()) {
+            StoredInstance instance{instances.i32(0), instances.i32(1), instances.text(2), instances.blob(3)};
+            if (!project.Instances.empty() && project.Instances.back().FatherID == instance.FatherID &&
+                project.Instances.back().InstanceNum == instance.InstanceNum)
+                damaged(db.path(), "the instance " + std::to_string(instance.FatherID) + "/" +
+                                       std::to_string(instance.InstanceNum) + " is stored twice");
+            project.Instances.push_back(std::move(instance));
+        }
         Statement constants(db, "SELECT address, type, value FROM constants ORDER BY address");
-        while (constants.step()) project.Constants.push_back({constants.i32(0), constants.i32(1), constants.i64(2)});
+        while (constants.step()) {
+            const StoredConstant constant{constants.i32(0), constants.i32(1), constants.i64(2)};
+            if (!project.Constants.empty() && project.Constants.back().Address == constant.Address)
+                damaged(db.path(), "the constant at address " + std::to_string(constant.Address) + " is stored twice");
+            project.Constants.push_back(constant);
+        }
         // New constants take addresses from NextConstantAddress on: one at or
         // below a constant of the table would overwrite it.
         for (const StoredConstant& constant : project.Constants)
             if (constant.Address >= project.NextConstantAddress)
                 damaged(db.path(), "the next constant address is in use");
         Statement links(db, "SELECT type, address, mode, format, count FROM links ORDER BY type, address");
-        while (links.step())
-            project.Links.push_back({links.i32(0), links.i32(1), links.i32(2), links.i32(3), links.i32(4)});
+        while (links.step()) {
+            const StoredLink link{links.i32(0), links.i32(1), links.i32(2), links.i32(3), links.i32(4)};
+            if (!project.Links.empty() && project.Links.back().Type == link.Type &&
+                project.Links.back().Address == link.Address)
+                damaged(db.path(), "the operand link of type " + std::to_string(link.Type) + " at address " +
+                                       std::to_string(link.Address) + " is stored twice");
+            project.Links.push_back(link);
+        }
     }
     return project;
 }
@@ -509,13 +740,32 @@ void writeProject(Database& db, const Project& project) {
             .run();
 }
 
+// A key the project holds twice, named, before anything is written.
+void checkKeys(const std::string& path, const Project& project) {
+    const auto twice = [&path](const std::string& what) {
+        fail(err::InvalidProcedureCall, path, "cannot be saved: the project holds " + what + " twice");
+    };
+    std::set<std::pair<int32_t, int32_t>> instances, links;
+    for (const StoredInstance& instance : project.Instances)
+        if (!instances.emplace(instance.FatherID, instance.InstanceNum).second)
+            twice("the instance " + std::to_string(instance.FatherID) + "/" + std::to_string(instance.InstanceNum));
+    std::set<int32_t> constants;
+    for (const StoredConstant& constant : project.Constants)
+        if (!constants.insert(constant.Address).second)
+            twice("the constant at address " + std::to_string(constant.Address));
+    for (const StoredLink& link : project.Links)
+        if (!links.emplace(link.Type, link.Address).second)
+            twice("the operand link of type " + std::to_string(link.Type) + " at address " +
+                  std::to_string(link.Address));
+}
+
 }  // namespace
 
 Project loadProject(const std::string& path) {
     existsAsRegularFile(path, true);
     // Opened for writing, so that the journal of a save that was cut short
     // is applied; a file no one may write opens read-only all the same.
-    Database db(path, SQLITE_OPEN_READWRITE);
+    Database db(path, SQLITE_OPEN_READWRITE, isWalFile(path));
     // One read transaction: the whole project as one moment of the file.
     db.exec("BEGIN");
     if (kindOf(db) != FileKind::Project) fail(err::InvalidFileFormat, path, "is empty, not a project file");
@@ -526,9 +776,10 @@ Project loadProject(const std::string& path) {
 
 void saveProject(const std::string& path, const Project& project) {
     const bool existed = existsAsRegularFile(path, false);
+    checkKeys(path, project);
     std::pair<dev_t, ino_t> made{0, 0};
     try {
-        Database db(path, SQLITE_OPEN_READWRITE | (existed ? 0 : SQLITE_OPEN_CREATE));
+        Database db(path, SQLITE_OPEN_READWRITE | (existed ? 0 : SQLITE_OPEN_CREATE), existed && isWalFile(path));
         if (!existed) made = identityOf(path);
         // The write lock first, then the look at what the file is: nobody
         // can change it in between.

@@ -7,6 +7,7 @@
 
 #include "platform/basics/ansi.h"
 #include "platform/controls/form.h"
+#include "qt/capture_test.h"
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
 #include "qt/model_action.h"
@@ -23,8 +24,10 @@ void QtModalDriver::ShowModal(Form& form) {
     if (!view) throw std::logic_error("the dialog " + toUtf8(form.Name()) + " has no view");
     {
         FormBinding binding(form, *view);
-        // Beside the bound widgets, not one of them: the Send dialogs' pane of wire bytes.
+        // Beside the bound widgets, not among them: the Send dialogs' pane of
+        // wire bytes and the Scan dialogs' test against captured bytes.
         addWirePreview(form, *view);
+        addCaptureTest(form, *view);
         // However the dialog ends, even by an error of its own code, it
         // leaves no trace here: no subscription, no abort hook, no window.
         struct Showing {

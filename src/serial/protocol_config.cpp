@@ -10,7 +10,7 @@
 namespace qx {
 
 namespace {
-constexpr size_t imageSize = 2;
+constexpr size_t imageSize = clsProtocolConfigSrv::ImageSize;
 
 FBMethodInfo configInfo() {
     return FBMethodInfo{

@@ -13,6 +13,8 @@ namespace qx {
 // The data of one edit of a Config: name and port, and the image.
 class clsProtocolConfigSrv {
 public:
+    // The length of the image that BinaryData writes.
+    static constexpr size_t ImageSize = 2;
     // The image is always two bytes: the port, then 0.
     Bytes BinaryData() const;
     // Takes byte 0 as the port, whatever the length; an empty image is error 9.

@@ -9,7 +9,7 @@
 namespace qx {
 
 namespace {
-constexpr size_t imageSize = 2;
+constexpr size_t imageSize = clsProtocolCopyToBufferSrv::ImageSize;
 
 FBMethodInfo copyToBufferInfo() {
     return FBMethodInfo{

@@ -12,6 +12,8 @@ namespace qx {
 // The data of one edit of a Copy buffer: the copy format, and the image.
 class clsProtocolCopyToBufferSrv {
 public:
+    // The length of the image that BinaryData writes.
+    static constexpr size_t ImageSize = 2;
     // The image is always two bytes: the format, then 0. A format that does
     // not fit its byte is error 6.
     Bytes BinaryData() const;

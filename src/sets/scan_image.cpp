@@ -8,45 +8,14 @@
 #include "platform/basics/object_arena.h"
 #include "platform/basics/runtime_error.h"
 #include "sets/image_blocks.h"
+#include "sets/image_layout.h"
 #include "sets/scan_set.h"
 
 namespace qx {
 
 namespace {
 
-// Header offsets.
-constexpr size_t kEndOfMessageType = 0;
-constexpr size_t kSTXMask = 1;
-constexpr size_t kETXMask = 2;
-constexpr size_t kVersion = 3;
-constexpr size_t kSTXValues = 4;
-constexpr size_t kETXValues = 8;
-constexpr size_t kSTXLength = 12;
-constexpr size_t kETXLength = 13;
-constexpr size_t kMessageLengthValue = 14;
-constexpr size_t kSilenceTimeValue = 16;
-// Always 1, and never read back.
-constexpr size_t kMarker = 18;
-// Record bytes 1 to 14 of the end-of-message checksum lie from 20; its
-// reader is given the index two below the first of them.
-constexpr size_t kChecksumRecordIndex = 19;
-constexpr size_t kChecksumFirstByte = 20;
-constexpr size_t kChecksumBytes = 14;
-constexpr int32_t kChecksumReadIndex = 18;
-constexpr size_t kMessageCount = 34;
-constexpr size_t kHeaderSize = 36;
-
-// A message: S, the flags, the expected length with the frame, a zero byte,
-// then 24 bytes a segment.
-constexpr size_t kMessageHeaderSize = 4;
-constexpr size_t kSegmentEntrySize = 24;
-// Field records lie in the entry from its byte 4.
-constexpr size_t kRecordOffset = 4;
-constexpr size_t kRecordSize = 20;
-
-// For the controller only; the reader does not look at them.
-constexpr uint8_t kFlagConstText = 1;
-constexpr uint8_t kFlagChecksumField = 2;
+using namespace scan_layout;
 
 bool containsText(const std::vector<SegmentSpan>& segments) {
     for (const SegmentSpan& segment : segments)
@@ -59,18 +28,18 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
     message.segmentSpans(segments);
     size_t count = segments.size();
     uint8_t flags = 0;
-    if (containsText(segments)) flags |= kFlagConstText;
-    if (message.IsMessageContainCSFields()) flags |= kFlagChecksumField;
+    if (containsText(segments)) flags |= FlagConstText;
+    if (message.IsMessageContainCSFields()) flags |= FlagChecksumField;
     // Unlike the Send image there is no spare byte: the message header lies
     // behind the current end until the image grows.
-    writer.grow(kMessageHeaderSize + kSegmentEntrySize * count);
+    writer.grow(MessageHeaderSize + SegmentEntrySize * count);
     writer.u8(position, static_cast<int64_t>(count));
     writer.u8(position + 1, flags);
     writer.u8(position + 2, static_cast<int64_t>(message.MessageLength()) + frameLength);
-    size_t data = position + kMessageHeaderSize + kSegmentEntrySize * count;
+    size_t data = position + MessageHeaderSize + SegmentEntrySize * count;
     for (size_t i = 0; i < count; ++i) {
         const SegmentSpan& segment = segments[i];
-        size_t entry = position + kMessageHeaderSize + kSegmentEntrySize * i;
+        size_t entry = position + MessageHeaderSize + SegmentEntrySize * i;
         writer.u16(entry, segment.StartPosition);
         int32_t type = segment::ScanText;
         if (segment.SegmentKind == MessageSegment::VarKind) {
@@ -83,7 +52,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
         switch (type) {
             case segment::ScanText:
                 alignEven(writer, data);
-                writer.u16(entry + kRecordOffset, static_cast<int64_t>(data));
+                writer.u16(entry + RecordOffset, static_cast<int64_t>(data));
                 data = appendFixedText(writer, data, message, segment);
                 break;
             case segment::ScanNumericFixed:
@@ -91,8 +60,8 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
             case segment::ScanChecksum:
             case segment::ScanStreamFixed:
             case segment::ScanStreamFree:
-                copyRecord(writer, entry + kRecordOffset,
-                           segment.Var->GetVarBinData(static_cast<int32_t>(entry + kRecordOffset)), kRecordSize);
+                copyRecord(writer, entry + RecordOffset,
+                           segment.Var->GetVarBinData(static_cast<int32_t>(entry + RecordOffset)), RecordSize);
                 break;
             default:
                 break;
@@ -107,13 +76,13 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
     message.MessageLength(std::max(reader.u8(offset + 2) - frameLength, 0));
     MessageCanvas canvas(message);
     for (int32_t i = 0; i < count; ++i) {
-        int64_t entry = offset + static_cast<int64_t>(kMessageHeaderSize + kSegmentEntrySize * static_cast<size_t>(i));
+        int64_t entry = offset + static_cast<int64_t>(MessageHeaderSize + SegmentEntrySize * static_cast<size_t>(i));
         // The stored position is not read: the run of segments decides it.
         int64_t typeIndex = entry + 2;
         VarPtr field;
         switch (reader.u8(typeIndex)) {
             case segment::ScanText:
-                canvas.readFixedText(reader, reader.u16(entry + kRecordOffset));
+                canvas.readFixedText(reader, reader.u16(entry + RecordOffset));
                 break;
             case segment::ScanNumericFixed:
             case segment::ScanNumericFree:
@@ -143,34 +112,34 @@ Bytes writeScanImage(clsProtocolScanSrv& set) {
 
     Bytes image;
     image.reserve(ImageReserve);
-    image.resize(kHeaderSize + 2 * static_cast<size_t>(count), 0);
+    image.resize(HeaderSize + 2 * static_cast<size_t>(count), 0);
     ByteWriter writer(image);
-    writer.u8(kEndOfMessageType, set.EndOfScanMessageType());
-    writer.u8(kSTXMask, asciiMask(set.ScanSTXChars()));
-    writer.u8(kETXMask, asciiMask(set.ScanETXChars()));
-    writer.u8(kVersion, version);
-    writeFrameValues(writer, kSTXValues, set.ScanSTXChars());
-    writeFrameValues(writer, kETXValues, set.ScanETXChars());
-    writer.u8(kSTXLength, set.ScanSTXLength());
-    writer.u8(kETXLength, set.ScanETXLength());
-    writer.low16(kMessageLengthValue, set.MessageLengthValue());
-    writer.low16(kSilenceTimeValue, set.SilenceTimeValue());
-    writer.u8(kMarker, 1);
+    writer.u8(EndOfMessageType, set.EndOfScanMessageType());
+    writer.u8(STXMask, asciiMask(set.ScanSTXChars()));
+    writer.u8(ETXMask, asciiMask(set.ScanETXChars()));
+    writer.u8(Version, version);
+    writeFrameValues(writer, STXValues, set.ScanSTXChars());
+    writeFrameValues(writer, ETXValues, set.ScanETXChars());
+    writer.u8(STXLength, set.ScanSTXLength());
+    writer.u8(ETXLength, set.ScanETXLength());
+    writer.low16(MessageLengthValue, set.MessageLengthValue());
+    writer.low16(SilenceTimeValue, set.SilenceTimeValue());
+    writer.u8(Marker, 1);
 
     itfProtocolVar& checksum = *set.ScanChecksum();
     prepareChecksum(checksum, method_type::Send, method_type::Scan, version, false);
-    Bytes record = checksum.GetVarBinData(static_cast<int32_t>(kChecksumRecordIndex));
-    if (record.size() < 1 + kChecksumBytes) raiseError(err::SubscriptOutOfRange);
-    writer.copy(kChecksumFirstByte, record.data() + 1, kChecksumBytes);
+    Bytes record = checksum.GetVarBinData(static_cast<int32_t>(ChecksumRecordIndex));
+    if (record.size() < 1 + ChecksumBytes) raiseError(err::SubscriptOutOfRange);
+    writer.copy(ChecksumFirstByte, record.data() + 1, ChecksumBytes);
 
-    writer.u8(kMessageCount, count);
+    writer.u8(MessageCount, count);
 
     int32_t frameLength = set.ScanSTXLength() + set.ScanETXLength();
-    size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
+    size_t position = HeaderSize + 2 * static_cast<size_t>(count);
     std::vector<SegmentSpan> segments;
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
-        writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
+        writer.u16(HeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
         writeMessage(writer, position, *set.GetMessage(number), frameLength, version, segments);
     }
     if (image.size() % 2 != 0) writer.grow(1);
@@ -182,32 +151,32 @@ void readScanImage(clsProtocolScanSrv& set, const Bytes& source) {
     Bytes image = source;
     ByteReader reader(image);
 
-    set.EndOfScanMessageType(reader.u8(kEndOfMessageType));
-    int32_t version = reader.u8(kVersion);
+    set.EndOfScanMessageType(reader.u8(EndOfMessageType));
+    int32_t version = reader.u8(Version);
     set.ImageVersion(version);
     FrameChars stx = set.ScanSTXChars();
     FrameChars etx = set.ScanETXChars();
-    readFrame(reader, kSTXMask, kSTXValues, stx);
-    readFrame(reader, kETXMask, kETXValues, etx);
+    readFrame(reader, STXMask, STXValues, stx);
+    readFrame(reader, ETXMask, ETXValues, etx);
     for (int32_t i = 0; i < static_cast<int32_t>(stx.size()); ++i) {
         set.SetScanSTXValue(i, stx[static_cast<size_t>(i)].Value, stx[static_cast<size_t>(i)].ByAscii);
         set.SetScanETXValue(i, etx[static_cast<size_t>(i)].Value, etx[static_cast<size_t>(i)].ByAscii);
     }
-    set.ScanSTXLength(reader.u8(kSTXLength));
-    set.ScanETXLength(reader.u8(kETXLength));
-    set.MessageLengthValue(reader.u16(kMessageLengthValue));
-    set.SilenceTimeValue(reader.u16(kSilenceTimeValue));
+    set.ScanSTXLength(reader.u8(STXLength));
+    set.ScanETXLength(reader.u8(ETXLength));
+    set.MessageLengthValue(reader.u16(MessageLengthValue));
+    set.SilenceTimeValue(reader.u16(SilenceTimeValue));
 
     itfProtocolVar& checksum = *set.ScanChecksum();
     prepareChecksum(checksum, method_type::Send, method_type::Scan, version, false);
-    checksum.SetVarBinData(image, kChecksumReadIndex);
+    checksum.SetVarBinData(image, ChecksumReadIndex);
 
-    int32_t count = reader.u8(kMessageCount);
+    int32_t count = reader.u8(MessageCount);
     int32_t frameLength = set.ScanSTXLength() + set.ScanETXLength();
     set.ResetMessages(std::max(count, 1));
     ScopedObjectArena fieldMemory;
     for (int32_t number = 1; number <= count; ++number) {
-        int64_t offset = reader.u16(static_cast<int64_t>(kHeaderSize) + 2 * (number - 1));
+        int64_t offset = reader.u16(static_cast<int64_t>(HeaderSize) + 2 * (number - 1));
         readMessage(image, reader, offset, *set.GetMessage(number), frameLength, version);
     }
 }

@@ -13,44 +13,14 @@
 #include "platform/basics/runtime_error.h"
 #include "sets/constant_bytes.h"
 #include "sets/image_blocks.h"
+#include "sets/image_layout.h"
 #include "sets/send_set.h"
 
 namespace qx {
 
 namespace {
 
-// Header offsets.
-constexpr size_t kMessageNumberType = 0;
-constexpr size_t kMessageNumberBlock = 2;
-constexpr size_t kCopyDestinationType = 8;
-constexpr size_t kCopyDestinationAddress = 10;
-constexpr size_t kCopyWhenOnType = 16;
-constexpr size_t kCopyWhenOnAddress = 18;
-constexpr size_t kVersion = 24;
-constexpr size_t kEndOfMessageType = 25;
-constexpr size_t kSTXMask = 26;
-constexpr size_t kETXMask = 27;
-constexpr size_t kSTXValues = 28;
-constexpr size_t kETXValues = 32;
-constexpr size_t kSTXLength = 36;
-constexpr size_t kETXLength = 37;
-// Always 1, and never read back.
-constexpr size_t kMarker = 38;
-// Record bytes 1 to 14 of the end-of-message checksum lie from 40; its
-// reader is given the index two below the first of them.
-constexpr size_t kChecksumRecordIndex = 39;
-constexpr size_t kChecksumFirstByte = 40;
-constexpr size_t kChecksumBytes = 14;
-constexpr int32_t kChecksumReadIndex = 38;
-constexpr size_t kCopyBytesCount = 54;
-constexpr size_t kMessageCount = 56;
-constexpr size_t kHeaderSize = 58;
-
-// A message: S, three zero bytes, then 18 bytes a segment.
-constexpr size_t kMessageHeaderSize = 4;
-constexpr size_t kSegmentEntrySize = 18;
-// Records of types 3 to 6 lie in the entry itself, from its byte 1.
-constexpr size_t kInlineRecordSize = 17;
+using namespace send_layout;
 
 constexpr int32_t kConstantMode = 2;
 constexpr int32_t kMemoryMode = 1;
@@ -70,13 +40,13 @@ void forceSingleMessage(clsOperand& operand, bool clearHasValue) {
 // to 5; any other operand its address in 0 to 1. Addresses are cut to 16 bits
 // as in the field records, so an unlinked operand (-1) gives FF FF.
 void writeMessageNumberBlock(ByteWriter& writer, const clsOperand& operand) {
-    writer.u8(kMessageNumberType, operand.OperandType());
+    writer.u8(MessageNumberType, operand.OperandType());
     Bytes value;
     if (ConstantToBytes(operand, value)) {
-        writer.copy(kMessageNumberBlock, value);
-        writer.low16(kMessageNumberBlock + 4, operand.OperandAddress());
+        writer.copy(MessageNumberBlock, value);
+        writer.low16(MessageNumberBlock + 4, operand.OperandAddress());
     } else {
-        writer.low16(kMessageNumberBlock, operand.OperandAddress());
+        writer.low16(MessageNumberBlock, operand.OperandAddress());
     }
 }
 
@@ -90,11 +60,11 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
     message.segmentSpans(segments);
     size_t count = segments.size();
     writer.u8(position, static_cast<int64_t>(count));
-    writer.grow(kMessageHeaderSize + kSegmentEntrySize * count);
-    size_t data = position + kMessageHeaderSize + kSegmentEntrySize * count;
+    writer.grow(MessageHeaderSize + SegmentEntrySize * count);
+    size_t data = position + MessageHeaderSize + SegmentEntrySize * count;
     for (size_t i = 0; i < count; ++i) {
         const SegmentSpan& segment = segments[i];
-        size_t entry = position + kMessageHeaderSize + kSegmentEntrySize * i;
+        size_t entry = position + MessageHeaderSize + SegmentEntrySize * i;
         int32_t type = segment::SendText;
         if (segment.SegmentKind == MessageSegment::VarKind) {
             prepareChecksum(*segment.Var, method_type::Send, method_type::Send, version, true);
@@ -120,7 +90,7 @@ void writeMessage(ByteWriter& writer, size_t& position, clsProtocolMessage& mess
             case segment::SendNumeric:
             case segment::Checksum:
                 copyRecord(writer, entry + 1, segment.Var->GetVarBinData(static_cast<int32_t>(entry + 1)),
-                           kInlineRecordSize);
+                           InlineRecordSize);
                 break;
             default:
                 break;
@@ -149,13 +119,13 @@ void readMessageNumberBlock(const ByteReader& reader, clsOperand& operand, int32
         case 37:
         case 35:
         case 38: {
-            operand.OperandAddress(reader.u16(kMessageNumberBlock + 4));
+            operand.OperandAddress(reader.u16(MessageNumberBlock + 4));
             if (operandType == 34 || operandType == 37) {
-                operand.OperandConstantValue(static_cast<int64_t>(reader.i32(kMessageNumberBlock)) * 10000);
+                operand.OperandConstantValue(static_cast<int64_t>(reader.i32(MessageNumberBlock)) * 10000);
             } else {
                 Bytes value(4);
                 for (size_t i = 0; i < value.size(); ++i)
-                    value[i] = reader.u8(static_cast<int64_t>(kMessageNumberBlock + i));
+                    value[i] = reader.u8(static_cast<int64_t>(MessageNumberBlock + i));
                 operand.OperandConstantValue(FourBytesToCurrency(value));
             }
             int32_t address = 0;
@@ -165,7 +135,7 @@ void readMessageNumberBlock(const ByteReader& reader, clsOperand& operand, int32
             break;
         }
         default:
-            loadMemoryLink(operand, operandType, reader.u16(kMessageNumberBlock), true);
+            loadMemoryLink(operand, operandType, reader.u16(MessageNumberBlock), true);
             break;
     }
 }
@@ -193,7 +163,7 @@ void readMessage(Bytes& image, const ByteReader& reader, int64_t offset, clsProt
     int32_t count = reader.u8(offset);
     MessageCanvas canvas(message);
     for (int32_t i = 0; i < count; ++i) {
-        int64_t entry = offset + static_cast<int64_t>(kMessageHeaderSize + kSegmentEntrySize * static_cast<size_t>(i));
+        int64_t entry = offset + static_cast<int64_t>(MessageHeaderSize + SegmentEntrySize * static_cast<size_t>(i));
         VarPtr field;
         switch (reader.u8(entry)) {
             case segment::SendText:
@@ -245,37 +215,37 @@ Bytes writeSendImage(clsProtocolSendSrv& set, bool clearHasValue) {
     // travels behind the last message.
     Bytes image;
     image.reserve(ImageReserve);
-    image.resize(kHeaderSize + 2 * static_cast<size_t>(count) + 1, 0);
+    image.resize(HeaderSize + 2 * static_cast<size_t>(count) + 1, 0);
     ByteWriter writer(image);
     writeMessageNumberBlock(writer, *set.OpMessageNumber());
     if (set.CopyBytesCount() >= 1) {
-        writeOperandLink(writer, kCopyDestinationType, kCopyDestinationAddress, *set.OpCopyDestination());
-        writeOperandLink(writer, kCopyWhenOnType, kCopyWhenOnAddress, *set.OpCopyWhenOn());
+        writeOperandLink(writer, CopyDestinationType, CopyDestinationAddress, *set.OpCopyDestination());
+        writeOperandLink(writer, CopyWhenOnType, CopyWhenOnAddress, *set.OpCopyWhenOn());
     }
-    writer.u8(kVersion, version);
-    writer.u8(kEndOfMessageType, set.SendETXLength() == 0 ? 0 : set.EndOfSendMessageType());
-    writer.u8(kSTXMask, asciiMask(set.SendSTXChars()));
-    writer.u8(kETXMask, asciiMask(set.SendETXChars()));
-    writeFrameValues(writer, kSTXValues, set.SendSTXChars());
-    writeFrameValues(writer, kETXValues, set.SendETXChars());
-    writer.u8(kSTXLength, set.SendSTXLength());
-    writer.u8(kETXLength, set.SendETXLength());
-    writer.u8(kMarker, 1);
+    writer.u8(Version, version);
+    writer.u8(EndOfMessageType, set.SendETXLength() == 0 ? 0 : set.EndOfSendMessageType());
+    writer.u8(STXMask, asciiMask(set.SendSTXChars()));
+    writer.u8(ETXMask, asciiMask(set.SendETXChars()));
+    writeFrameValues(writer, STXValues, set.SendSTXChars());
+    writeFrameValues(writer, ETXValues, set.SendETXChars());
+    writer.u8(STXLength, set.SendSTXLength());
+    writer.u8(ETXLength, set.SendETXLength());
+    writer.u8(Marker, 1);
 
     itfProtocolVar& checksum = *set.SendChecksum();
     prepareChecksum(checksum, method_type::Send, method_type::Send, version, false);
-    Bytes record = checksum.GetVarBinData(static_cast<int32_t>(kChecksumRecordIndex));
-    if (record.size() < 1 + kChecksumBytes) raiseError(err::SubscriptOutOfRange);
-    writer.copy(kChecksumFirstByte, record.data() + 1, kChecksumBytes);
+    Bytes record = checksum.GetVarBinData(static_cast<int32_t>(ChecksumRecordIndex));
+    if (record.size() < 1 + ChecksumBytes) raiseError(err::SubscriptOutOfRange);
+    writer.copy(ChecksumFirstByte, record.data() + 1, ChecksumBytes);
 
-    writer.u8(kCopyBytesCount, set.CopyBytesCount());
-    writer.u8(kMessageCount, count);
+    writer.u8(CopyBytesCount, set.CopyBytesCount());
+    writer.u8(MessageCount, count);
 
-    size_t position = kHeaderSize + 2 * static_cast<size_t>(count);
+    size_t position = HeaderSize + 2 * static_cast<size_t>(count);
     std::vector<SegmentSpan> segments;
     for (int32_t number = 1; number <= count; ++number) {
         alignEven(writer, position);
-        writer.u16(kHeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
+        writer.u16(HeaderSize + 2 * static_cast<size_t>(number - 1), static_cast<int64_t>(position));
         writeMessage(writer, position, *set.GetMessage(number), version, segments);
     }
     if (image.size() % 2 != 0) writer.grow(1);
@@ -287,46 +257,46 @@ void readSendImage(clsProtocolSendSrv& set, const Bytes& source) {
     Bytes image = source;
     ByteReader reader(image);
 
-    int32_t messageNumberType = reader.u8(kMessageNumberType);
+    int32_t messageNumberType = reader.u8(MessageNumberType);
     if (messageNumberType != 0) {
         clsOperand& operand = *set.OpMessageNumber();
         operand.OperandType(messageNumberType);
         readMessageNumberBlock(reader, operand, messageNumberType);
     }
 
-    set.CopyBytesCount(reader.u8(kCopyBytesCount));
+    set.CopyBytesCount(reader.u8(CopyBytesCount));
     if (set.CopyBytesCount() >= 1) {
-        loadMemoryLink(*set.OpCopyDestination(), reader.u8(kCopyDestinationType), reader.u16(kCopyDestinationAddress),
+        loadMemoryLink(*set.OpCopyDestination(), reader.u8(CopyDestinationType), reader.u16(CopyDestinationAddress),
                        false);
-        loadMemoryLink(*set.OpCopyWhenOn(), reader.u8(kCopyWhenOnType), reader.u16(kCopyWhenOnAddress), false);
+        loadMemoryLink(*set.OpCopyWhenOn(), reader.u8(CopyWhenOnType), reader.u16(CopyWhenOnAddress), false);
     }
 
-    int32_t version = reader.u8(kVersion);
+    int32_t version = reader.u8(Version);
     set.ImageVersion(version);
-    int32_t endOfMessage = reader.u8(kEndOfMessageType);
+    int32_t endOfMessage = reader.u8(EndOfMessageType);
     set.EndOfSendMessageType(endOfMessage == 0 ? 1 : endOfMessage);
 
     FrameChars stx = set.SendSTXChars();
     FrameChars etx = set.SendETXChars();
-    readFrame(reader, kSTXMask, kSTXValues, stx);
-    readFrame(reader, kETXMask, kETXValues, etx);
+    readFrame(reader, STXMask, STXValues, stx);
+    readFrame(reader, ETXMask, ETXValues, etx);
     for (int32_t i = 0; i < static_cast<int32_t>(stx.size()); ++i) {
         set.SetSendSTXValue(i, stx[static_cast<size_t>(i)].Value, stx[static_cast<size_t>(i)].ByAscii);
         set.SetSendETXValue(i, etx[static_cast<size_t>(i)].Value, etx[static_cast<size_t>(i)].ByAscii);
     }
-    set.SendSTXLength(reader.u8(kSTXLength));
-    set.SendETXLength(reader.u8(kETXLength));
+    set.SendSTXLength(reader.u8(STXLength));
+    set.SendETXLength(reader.u8(ETXLength));
 
     itfProtocolVar& checksum = *set.SendChecksum();
     prepareChecksum(checksum, method_type::Send, method_type::Send, version, false);
-    checksum.SetVarBinData(image, kChecksumReadIndex);
+    checksum.SetVarBinData(image, ChecksumReadIndex);
 
-    int32_t count = reader.u8(kMessageCount);
+    int32_t count = reader.u8(MessageCount);
     set.ResetMessages(std::max(count, 1));
     size_t textBudget = image.size();
     ScopedObjectArena fieldMemory;
     for (int32_t number = 1; number <= count; ++number) {
-        int64_t offset = reader.u16(static_cast<int64_t>(kHeaderSize) + 2 * (number - 1));
+        int64_t offset = reader.u16(static_cast<int64_t>(HeaderSize) + 2 * (number - 1));
         readMessage(image, reader, offset, *set.GetMessage(number), version, textBudget);
     }
 }

@@ -15,18 +15,17 @@ constexpr int32_t kMemoryType = 3;
 constexpr int32_t kMemoryMode = 1;
 
 // Offsets in a parameter.
-constexpr size_t kParamFlag = 0;
-constexpr size_t kParamValue = 2;
-constexpr uint8_t kConstantFlag = 1;
+constexpr size_t kParamFlag = eth::ParamFlagOffset;
+constexpr size_t kParamValue = eth::ParamValueOffset;
+constexpr uint8_t kConstantFlag = eth::ParamConstantFlag;
 
 // Offsets in a record.
-constexpr size_t kRecordUsed = 0;
-constexpr size_t kRecordIpAddress = 2;
-constexpr size_t kRecordPort = kRecordIpAddress + eth::AddressParamSize;
-constexpr size_t kRecordDescription = kRecordPort + eth::AddressParamSize;
-static_assert(kRecordDescription + eth::DescriptionLength == eth::AddressRecordSize);
+constexpr size_t kRecordUsed = eth::RecordUsedOffset;
+constexpr size_t kRecordIpAddress = eth::RecordIpAddressOffset;
+constexpr size_t kRecordPort = eth::RecordPortOffset;
+constexpr size_t kRecordDescription = eth::RecordDescriptionOffset;
 
-constexpr size_t kHeaderSize = 2;
+constexpr size_t kHeaderSize = eth::TableHeaderSize;
 constexpr uint8_t kBlank = 0x20;
 
 size_t recordOffset(size_t index) { return kHeaderSize + index * eth::AddressRecordSize; }

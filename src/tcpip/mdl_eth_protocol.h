@@ -34,6 +34,21 @@ inline constexpr uint8_t AddressTableVersion = 100;
 inline constexpr size_t AddressRecordSize = 26;
 inline constexpr size_t AddressParamSize = 6;
 inline constexpr size_t AddressTableSize = 2 + AddressCount * AddressRecordSize;  // 418
+// The table: the version byte, the record count, then the records.
+inline constexpr size_t TableVersionOffset = 0;
+inline constexpr size_t TableCountOffset = 1;
+inline constexpr size_t TableHeaderSize = 2;
+// Offsets in a record.
+inline constexpr size_t RecordUsedOffset = 0;
+inline constexpr size_t RecordIpAddressOffset = 2;
+inline constexpr size_t RecordPortOffset = RecordIpAddressOffset + AddressParamSize;
+inline constexpr size_t RecordDescriptionOffset = RecordPortOffset + AddressParamSize;
+static_assert(RecordDescriptionOffset + DescriptionLength == AddressRecordSize);
+// Offsets in a parameter: the flag (1 constant, 0 operand), then from byte 2
+// the constant's four bytes or the operand's address.
+inline constexpr size_t ParamFlagOffset = 0;
+inline constexpr size_t ParamValueOffset = 2;
+inline constexpr uint8_t ParamConstantFlag = 1;
 }  // namespace eth
 
 // Version 100, the record count, then one 26-byte record per address. An

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -15,6 +16,7 @@
 #include "project/project_file.h"
 #include "project/sha256.h"
 #include "support/scratch_files.h"
+#include "support/sqlite_files.h"
 #include "support/stored_link.h"
 
 namespace qx {
@@ -162,37 +164,69 @@ TEST_F(QxfbProjectTest, BundleWritesTheImagesInstancesAndTheFamilysRuntimeFiles)
         << manifest;
     EXPECT_NE(manifest.find("\"Name\": \"Sc\xC3\xA4le\"}"), std::string::npos);
 
+    const std::string runtimeFolder =
+        (fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT/").lexically_normal().string();
+    EXPECT_NE(manifest.find("\n  \"runtimeFolder\": \"" + runtimeFolder + "\",\n"), std::string::npos) << manifest;
+
     const std::vector<std::string> lines = run1.lines();
-    ASSERT_EQ(lines.size(), 11u) << run1.out;
+    ASSERT_EQ(lines.size(), 12u) << run1.out;
     EXPECT_EQ(lines[0], "Project: " + projectFile.string());
-    EXPECT_EQ(lines[3],
+    EXPECT_EQ(lines[2], "Application folder: " + (fs::path(paths::sourceTree()) / "runtime/bin").string() +
+                            " (the component's own)");
+    EXPECT_EQ(lines[3], "Runtime folder: " + runtimeFolder);
+    EXPECT_EQ(lines[4],
               "  operations/net001_op001_170101.bin  2 bytes  "
               "99be5efb88ca2013bd8e4eb035fd42d5245468fe9afa70d8ba9c1c419a48c4e8");
-    EXPECT_EQ(lines[7], "  runtime/170100V100.FBs  " + std::to_string(fbs.size()) + " bytes  " + sha256Of(fbs));
-    EXPECT_EQ(lines[9], "  manifest.json  " + std::to_string(manifest.size()) + " bytes  " + sha256Of(manifest));
-    EXPECT_EQ(lines[10], "Bundle: 7 files in " + bundle.string());
+    EXPECT_EQ(lines[8], "  runtime/170100V100.FBs  " + std::to_string(fbs.size()) + " bytes  " + sha256Of(fbs));
+    EXPECT_EQ(lines[10], "  manifest.json  " + std::to_string(manifest.size()) + " bytes  " + sha256Of(manifest));
+    EXPECT_EQ(lines[11], "Bundle: 7 files in " + bundle.string());
 }
 
-TEST_F(QxfbProjectTest, BundleReadsTheRuntimeFilesFromTheProjectsAppFolderUnlessTold) {
-    Project project = sampleProject();
-    project.Settings.AppFolder = fromUtf8((folder / "nowhere" / "bin").string());
-    saveProject(projectFile.string(), project);
-    const CliRun fails =
-        run("project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()));
-    EXPECT_EQ(fails.status, 1);
-    EXPECT_NE(fails.out.find("Application folder: " + (folder / "nowhere" / "bin").string() + "\n"), std::string::npos);
-    EXPECT_NE(fails.err.find("qxfb: the runtime files of family 170100, version 100 cannot be read"), std::string::npos)
-        << fails.err;
-    EXPECT_TRUE(!fs::exists(bundle) || fs::is_empty(bundle));
-    EXPECT_FALSE(fs::exists(bundle / "manifest.json"));
+// The last line of a program's errors: the component echoes its own reports before it.
+std::string lastLineOf(const std::string& text) {
+    std::string trimmed = text;
+    if (!trimmed.empty() && trimmed.back() == '\n') trimmed.pop_back();
+    const size_t newline = trimmed.rfind('\n');
+    return newline == std::string::npos ? trimmed : trimmed.substr(newline + 1);
+}
 
-    const std::string appFolder = (fs::path(paths::sourceTree()) / "runtime/bin").string();
-    fs::remove_all(bundle);
-    const CliRun told = run("project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()) +
-                            " --app-folder " + shellQuoted(appFolder));
-    ASSERT_EQ(told.status, 0) << told.err;
-    EXPECT_NE(told.out.find("Application folder: " + appFolder + "\n"), std::string::npos);
+TEST_F(QxfbProjectTest, BundleTakesTheComponentsRuntimeFolderUnlessToldToTakeTheProjects) {
+    Project project = sampleProject();
+    const fs::path nowhere = folder / "nowhere" / "bin";
+    project.Settings.AppFolder = fromUtf8(nowhere.string());
+    saveProject(projectFile.string(), project);
+    const std::string arguments =
+        "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string());
+    const CliRun own = run(arguments);
+    ASSERT_EQ(own.status, 0) << own.err;
+    const std::string componentFolder = (fs::path(paths::sourceTree()) / "runtime/bin").string();
+    EXPECT_NE(own.out.find("Application folder: " + componentFolder +
+                           " (the component's own)\n"
+                           "  The project names the application folder " +
+                           nowhere.string() + "; --app-folder-from-project uses it\n"),
+              std::string::npos)
+        << own.out;
     EXPECT_TRUE(fs::exists(bundle / "manifest.json"));
+
+    fs::remove_all(bundle);
+    const CliRun fromProject = run(arguments + " --app-folder-from-project");
+    EXPECT_EQ(fromProject.status, 1);
+    EXPECT_NE(fromProject.out.find("Application folder: " + nowhere.string() +
+                                   " (the project's, with --app-folder-from-project)\n"),
+              std::string::npos)
+        << fromProject.out;
+    EXPECT_EQ(lastLineOf(fromProject.err), "qxfb: the runtime files of family 170100, version 100 cannot be read: \"" +
+                                               (folder / "nowhere/FB_Lib/RT/170100.ini").string() +
+                                               "\" does not exist (run-time error 13: Type mismatch)");
+    EXPECT_FALSE(fs::exists(bundle));
+
+    const fs::path given = folder / "given" / "bin";
+    const CliRun told = run(arguments + " --app-folder " + shellQuoted(componentFolder));
+    ASSERT_EQ(told.status, 0) << told.err;
+    EXPECT_NE(told.out.find("Application folder: " + componentFolder + " (given with --app-folder)\n"),
+              std::string::npos);
+    EXPECT_EQ(run(arguments + " --app-folder x --app-folder-from-project").status, 2);
+    EXPECT_EQ(run("project info " + shellQuoted(projectFile.string()) + " --app-folder-from-project").status, 2);
 }
 
 TEST_F(QxfbProjectTest, BundleRefusesAFolderThatIsNotEmpty) {
@@ -242,6 +276,149 @@ TEST_F(QxfbProjectTest, HelpExplainsTheProjectCommands) {
                                  "[--app-folder DIR]",
                                  "manifest.json", "Bundle: N files in DIR"})
         EXPECT_NE(help.out.find(expected), std::string::npos) << expected;
+}
+
+TEST_F(QxfbProjectTest, InfoShowsControlCharactersEscapedAndBytesThatAreNotUtf8AsHex) {
+    Project project;
+    project.Nets = {LadderNet{fromUtf8("red \x1b[31mALARM\x1b[0m\r\n\x07 \xe2\x80\xa8 \xc2\x9b x\\y"), {}}};
+    project.Instances = {{170100, 1, L"M" + fromUtf8("\xFC") + L"ller" + std::wstring(1, L'\0') + L"z\u202e", {}}};
+    saveProject(projectFile.string(), project);
+    const CliRun info = run("project info " + shellQuoted(projectFile.string()));
+    ASSERT_EQ(info.status, 0) << info.err;
+    const std::vector<std::string> lines = info.lines();
+    ASSERT_EQ(lines.size(), 9u) << info.out;
+    EXPECT_EQ(lines[3], "Net 1: red \\e[31mALARM\\e[0m\\r\\n\\x07 \\u2028 \\u009b x\\\\y");
+    EXPECT_EQ(lines[6], "  FatherID 170100  InstanceNum 1  M\\xfcller\\x00z\\u202e  Data 0 bytes");
+    for (char c : info.out) EXPECT_TRUE(c == '\n' || static_cast<uint8_t>(c) >= 0x20) << int(c);
+}
+
+TEST_F(QxfbProjectTest, ErrorsShowNamesFromTheFileEscaped) {
+    test::runSql(projectFile, "CREATE VIEW \"v\x1b]0;owned\x07\" AS SELECT 1;");
+    const CliRun info = run("project info " + shellQuoted(projectFile.string()));
+    EXPECT_EQ(info.status, 1);
+    EXPECT_EQ(info.err, "qxfb: project file \"" + projectFile.string() +
+                            "\": is not a project file of this program (the view v\\e]0;owned\\x07 is not of a "
+                            "project)\n");
+}
+
+// Runs qxfb with its standard output going to target, a device.
+CliRun runInto(const std::string& program, const std::string& arguments, const fs::path& scratch,
+               const std::string& target) {
+    const fs::path err = scratch / "stderr";
+    const std::string command = "timeout 60 " + shellQuoted(program) + " " + arguments + " </dev/null >" + target +
+                                " 2>" + shellQuoted(err.string());
+    CliRun result;
+    const int raw = std::system(command.c_str());
+    result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    result.err = readFile(err);
+    return result;
+}
+
+TEST_F(QxfbProjectTest, AFailedWriteToStandardOutputFailsTheCommand) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+    const CliRun info = runInto(program, "project info " + shellQuoted(projectFile.string()), folder, "/dev/full");
+    EXPECT_EQ(info.status, 1);
+    EXPECT_EQ(info.err, "qxfb: standard output cannot be written (No space left on device)\n");
+    const CliRun bundled =
+        runInto(program, "project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()),
+                folder, "/dev/full");
+    EXPECT_EQ(bundled.status, 1);
+    EXPECT_EQ(bundled.err, "qxfb: standard output cannot be written (No space left on device)\n");
+    EXPECT_EQ(runInto(program, "--help", folder, "/dev/full").status, 1);
+    EXPECT_EQ(runInto(program, "project info " + shellQuoted(projectFile.string()), folder, "/dev/null").status, 0);
+}
+
+TEST_F(QxfbProjectTest, InfoOfAFileColonNameShowsThatFileAndNotTheDecoy) {
+    Project named;
+    named.Nets = {LadderNet{L"the file named", {}}};
+    saveProject((folder / "file:plant.qxfbproj").string(), named);
+    const CliRun info = test::runCli(program, "project info file:plant.qxfbproj", folder, "", folder);
+    ASSERT_EQ(info.status, 0) << info.err;
+    EXPECT_EQ(info.lines()[3], "Net 1: the file named");
+}
+
+TEST_F(QxfbProjectTest, AHostileSchemaIsRefusedAtOnceByInfoAndBundle) {
+    test::runSql(
+        projectFile,
+        "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 3009)"
+        " INSERT INTO instances SELECT 170100, i, 'x', x'00' FROM n;"
+        "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = replace(sql, 'data BLOB NOT NULL',"
+        " 'data BLOB NOT NULL CHECK(length(hex(zeroblob(20000000 + length(data)))) > 0)') WHERE name = 'instances';");
+    const std::string refused = "qxfb: project file \"" + projectFile.string() +
+                                "\": is not a project file of this program (the table instances is not the one this "
+                                "program writes)\n";
+    const auto start = std::chrono::steady_clock::now();
+    const CliRun info = run("project info " + shellQuoted(projectFile.string()));
+    EXPECT_EQ(info.status, 1);
+    EXPECT_EQ(info.err, refused);
+    const CliRun bundled =
+        run("project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()));
+    EXPECT_EQ(bundled.status, 1);
+    EXPECT_EQ(bundled.err, refused);
+    EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 5.0);
+    EXPECT_FALSE(fs::exists(bundle));
+}
+
+TEST_F(QxfbProjectTest, InstancesWithoutTheirKeyAreRefusedAndNoBundleIsStarted) {
+    test::runSql(projectFile,
+                 "CREATE TABLE copy AS SELECT * FROM instances; DROP TABLE instances;"
+                 "CREATE TABLE instances(father_id INTEGER NOT NULL, instance_num INTEGER NOT NULL, name TEXT NOT NULL,"
+                 " data BLOB NOT NULL) STRICT;"
+                 "INSERT INTO instances SELECT * FROM copy; INSERT INTO instances SELECT * FROM copy;"
+                 "DROP TABLE copy;");
+    const std::string refused = "qxfb: project file \"" + projectFile.string() +
+                                "\": is not a project file of this program (the table instances is not the one this "
+                                "program writes)\n";
+    const CliRun info = run("project info " + shellQuoted(projectFile.string()));
+    EXPECT_EQ(info.status, 1);
+    EXPECT_EQ(info.out, "");
+    EXPECT_EQ(info.err, refused);
+    const CliRun bundled =
+        run("project bundle " + shellQuoted(projectFile.string()) + " " + shellQuoted(bundle.string()));
+    EXPECT_EQ(bundled.status, 1);
+    EXPECT_EQ(bundled.err, refused);
+    EXPECT_FALSE(fs::exists(bundle));
+}
+
+TEST_F(QxfbProjectTest, ARuntimeFileThatCannotBeReadIsNamedWithFamilyVersionAndCause) {
+    const fs::path app = folder / "app";
+    const fs::path rt = app / "FB_Lib" / "RT";
+    fs::create_directories(app / "bin");
+    fs::create_directories(rt);
+    fs::copy(fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT", rt);
+    const std::string arguments = "project bundle " + shellQuoted(projectFile.string()) + " " +
+                                  shellQuoted(bundle.string()) + " --app-folder " + shellQuoted((app / "bin").string());
+    const std::string family = "qxfb: the runtime files of family 170100, version 100 cannot be read: \"";
+
+    test::writeFile(rt / "170100V100.FBs", "");
+    CliRun failed = run(arguments);
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(lastLineOf(failed.err),
+              family + (rt / "170100V100.FBs").string() + "\" is empty (run-time error 9: Subscript out of range)");
+
+    fs::remove(rt / "170100V100.FBs");
+    fs::create_directory(rt / "170100V100.FBs");
+    failed = run(arguments);
+    EXPECT_EQ(lastLineOf(failed.err), family + (rt / "170100V100.FBs").string() +
+                                          "\" is not a regular file (run-time error 75: Path/File access error)");
+
+    fs::remove(rt / "170100V100.FBs");
+    fs::copy_file(fs::path(paths::sourceTree()) / "runtime/FB_Lib/RT/170100V100.FBs", rt / "170100V100.FBs");
+    std::string ini = readFile(rt / "170100.ini");
+    ini.replace(ini.find("MinBiosVersion=310"), 18, "MinBiosVersion=3x0");
+    test::writeFile(rt / "170100.ini", ini);
+    failed = run(arguments);
+    EXPECT_EQ(lastLineOf(failed.err), family + (rt / "170100.ini").string() +
+                                          "\" holds a value that is no number for version 100 (run-time error 13: Type "
+                                          "mismatch)");
+
+    ini.replace(ini.find("Version100_MinBiosVersion=3x0"), 29, "");
+    test::writeFile(rt / "170100.ini", ini);
+    failed = run(arguments);
+    EXPECT_EQ(lastLineOf(failed.err),
+              family + (rt / "170100.ini").string() +
+                  "\" has no value for Version100_MinBiosVersion (run-time error 13: Type mismatch)");
+    EXPECT_FALSE(fs::exists(bundle));
 }
 
 }  // namespace

@@ -17,15 +17,14 @@ namespace {
 namespace fs = std::filesystem;
 
 // Longest prefix first where one folder lies inside another.
-const std::vector<std::pair<std::string, int>> layers =
-    {
-        {"platform/basics/", 0},    // errors, variants, collections, byte cursors, text conversion
-        {"platform/host/", 1},      // the host's interface declarations and its stand-ins
-        {"platform/controls/", 1},  // control models and the modal driver
-        {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5}, {"tcpip/", 5},
-        {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"qt/", 7},     {"project/", 7},
-        {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
-        {"textform/", 5},       // the JSON text form of message sets, over the sets
+const std::vector<std::pair<std::string, int>> layers = {
+    {"platform/basics/", 0},    // errors, variants, collections, byte cursors, text conversion
+    {"platform/host/", 1},      // the host's interface declarations and its stand-ins
+    {"platform/controls/", 1},  // control models and the modal driver
+    {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5},  {"tcpip/", 5},
+    {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"inspect/", 6}, {"qt/", 7},
+    {"project/", 7},           {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
+    {"textform/", 5},  // the JSON text form of message sets, over the sets
 };
 
 int layerOf(const std::string& path) {

@@ -1,16 +1,20 @@
 #include "project/download_bundle.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "project/child_process.h"
 #include "project/project_file.h"
 #include "project/sha256.h"
 #include "support/scratch_files.h"
@@ -81,6 +85,14 @@ const char* const SampleManifest = R"({
   ]
 }
 )";
+
+// The names in a folder, sorted.
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
 
 class DownloadBundleTest : public ::testing::Test {
 protected:
@@ -155,6 +167,17 @@ TEST_F(DownloadBundleTest, AMissingFolderIsMadeWithItsParents) {
     EXPECT_EQ(readFile(deep / "manifest.json"), SampleManifest);
 }
 
+TEST_F(DownloadBundleTest, AFolderNamedWithASlashAtItsEndIsThatFolder) {
+    writeDownloadBundle(sampleProject(), folder.string() + "/", runtime.function());
+    EXPECT_EQ(readFile(folder / "manifest.json"), SampleManifest);
+    EXPECT_EQ(namesIn(scratch.path()), std::vector<std::string>{"bundle"});
+    const fs::path other = scratch.path() / "other";
+    fs::create_directory(other);
+    writeDownloadBundle(sampleProject(), (other / "." / "").string(), runtime.function());
+    EXPECT_EQ(readFile(other / "manifest.json"), SampleManifest);
+    EXPECT_EQ(namesIn(scratch.path()), (std::vector<std::string>{"bundle", "other"}));
+}
+
 TEST_F(DownloadBundleTest, AnEmptyExistingFolderIsUsed) {
     fs::create_directories(folder);
     writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
@@ -203,8 +226,8 @@ TEST(JsonStringTest, EscapesQuotesBackslashesAndControlsAndKeepsLettersAsUtf8) {
     EXPECT_EQ(jsonString(L"a\"b\\c/d"), "\"a\\\"b\\\\c/d\"");
     EXPECT_EQ(jsonString(L"\n\r\t\x1f\x7f"), "\"\\n\\r\\t\\u001f\x7f\"");
     EXPECT_EQ(jsonString(L"\u00e9\U0001F600"), "\"\xC3\xA9\xF0\x9F\x98\x80\"");
-    // A byte of a file name that was not UTF-8 has no UTF-8 form of its own.
-    EXPECT_EQ(jsonString(fromUtf8("x\xFFy")), "\"x\\udcffy\"");
+    // A byte of a name that was not UTF-8 has no UTF-8 form of its own.
+    EXPECT_EQ(jsonString(fromUtf8("x\xFFy")), "\"x\xEF\xBF\xBDy\"");
 }
 
 TEST_F(DownloadBundleTest, AnEmptyProjectGivesAnEmptyManifestOnly) {
@@ -215,41 +238,201 @@ TEST_F(DownloadBundleTest, AnEmptyProjectGivesAnEmptyManifestOnly) {
     EXPECT_TRUE(runtime.calls.empty());
 }
 
-TEST_F(DownloadBundleTest, AFamilyThatFailsLeavesTheFolderEmpty) {
+TEST_F(DownloadBundleTest, AFamilyThatFailsLeavesNothingBehind) {
+    const fs::path deep = scratch.path() / "a" / "bundle";
     const RuntimeError e = test::raisedError([&] {
-        writeDownloadBundle(sampleProject(), folder.string(), [](int32_t, int32_t) -> FBHexFileDetails {
+        writeDownloadBundle(sampleProject(), deep.string(), [](int32_t, int32_t) -> FBHexFileDetails {
             throw RuntimeError(err::FileNotFound, L"test", L"no runtime files");
         });
     });
     EXPECT_EQ(e.Number(), err::FileNotFound);
-    EXPECT_TRUE(fs::is_directory(folder));
-    EXPECT_TRUE(fs::is_empty(folder));
+    EXPECT_FALSE(fs::exists(scratch.path() / "a"));
+    EXPECT_TRUE(fs::is_empty(scratch.path()));
 }
 
-TEST_F(DownloadBundleTest, AFileThatCannotBeWrittenIsNamedWithTheCause) {
-    // Something takes the name of the operations folder while the runtime
-    // files are read.
-    const RuntimeFilesOf sneaky = [&](int32_t fatherId, int32_t version) {
-        if (!fs::exists(folder / "operations")) writeFile(folder / "operations", "in the way");
-        return runtime.function()(fatherId, version);
-    };
-    const RuntimeError e = test::raisedError([&] { writeDownloadBundle(sampleProject(), folder.string(), sneaky); });
-    EXPECT_EQ(e.Number(), err::PathFileAccessError);
-    EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "operations/net001_op001_170101.bin").string() +
-                                           "\": cannot be written (Not a directory)");
-    EXPECT_FALSE(fs::exists(folder / "manifest.json"));
-    EXPECT_EQ(readFile(folder / "operations"), "in the way");
+TEST_F(DownloadBundleTest, AFileThatCannotBeWrittenIsNamedWithTheCauseAndNothingStays) {
+    // Files of at most 3 bytes: the second image, of 5 bytes, fails.
+    const std::string answer = test::inChild([&] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{3, 3};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+        return std::string("written");
+    });
+    EXPECT_EQ(answer, "RuntimeError 75: bundle file \"" + (folder / "operations/net001_op002_170103.bin").string() +
+                          "\": cannot be written (File too large)");
+    EXPECT_TRUE(fs::is_empty(scratch.path()));
 }
 
-TEST_F(DownloadBundleTest, AFileAlreadyThereIsNeverOverwritten) {
+TEST_F(DownloadBundleTest, AKeyTwiceIsNamedBeforeAnythingIsWritten) {
     Project project = sampleProject();
     project.Instances.push_back(project.Instances[0]);  // the same family and number twice
     const RuntimeError e =
         test::raisedError([&] { writeDownloadBundle(project, folder.string(), runtime.function()); });
-    EXPECT_EQ(toUtf8(e.Description()), "bundle file \"" + (folder / "instances/170100_0001.bin").string() +
-                                           "\": cannot be written (File exists)");
-    EXPECT_EQ(readFile(folder / "instances/170100_0001.bin"), "\x10\x20\x30");
-    EXPECT_FALSE(fs::exists(folder / "manifest.json"));
+    EXPECT_EQ(e.Number(), err::InvalidProcedureCall);
+    EXPECT_EQ(toUtf8(e.Description()), "the project holds the instance 170100/1 twice; its bundle is not written");
+    EXPECT_TRUE(runtime.calls.empty());
+    EXPECT_FALSE(fs::exists(folder));
+}
+
+// One of two projects with files of other names, so that two bundles of them
+// would not clash on any name but the manifest's.
+Project racer(int which) {
+    Project project;
+    project.Nets = {LadderNet{L"", {operation(which ? 170103 : 170101, 1, Bytes(3000, static_cast<uint8_t>(which)))}}};
+    for (int32_t i = 1; i <= 20; ++i)
+        project.Instances.push_back({which ? 170200 : 170100, i, L"", Bytes(500, static_cast<uint8_t>(i))});
+    return project;
+}
+
+TEST_F(DownloadBundleTest, OfTwoProcessesRacingIntoOneFolderOneWinsWholeAndTheOtherFails) {
+    for (int round = 0; round < 40; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        const fs::path target = scratch.path() / ("race" + std::to_string(round));
+        if (round % 2) fs::create_directory(target);  // an empty folder there, or none
+        int start[2];
+        ASSERT_EQ(::pipe(start), 0);
+        int answers[2][2];
+        pid_t children[2];
+        for (int which = 0; which < 2; ++which) {
+            ASSERT_EQ(::pipe(answers[which]), 0);
+            children[which] = ::fork();
+            if (children[which] == 0) {
+                ::close(start[1]);
+                char go;
+                // Both start when the parent closes the pipe.
+                [[maybe_unused]] const ssize_t ignored = ::read(start[0], &go, 1);
+                std::string answer = "written";
+                try {
+                    writeDownloadBundle(racer(which), target.string(), FakeRuntime().function());
+                } catch (const RuntimeError& e) {
+                    answer = toUtf8(e.Description());
+                }
+                [[maybe_unused]] const ssize_t sent = ::write(answers[which][1], answer.data(), answer.size());
+                ::_exit(0);
+            }
+            ::close(answers[which][1]);
+        }
+        ::close(start[0]);
+        ::close(start[1]);
+        std::string said[2];
+        for (int which = 0; which < 2; ++which) {
+            char buffer[1024];
+            for (ssize_t n; (n = ::read(answers[which][0], buffer, sizeof buffer)) > 0;)
+                said[which].append(buffer, static_cast<size_t>(n));
+            ::close(answers[which][0]);
+            int status = 0;
+            ::waitpid(children[which], &status, 0);
+        }
+        const int winner = said[0] == "written" ? 0 : 1;
+        EXPECT_EQ(said[winner], "written");
+        const std::string lost = said[1 - winner];
+        EXPECT_TRUE(lost == "bundle folder \"" + target.string() + "\" is not empty" ||
+                    lost == "bundle folder \"" + target.string() +
+                                "\" was filled by another writer while this bundle was written; this one is not kept")
+            << lost;
+        // The folder holds the winner's files and nothing else.
+        const fs::path other = scratch.path() / ("alone" + std::to_string(round));
+        writeDownloadBundle(racer(winner), other.string(), FakeRuntime().function());
+        EXPECT_EQ(readFile(target / "manifest.json"), readFile(other / "manifest.json"));
+        EXPECT_EQ(namesIn(target / "instances"), namesIn(other / "instances"));
+        EXPECT_EQ(namesIn(target / "operations"), namesIn(other / "operations"));
+        fs::remove_all(other);
+    }
+    // No folder of a loser is left beside the targets.
+    for (const std::string& name : namesIn(scratch.path())) EXPECT_EQ(name.rfind("race", 0), 0u) << name;
+}
+
+TEST_F(DownloadBundleTest, ADanglingSymbolicLinkIsNamedAsSuch) {
+    fs::create_symlink(scratch.path() / "gone", folder);
+    const RuntimeError e =
+        test::raisedError([&] { writeDownloadBundle(sampleProject(), folder.string(), runtime.function()); });
+    EXPECT_EQ(e.Number(), err::PathFileAccessError);
+    EXPECT_EQ(toUtf8(e.Description()), "bundle folder \"" + folder.string() + "\" is a symbolic link to \"" +
+                                           (scratch.path() / "gone").string() + "\", which does not exist");
+    EXPECT_FALSE(fs::exists(scratch.path() / "gone"));
+}
+
+TEST_F(DownloadBundleTest, ASymbolicLinkToAnEmptyFolderGetsTheBundleInThatFolder) {
+    fs::create_directory(scratch.path() / "real");
+    fs::create_symlink(scratch.path() / "real", folder);
+    writeDownloadBundle(sampleProject(), folder.string(), runtime.function());
+    EXPECT_TRUE(fs::is_symlink(folder));
+    EXPECT_EQ(readFile(scratch.path() / "real" / "manifest.json"), SampleManifest);
+}
+
+TEST_F(DownloadBundleTest, AParentThatCannotBeMadeIsNamedWithTheCause) {
+    const fs::path deep = scratch.path() / "locked" / "sub" / "bundle";
+    fs::create_directory(scratch.path() / "locked");
+    const test::ReadOnlyFolder readOnly(scratch.path() / "locked");
+    const std::string answer = test::inChild([&] {
+        if (std::string cannot = test::becomeNobody(); !cannot.empty()) return cannot;
+        writeDownloadBundle(sampleProject(), deep.string(), FakeRuntime().function());
+        return std::string("written");
+    });
+    if (answer.rfind(test::ChildCannot, 0) == 0) GTEST_SKIP() << answer;
+    EXPECT_EQ(answer, "RuntimeError 70: bundle folder \"" + deep.string() + "\" cannot be created: its parent \"" +
+                          (scratch.path() / "locked" / "sub").string() + "\" cannot be made (Permission denied)");
+    EXPECT_FALSE(fs::exists(scratch.path() / "locked" / "sub"));
+}
+
+TEST_F(DownloadBundleTest, AReadOnlyFileSystemIsNamedAsTheCause) {
+    const fs::path mount = scratch.path() / "mnt";
+    fs::create_directory(mount);
+    const std::string answer = test::inChild([&] {
+        if (std::string cannot = test::mountPrivateTmpfs(mount.string(), MS_RDONLY, "size=1m"); !cannot.empty())
+            return cannot;
+        writeDownloadBundle(sampleProject(), (mount / "bundle").string(), FakeRuntime().function());
+        return std::string("written");
+    });
+    if (answer.rfind(test::ChildCannot, 0) == 0) GTEST_SKIP() << answer;
+    EXPECT_EQ(answer, "RuntimeError 70: bundle folder \"" + (mount / "bundle").string() + "\" cannot be created in \"" +
+                          mount.string() + "\" (Read-only file system)");
+}
+
+TEST_F(DownloadBundleTest, NoInodeLeftIsNamedAsTheCauseAndNothingStays) {
+    const fs::path mount = scratch.path() / "mnt";
+    fs::create_directory(mount);
+    const std::string answer = test::inChild([&] {
+        // The root, the work folder, the operations folder and two files.
+        if (std::string cannot = test::mountPrivateTmpfs(mount.string(), 0, "size=1m,nr_inodes=5"); !cannot.empty())
+            return cannot;
+        std::string result = "written";
+        try {
+            writeDownloadBundle(sampleProject(), (mount / "bundle").string(), FakeRuntime().function());
+        } catch (const RuntimeError& e) {
+            result = "RuntimeError " + std::to_string(e.Number()) + ": " + toUtf8(e.Description());
+        }
+        return result + (fs::is_empty(mount) ? "; nothing stays" : "; something stays");
+    });
+    if (answer.rfind(test::ChildCannot, 0) == 0) GTEST_SKIP() << answer;
+    EXPECT_EQ(answer, "RuntimeError 61: bundle file \"" +
+                          (mount / "bundle/operations/net002_op001_170105.bin").string() +
+                          "\": cannot be created (No space left on device); nothing stays");
+}
+
+TEST_F(DownloadBundleTest, TheRuntimeFolderIsRecordedInTheManifest) {
+    writeDownloadBundle(sampleProject(), folder.string(), runtime.function(), L"/opt/rungs/FB_Lib/RT/");
+    const std::string manifest = readFile(folder / "manifest.json");
+    const std::string opening =
+        "{\n  \"format\": \"QxFBCom2 download bundle\",\n  \"version\": 1,\n  \"runtimeFolder\": "
+        "\"/opt/rungs/FB_Lib/RT/\",\n  \"files\": [\n";
+    EXPECT_EQ(manifest.substr(0, opening.size()), opening);
+    const nlohmann::json parsed = nlohmann::json::parse(manifest);
+    EXPECT_EQ(parsed["runtimeFolder"], "/opt/rungs/FB_Lib/RT/");
+    EXPECT_EQ(parsed["files"].size(), 10u);  // every file but the manifest
+}
+
+TEST_F(DownloadBundleTest, ANameThatIsNotUtf8GivesValidUtf8Json) {
+    Project project;
+    project.Instances = {{170100, 7, fromUtf8("M\xFCller \xE2\x82"), {}}};
+    writeDownloadBundle(project, folder.string(), runtime.function());
+    const std::string manifest = readFile(folder / "manifest.json");
+    EXPECT_EQ(manifest.find("\\udc"), std::string::npos) << manifest;
+    EXPECT_NE(manifest.find("\"Name\": \"M\xEF\xBF\xBDller \xEF\xBF\xBD\xEF\xBF\xBD\"}"), std::string::npos)
+        << manifest;
+    const nlohmann::json parsed = nlohmann::json::parse(manifest);  // throws on invalid UTF-8
+    EXPECT_EQ(parsed["files"][0]["Name"], "M\xEF\xBF\xBDller \xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 }  // namespace

@@ -169,7 +169,10 @@ TEST_F(QtConfigDialogTest, AnErrorWhileTheDialogLoadsComesOutOfShowModalAndLeave
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     // The driver has forgotten the window: a message box opens over nothing freed.
     test::onModal(QString(), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
-    EXPECT_EQ(driver.AnswerMessage({.Number = 1, .Text = L"Done."}), 1);
+    ShownMessage done;
+    done.Number = 1;
+    done.Text = L"Done.";
+    EXPECT_EQ(driver.AnswerMessage(done), 1);
 }
 
 TEST_F(QtConfigDialogTest, AnErrorOfAKeyEndsTheDialogAndComesOutOfShowModal) {

@@ -170,7 +170,10 @@ TEST_F(WorkbenchTest, AProjectKeepsNoApplicationFolderOfItsOwnUnlessGivenOne) {
     EXPECT_TRUE(host->ToProject().Settings.AppFolder.empty());
     Project elsewhere;
     elsewhere.Settings.AppFolder = L"/opt/plant/bin";
+    // Not taken unless the caller says so.
     ASSERT_TRUE(host->Open(elsewhere).empty());
+    EXPECT_EQ(host->Context().AppFolder, host->ComponentAppFolder());
+    ASSERT_TRUE(host->Open(elsewhere, true).empty());
     EXPECT_EQ(host->Context().AppFolder, L"/opt/plant/bin");
     EXPECT_EQ(host->ToProject().Settings.AppFolder, L"/opt/plant/bin");
     // The next project without one is back on the component's own.
