@@ -46,6 +46,7 @@
 #include "serial/frm_protocol_copy_bytes.h"
 #include "tcpip/frm_eth_address_param.h"
 #include "tcpip/frm_eth_protocol_config.h"
+#include "textform_commands.h"
 
 namespace {
 
@@ -807,11 +808,14 @@ int main(int argc, char** argv) {
             // The model's commands stand before the options.
             const std::string text = helpText;
             const size_t options = text.find("\nOptions:");
-            std::cout << text.substr(0, options) << cli::modelCommandsHelp << text.substr(options);
+            std::cout << text.substr(0, options) << cli::modelCommandsHelp << cli::textFormCommandsHelp
+                      << text.substr(options);
             return checkedOutput(0);
         }
         if (i == 0 && cli::isModelCommand(arg))
             return checkedOutput(cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
+        if (i == 0 && cli::isTextFormCommand(arg))
+            return checkedOutput(cli::runTextFormCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
         if (arg == "--app-folder-from-project") {
             options.appFolderFromProject = true;
         } else if (arg == "--component" || arg == "--app-folder") {

@@ -1,0 +1,201 @@
+#include "textform_commands.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <optional>
+
+#include "platform/basics/ansi.h"
+#include "platform/basics/runtime_error.h"
+#include "platform/host/host_context.h"
+#include "sets/scan_set.h"
+#include "sets/send_set.h"
+#include "textform/text_form.h"
+
+namespace qx::cli {
+
+const char* const textFormCommandsHelp =
+    R"(  qxfb export IMAGE [--kind send|scan]
+      Writes the text form of a Send or Scan image to standard output: JSON
+      of the format "qxfbcom2-message-set" version 1, whose schema is
+      share/QxFBCom2/schema/qxfbcom2-message-set.v1.schema.json. Without
+      --kind the image is read as a Send and as a Scan image, and the one
+      that gives the same image back is taken. The extended operands are on
+      when the image's version byte is 1.
+  qxfb import JSON -o IMAGE
+      Writes the image of a text form (a Send or Scan set, as its "kind"
+      says) to IMAGE. An invalid text is reported with its line and column.
+)";
+
+namespace {
+
+// An image of 16-bit offsets is below 64 KB; a text form of one is far
+// below 16 MB.
+constexpr uintmax_t MaxImageBytes = 65536;
+constexpr uintmax_t MaxTextBytes = uintmax_t{16} << 20;
+
+// Where each image keeps its version byte.
+constexpr size_t SendVersionOffset = 24;
+constexpr size_t ScanVersionOffset = 3;
+
+int usage(const std::string& message) {
+    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
+    return 2;
+}
+
+int failure(const std::string& message) {
+    std::cerr << "qxfb: " << message << "\n";
+    return 1;
+}
+
+std::optional<std::string> readFile(const std::string& path, uintmax_t limit, std::string& error) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        error = "cannot read " + path + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        error = "cannot read " + path + ": not a regular file";
+        return std::nullopt;
+    }
+    if (static_cast<uintmax_t>(info.st_size) > limit) {
+        error = "cannot read " + path + ": " + std::to_string(info.st_size) + " bytes, more than the " +
+                std::to_string(limit) + " this command reads";
+        return std::nullopt;
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in.good() && !in.eof()) {
+        error = "cannot read " + path + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+bool isConstantType(uint8_t type) { return type == 34 || type == 35 || type == 37 || type == 38; }
+
+// Offsets 6 and 7 of a Send image hold a constant's place in the host's
+// constant table, which every load gives anew.
+Bytes withoutConstantPlace(Bytes image) {
+    if (image.size() > 7 && isConstantType(image[0])) image[6] = image[7] = 0;
+    return image;
+}
+
+// The text form of the image read as one kind, in a host whose extended
+// operands follow the image's version byte. With exact, only when the set
+// read gives the same image back.
+std::optional<std::string> exportAs(const Bytes& image, bool send, bool exact, std::string& error) {
+    ScopedHostContext host;
+    const size_t versionOffset = send ? SendVersionOffset : ScanVersionOffset;
+    host->ExtendedOperands = image.size() > versionOffset && image[versionOffset] == 1;
+    try {
+        if (send) {
+            clsProtocolSendSrv set;
+            set.BinaryData(image);
+            if (exact && withoutConstantPlace(set.BinaryData()) != withoutConstantPlace(image)) return std::nullopt;
+            return textform::exportSendSet(set);
+        }
+        clsProtocolScanSrv set;
+        set.BinaryData(image);
+        if (exact && set.BinaryData() != image) return std::nullopt;
+        return textform::exportScanSet(set);
+    } catch (const RuntimeError& e) {
+        error = toUtf8(e.Description()) + " (error " + std::to_string(e.Number()) + ")";
+        return std::nullopt;
+    }
+}
+
+int exportCommand(const std::vector<std::string>& words) {
+    std::string path, kind;
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "--kind") {
+            if (i + 1 >= words.size()) return usage("--kind needs send or scan");
+            kind = words[++i];
+            if (kind != "send" && kind != "scan") return usage("--kind needs send or scan, not " + kind);
+        } else if (words[i].rfind("--", 0) == 0) {
+            return usage("unknown option " + words[i]);
+        } else if (path.empty()) {
+            path = words[i];
+        } else {
+            return usage("unexpected argument " + words[i]);
+        }
+    }
+    if (path.empty()) return usage("export needs a Send or Scan image");
+    std::string error;
+    const std::optional<std::string> bytes = readFile(path, MaxImageBytes, error);
+    if (!bytes) return failure(error);
+    const Bytes image(bytes->begin(), bytes->end());
+    std::optional<std::string> text;
+    if (!kind.empty()) {
+        text = exportAs(image, kind == "send", false, error);
+        if (!text) return failure(path + " is not a " + (kind == "send" ? "Send" : "Scan") + " image: " + error);
+    } else {
+        std::string sendError, scanError;
+        std::optional<std::string> send = exportAs(image, true, true, sendError);
+        std::optional<std::string> scan = exportAs(image, false, true, scanError);
+        if (send && scan) return failure(path + " reads as a Send and as a Scan image alike; give --kind");
+        if (!send && !scan)
+            return failure(path + " is neither a Send nor a Scan image that gives itself back; --kind reads it as one");
+        text = send ? send : scan;
+    }
+    std::cout << *text;
+    std::cout.flush();
+    return std::cout ? 0 : failure("cannot write the text to standard output");
+}
+
+int importCommand(const std::vector<std::string>& words) {
+    std::string path, output;
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "-o" || words[i] == "--output") {
+            if (i + 1 >= words.size()) return usage(words[i] + " needs the image file to write");
+            output = words[++i];
+        } else if (words[i].rfind("-", 0) == 0 && words[i] != "-") {
+            return usage("unknown option " + words[i]);
+        } else if (path.empty()) {
+            path = words[i];
+        } else {
+            return usage("unexpected argument " + words[i]);
+        }
+    }
+    if (path.empty()) return usage("import needs a text form (JSON)");
+    if (output.empty()) return usage("import needs -o IMAGE, the image file to write");
+    std::string error;
+    const std::optional<std::string> text = readFile(path, MaxTextBytes, error);
+    if (!text) return failure(error);
+    const std::optional<textform::TextFormHeader> header = textform::peekHeader(*text);
+    const std::string kind = header ? header->Kind : "";
+    ScopedHostContext host;
+    host->ExtendedOperands = header && header->ImageVersion == 1;
+    Bytes image;
+    try {
+        if (kind == "scan")
+            image = textform::importScanSet(*text)->BinaryData();
+        else
+            image = textform::importSendSet(*text)->BinaryData();
+    } catch (const RuntimeError& e) {
+        if (e.Number() == err::InvalidFileFormat) return failure(path + ": " + toUtf8(e.Description()));
+        return failure(path + ": the set has no image: " + toUtf8(e.Description()) + " (error " +
+                       std::to_string(e.Number()) + ")");
+    }
+    std::ofstream out(output, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    out.close();
+    if (!out) return failure("cannot write " + output + ": " + std::strerror(errno));
+    return 0;
+}
+
+}  // namespace
+
+bool isTextFormCommand(const std::string& command) { return command == "export" || command == "import"; }
+
+int runTextFormCommand(const std::string& command, const std::vector<std::string>& words) {
+    if (command == "export") return exportCommand(words);
+    return importCommand(words);
+}
+
+}  // namespace qx::cli
