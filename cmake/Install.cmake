@@ -8,9 +8,7 @@ set_target_properties(QxFBCom2 PROPERTIES EXPORT_NAME component)
 install(TARGETS QxFBCom2 EXPORT QxFBCom2Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # The runtime model needs nothing beyond the core, so it travels with it.
 install(TARGETS qxfb_runtime_model EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# So does the text form: its JSON library is used inside it only, and its
-# schema goes with the package's data.
-install(TARGETS qxfb_textform EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# The schema of the text form of message sets goes with the package's data.
 install(FILES ${CMAKE_SOURCE_DIR}/resources/schema/qxfbcom2-message-set.v1.schema.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}/schema)
 install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

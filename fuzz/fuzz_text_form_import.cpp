@@ -16,7 +16,7 @@
 #include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
-#include "textform/text_form.h"
+#include "inspect/text_form.h"
 
 namespace {
 

@@ -24,7 +24,6 @@ const std::vector<std::pair<std::string, int>> layers = {
     {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5},  {"tcpip/", 5},
     {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"inspect/", 6}, {"qt/", 7},
     {"project/", 7},           {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
-    {"textform/", 5},  // the JSON text form of message sets, over the sets
 };
 
 int layerOf(const std::string& path) {

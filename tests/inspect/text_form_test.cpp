@@ -1,7 +1,7 @@
 // Text forms written by hand against images built by hand from the
 // documented layout, the exact text of a small set, the escapes, and the
 // errors of the import with their line and column.
-#include "textform/text_form.h"
+#include "inspect/text_form.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 #include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
-#include "textform/text_escapes.h"
+#include "inspect/text_escapes.h"
 
 namespace qx {
 namespace {

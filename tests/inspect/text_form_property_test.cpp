@@ -22,7 +22,7 @@
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "support/random_sets.h"
-#include "textform/text_form.h"
+#include "inspect/text_form.h"
 
 namespace qx {
 namespace {

@@ -1,4 +1,4 @@
-#include "textform/text_form.h"
+#include "inspect/text_form.h"
 
 #include <algorithm>
 #include <cctype>
@@ -29,7 +29,7 @@
 #include "sets/image_blocks.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
-#include "textform/text_escapes.h"
+#include "inspect/text_escapes.h"
 
 namespace qx::textform {
 

@@ -1,4 +1,4 @@
-#include "textform/text_escapes.h"
+#include "inspect/text_escapes.h"
 
 #include <array>
 #include <cstdio>
