@@ -4,7 +4,7 @@
 // serial Config, a Copy buffer and a TCP/IP Config with a scripted person,
 // and it registers the component.
 // It also shows a project file and writes its download bundle, and dumps and
-// compares images (inspect_commands.h).
+// compares images (image_commands.h).
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,7 +32,7 @@
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
-#include "inspect_commands.h"
+#include "image_commands.h"
 #include "model_commands.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"

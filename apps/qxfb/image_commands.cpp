@@ -1,4 +1,4 @@
-#include "inspect_commands.h"
+#include "image_commands.h"
 
 #include <fstream>
 #include <iostream>
