@@ -55,6 +55,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     if (!complete) qx::fuzz::finding("an address table shorter than its count was read", input);
+    // The host's own reading of the MIs agrees with the parse, and a move
+    // of one of them touches its address bytes and nothing else.
+    const std::vector<qx::AddressTableOperand> operands = qx::AddressTableOperands(input);
+    for (const qx::AddressTableOperand& operand : operands) {
+        Bytes moved = input;
+        const uint16_t to = static_cast<uint16_t>(operand.Address ^ 0x5A5A);
+        const int32_t count = qx::ReplaceAddressTableOperand(moved, operand.Address, to);
+        if (count < 1) qx::fuzz::finding("a listed MI was not found again by the move", input);
+        for (size_t i = 0; i < input.size(); ++i) {
+            const size_t at = i < 2 ? 0 : (i - 2) % qx::eth::AddressRecordSize;
+            const bool addressByte =
+                (at == qx::eth::RecordIpAddressOffset + 2 || at == qx::eth::RecordIpAddressOffset + 3 ||
+                 at == qx::eth::RecordPortOffset + 2 || at == qx::eth::RecordPortOffset + 3);
+            if (moved[i] != input[i] && (i < 2 || !addressByte || i >= expectedSize(input)))
+                qx::fuzz::finding("a move changed a byte that is no operand's address", input);
+        }
+    }
+    if (operands.empty() && input.size() > 0) {
+        Bytes unchanged = input;
+        if (qx::ReplaceAddressTableOperand(unchanged, 0, 1) != 0 || unchanged != input)
+            qx::fuzz::finding("a move changed a table that names no MI", input);
+    }
     if (written->size() != expectedSize(input) || (*written)[0] != qx::eth::AddressTableVersion ||
         (*written)[1] != input[1])
         qx::fuzz::finding("address table not written with its version and count", *written);

@@ -84,6 +84,16 @@ struct StoredLink {
     bool operator==(const StoredLink&) const = default;
 };
 
+// The host's description of one operand identity, whichever link,
+// image or instance names it.
+struct StoredDescription {
+    int32_t NetID = 0;
+    int32_t Type = 0;
+    int32_t Address = 0;
+    std::wstring Text;
+    bool operator==(const StoredDescription&) const = default;
+};
+
 struct ProjectSettings {
     // The host's switch for the extended operand types 64 to 67.
     bool ExtendedOperands = false;
@@ -98,6 +108,8 @@ struct Project {
     std::vector<StoredInstance> Instances;
     std::vector<StoredConstant> Constants;
     std::vector<StoredLink> Links;
+    // By net id, type and address.
+    std::vector<StoredDescription> Descriptions;
     // The next free address of the constant table.
     int32_t NextConstantAddress = 1;
     bool operator==(const Project&) const = default;

@@ -313,7 +313,7 @@ void Statement::check(int code) {
 
 // Version 1 of the schema. Positions keep the order of nets, operations,
 // operands and list entries; STRICT keeps every column's type honest.
-constexpr const char* SchemaSql = R"sql(
+constexpr const char* SchemaV1Sql = R"sql(
 CREATE TABLE settings(name TEXT PRIMARY KEY, value ANY NOT NULL) STRICT;
 CREATE TABLE nets(id INTEGER PRIMARY KEY, position INTEGER NOT NULL, comment TEXT NOT NULL) STRICT;
 CREATE TABLE operations(
@@ -342,9 +342,17 @@ CREATE TABLE links(
   count INTEGER NOT NULL, PRIMARY KEY(type, address)) STRICT;
 )sql";
 
+// What version 2 adds to version 1.
+constexpr const char* SchemaV2Sql = R"sql(
+CREATE TABLE descriptions(
+  net_id INTEGER NOT NULL, type INTEGER NOT NULL, address INTEGER NOT NULL, text TEXT NOT NULL,
+  PRIMARY KEY(net_id, type, address)) STRICT;
+)sql";
+
 constexpr const char* ClearSql =
     "DELETE FROM constant_lists; DELETE FROM allowed_types; DELETE FROM operands; DELETE FROM operations;"
-    "DELETE FROM nets; DELETE FROM instances; DELETE FROM constants; DELETE FROM links; DELETE FROM settings;";
+    "DELETE FROM nets; DELETE FROM instances; DELETE FROM constants; DELETE FROM links; DELETE FROM settings;"
+    "DELETE FROM descriptions;";
 
 // One object of a schema: type, name, its table, and its SQL (empty for the
 // indexes SQLite makes for keys), normalised.
@@ -371,32 +379,35 @@ std::string normalisedSql(const std::string& sql) {
     return out;
 }
 
-// The objects the schema this program writes consists of, as SQLite itself
-// records them: made once in a database in memory.
-const std::vector<SchemaObject>& schemaOfThisProgram() {
-    static const std::vector<SchemaObject> objects = [] {
-        std::vector<SchemaObject> made;
-        sqlite3* db = nullptr;
-        sqlite3_stmt* query = nullptr;
-        const bool ok =
-            sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK &&
-            sqlite3_exec(db, SchemaSql, nullptr, nullptr, nullptr) == SQLITE_OK &&
-            sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query, nullptr) ==
-                SQLITE_OK;
-        while (ok && sqlite3_step(query) == SQLITE_ROW) {
-            const auto column = [query](int i) {
-                const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(query, i));
-                return std::string(text ? text : "");
-            };
-            made.push_back({column(0), column(1), column(2), normalisedSql(column(3))});
-        }
-        sqlite3_finalize(query);
-        sqlite3_close_v2(db);
-        if (!ok || made.empty()) throw RuntimeError(err::OutOfMemory, L"QxFBCom2 project file", L"out of memory");
-        std::sort(made.begin(), made.end());
-        return made;
-    }();
-    return objects;
+// The objects a schema version this program reads consists of, as SQLite
+// itself records them: made once for each version in a database in memory.
+std::vector<SchemaObject> makeSchema(int32_t version) {
+    std::vector<SchemaObject> made;
+    sqlite3* db = nullptr;
+    sqlite3_stmt* query = nullptr;
+    const bool ok =
+        sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK &&
+        sqlite3_exec(db, SchemaV1Sql, nullptr, nullptr, nullptr) == SQLITE_OK &&
+        (version < 2 || sqlite3_exec(db, SchemaV2Sql, nullptr, nullptr, nullptr) == SQLITE_OK) &&
+        sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query, nullptr) == SQLITE_OK;
+    while (ok && sqlite3_step(query) == SQLITE_ROW) {
+        const auto column = [query](int i) {
+            const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(query, i));
+            return std::string(text ? text : "");
+        };
+        made.push_back({column(0), column(1), column(2), normalisedSql(column(3))});
+    }
+    sqlite3_finalize(query);
+    sqlite3_close_v2(db);
+    if (!ok || made.empty()) throw RuntimeError(err::OutOfMemory, L"QxFBCom2 project file", L"out of memory");
+    std::sort(made.begin(), made.end());
+    return made;
+}
+
+const std::vector<SchemaObject>& schemaOfThisProgram(int32_t version) {
+    static const std::vector<SchemaObject> v1 = makeSchema(1);
+    static const std::vector<SchemaObject> v2 = makeSchema(2);
+    return version < 2 ? v1 : v2;
 }
 
 // Every object of the file's schema must be one of this program's, word for
@@ -405,8 +416,8 @@ const std::vector<SchemaObject>& schemaOfThisProgram() {
 // another shape (a key left out) would hold what no project holds. Only the
 // text of the schema is read here, so this costs nothing however large the
 // tables are.
-void checkSchema(Database& db) {
-    const std::vector<SchemaObject>& ours = schemaOfThisProgram();
+void checkSchema(Database& db, int32_t version) {
+    const std::vector<SchemaObject>& ours = schemaOfThisProgram(version);
     std::vector<SchemaObject> found;
     Statement objects(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema");
     while (objects.step()) {
@@ -428,16 +439,13 @@ void checkSchema(Database& db) {
                 damaged(db.path(), "no such " + mine.Type + ": " + mine.Name);
 }
 
-enum class FileKind { Empty, Project };
-
-// What the database is: an empty one (a new file), or a project of a schema
-// this program reads. Anything else is refused.
-FileKind kindOf(Database& db) {
+// What the database is: an empty one (a new file, schema 0), or a project
+// of a schema this program reads (its version). Anything else is refused.
+int32_t schemaOf(Database& db) {
     const int32_t application = db.pragma("application_id");
     const int32_t schema = db.pragma("user_version");
     if (application != project_file::ApplicationId) {
-        if (application == 0 && schema == 0 && db.count("SELECT count(*) FROM sqlite_schema") == 0)
-            return FileKind::Empty;
+        if (application == 0 && schema == 0 && db.count("SELECT count(*) FROM sqlite_schema") == 0) return 0;
         fail(err::InvalidFileFormat, db.path(), "is an SQLite database of another program, not a project file");
     }
     if (schema > project_file::SchemaVersion)
@@ -447,14 +455,14 @@ FileKind kindOf(Database& db) {
     if (schema < 1) damaged(db.path(), "no schema version");
     // First the schema's text, since the integrity check evaluates every
     // CHECK constraint and indexed expression for every row.
-    checkSchema(db);
+    checkSchema(db, schema);
     // The reader's queries may take their values from an index rather than
     // the table, so a damaged index would give wrong values that no type
     // or range check sees: the whole file is checked first.
     Statement check(db, "PRAGMA integrity_check(1)");
     if (!check.step()) damaged(db.path(), "its integrity check gave no answer");
     if (const std::wstring verdict = check.text(0); verdict != L"ok") damaged(db.path(), toUtf8(verdict));
-    return FileKind::Project;
+    return schema;
 }
 
 // The file must be a regular file; missing is an error when it must exist.
@@ -511,7 +519,7 @@ StoredOperand readOperand(Statement& row) {
     return operand;
 }
 
-Project readProject(Database& db) {
+Project readProject(Database& db, int32_t schema) {
     Project project;
     {
         Statement settings(db, "SELECT name, value FROM settings");
@@ -666,6 +674,20 @@ Project readProject(Database& db) {
             project.Links.push_back(link);
         }
     }
+    if (schema >= 2) {
+        Statement descriptions(db,
+                               "SELECT net_id, type, address, text FROM descriptions ORDER BY net_id, type, address");
+        while (descriptions.step()) {
+            StoredDescription description{descriptions.i32(0), descriptions.i32(1), descriptions.i32(2),
+                                          descriptions.text(3)};
+            if (!project.Descriptions.empty() && project.Descriptions.back().NetID == description.NetID &&
+                project.Descriptions.back().Type == description.Type &&
+                project.Descriptions.back().Address == description.Address)
+                damaged(db.path(), "the description of type " + std::to_string(description.Type) + " at address " +
+                                       std::to_string(description.Address) + " is stored twice");
+            project.Descriptions.push_back(std::move(description));
+        }
+    }
     return project;
 }
 
@@ -738,6 +760,9 @@ void writeProject(Database& db, const Project& project) {
             .bind(4, stored.Format)
             .bind(5, stored.Count)
             .run();
+    Statement description(db, "INSERT INTO descriptions(net_id, type, address, text) VALUES(?, ?, ?, ?)");
+    for (const StoredDescription& stored : project.Descriptions)
+        description.bind(1, stored.NetID).bind(2, stored.Type).bind(3, stored.Address).bind(4, stored.Text).run();
 }
 
 // A key the project holds twice, named, before anything is written.
@@ -757,6 +782,11 @@ void checkKeys(const std::string& path, const Project& project) {
         if (!links.emplace(link.Type, link.Address).second)
             twice("the operand link of type " + std::to_string(link.Type) + " at address " +
                   std::to_string(link.Address));
+    std::set<std::tuple<int32_t, int32_t, int32_t>> described;
+    for (const StoredDescription& description : project.Descriptions)
+        if (!described.emplace(description.NetID, description.Type, description.Address).second)
+            twice("the description of type " + std::to_string(description.Type) + " at address " +
+                  std::to_string(description.Address));
 }
 
 }  // namespace
@@ -768,8 +798,9 @@ Project loadProject(const std::string& path) {
     Database db(path, SQLITE_OPEN_READWRITE, isWalFile(path));
     // One read transaction: the whole project as one moment of the file.
     db.exec("BEGIN");
-    if (kindOf(db) != FileKind::Project) fail(err::InvalidFileFormat, path, "is empty, not a project file");
-    Project project = readProject(db);
+    const int32_t schema = schemaOf(db);
+    if (schema == 0) fail(err::InvalidFileFormat, path, "is empty, not a project file");
+    Project project = readProject(db, schema);
     db.exec("COMMIT");
     return project;
 }
@@ -785,13 +816,16 @@ void saveProject(const std::string& path, const Project& project) {
         // can change it in between.
         db.exec("BEGIN IMMEDIATE");
         try {
-            if (kindOf(db) == FileKind::Empty) {
-                db.exec(SchemaSql);
+            const int32_t schema = schemaOf(db);
+            if (schema == 0) {
+                db.exec(SchemaV1Sql);
                 db.exec(("PRAGMA application_id = " + std::to_string(project_file::ApplicationId)).c_str());
-                db.exec(("PRAGMA user_version = " + std::to_string(project_file::SchemaVersion)).c_str());
-            } else {
-                db.exec(ClearSql);
             }
+            // A file of an older schema is brought up to this one with the
+            // rest of the save, or not at all.
+            if (schema < 2) db.exec(SchemaV2Sql);
+            db.exec(("PRAGMA user_version = " + std::to_string(project_file::SchemaVersion)).c_str());
+            db.exec(ClearSql);
             writeProject(db, project);
             db.exec("COMMIT");
         } catch (...) {

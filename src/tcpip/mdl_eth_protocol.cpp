@@ -104,6 +104,38 @@ std::vector<EthAddress> ParseAddressTableImage(const Bytes& image) {
     return table;
 }
 
+std::vector<AddressTableOperand> AddressTableOperands(const Bytes& image) {
+    const ByteReader reader(image);
+    const size_t count = reader.u8(1);
+    reader.block(0, recordOffset(count));
+    std::vector<AddressTableOperand> operands;
+    for (size_t i = 0; i < count; ++i)
+        for (const auto& [kind, offset] :
+             {std::pair(eth::AddressKindIP, kRecordIpAddress), std::pair(eth::AddressKindPort, kRecordPort)}) {
+            const int64_t at = static_cast<int64_t>(recordOffset(i) + offset);
+            if (reader.u8(at + kParamFlag) == 0)
+                operands.push_back({static_cast<int32_t>(i), kind, static_cast<int32_t>(reader.u16(at + kParamValue)),
+                                    kind == eth::AddressKindIP ? 4 : 1});
+        }
+    return operands;
+}
+
+int32_t ReplaceAddressTableOperand(Bytes& image, int32_t from, int32_t to) {
+    const std::vector<AddressTableOperand> operands = AddressTableOperands(image);
+    Bytes changed = image;
+    ByteWriter writer(changed);
+    int32_t count = 0;
+    for (const AddressTableOperand& operand : operands)
+        if (operand.Address == from) {
+            writer.u16(recordOffset(static_cast<size_t>(operand.Record)) +
+                           (operand.Kind == eth::AddressKindIP ? kRecordIpAddress : kRecordPort) + kParamValue,
+                       to);
+            ++count;
+        }
+    image = std::move(changed);
+    return count;
+}
+
 Bytes AddressParamToBytes(const AddressParam& param) {
     Bytes bytes(eth::AddressParamSize, 0);
     ByteWriter writer(bytes);

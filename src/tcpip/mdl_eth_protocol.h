@@ -59,6 +59,23 @@ Bytes BuildAddressTableImage(const std::vector<EthAddress>& table);
 // raised before any of its MIs is registered. The version byte is not read.
 // The description keeps its padding blanks.
 std::vector<EthAddress> ParseAddressTableImage(const Bytes& image);
+
+// An MI that a record names, read without linking it: a host lists and
+// moves the operands of instances that no dialog has loaded. The IP's MI
+// is the first of four (one per octet), the port's one alone.
+struct AddressTableOperand {
+    int32_t Record = 0;
+    int32_t Kind = eth::AddressKindIP;
+    int32_t Address = 0;
+    int32_t VectorLength = 1;
+};
+// The MIs of the records the count covers; the same errors as the parse.
+std::vector<AddressTableOperand> AddressTableOperands(const Bytes& image);
+// Every MI `from` of the records becomes `to`; answers how many changed.
+// The same errors as the parse (nothing changed then); a `to` that does
+// not fit its word is error 6.
+int32_t ReplaceAddressTableOperand(Bytes& image, int32_t from, int32_t to);
+
 Bytes AddressParamToBytes(const AddressParam& param);
 // Reads the first six bytes; fewer is error 9. An operand parameter comes
 // back as a linked MI that the host's table knows.

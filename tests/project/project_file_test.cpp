@@ -62,6 +62,7 @@ Project sampleProject() {
         {170100, 1, L"Printer", {}}, {170100, 3, L"Scale", {1, 2, 3}}, {170200, 1, L"Cell", Bytes(418, 0x20)}};
     project.Constants = {{5, 34, -123456789012}};
     project.Links = {{1, 10, 1, 3, 1}, {3, 20, 1, 3, 2}, {34, 5, 2, 3, 1}};
+    project.Descriptions = {{0, 1, 100, L"Remote IP"}, {0, 1, 104, L"Remote port ü"}, {2, 3, 20, L""}};
     project.NextConstantAddress = 6;
     return project;
 }
@@ -98,8 +99,43 @@ TEST_F(ProjectFileTest, TheFileIsMarkedAsAProjectOfItsSchema) {
     ASSERT_GT(bytes.size(), 100u);
     EXPECT_EQ(bytes.substr(0, 16), std::string("SQLite format 3\0", 16));
     // The header's user version (offset 60) and application id (offset 68), big-endian.
-    EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\x01", 4));
+    EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\x02", 4));
     EXPECT_EQ(bytes.substr(68, 4), "QxFB");
+}
+
+// A file of the first schema, without the descriptions' table, as the
+// program before wrote it.
+void makeFirstSchemaFile(const fs::path& file, const Project& project) {
+    saveProject(file.string(), project);
+    runSql(file, "DROP TABLE descriptions; PRAGMA user_version = 1;");
+}
+
+TEST_F(ProjectFileTest, AFileOfTheFirstSchemaIsReadAndSavedAsTheNewOne) {
+    Project project = sampleProject();
+    makeFirstSchemaFile(file, project);
+    project.Descriptions.clear();
+    EXPECT_EQ(loadProject(path), project);
+    project.Descriptions = {{0, 1, 7, L"Valve"}};
+    saveProject(path, project);
+    EXPECT_EQ(test::readFile(file).substr(60, 4), std::string("\0\0\0\x02", 4));
+    EXPECT_EQ(loadProject(path), project);
+}
+
+TEST_F(ProjectFileTest, AFirstSchemaFileWithTheNewTableIsNotOfThisProgram) {
+    saveProject(path, sampleProject());
+    runSql(file, "PRAGMA user_version = 1;");
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+              "project file \"" + path +
+                  "\": is not a project file of this program (the table descriptions is not of a project)");
+}
+
+TEST_F(ProjectFileTest, AnOperandDescribedTwiceIsRefusedBeforeAnythingIsWritten) {
+    Project project = sampleProject();
+    project.Descriptions.push_back({0, 1, 100, L"again"});
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { saveProject(path, project); })),
+              "project file \"" + path +
+                  "\": cannot be saved: the project holds the description of type 1 at address 100 twice");
+    EXPECT_FALSE(fs::exists(file));
 }
 
 TEST_F(ProjectFileTest, SavingAgainReplacesTheWholeContent) {
@@ -155,13 +191,13 @@ TEST_F(ProjectFileTest, AnotherProgramsDatabaseIsRefusedAndLeftAsItWas) {
 
 TEST_F(ProjectFileTest, AProjectOfANewerSchemaIsRefusedAndLeftAsItWas) {
     saveProject(path, sampleProject());
-    runSql(file, "PRAGMA user_version = 2;");
+    runSql(file, "PRAGMA user_version = 3;");
     const std::string before = test::readFile(file);
     const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path +
-                                    "\": was written by a newer version of the program (project schema 2; this one "
-                                    "reads schema 1 and older)");
+                                    "\": was written by a newer version of the program (project schema 3; this one "
+                                    "reads schema 2 and older)");
     EXPECT_EQ(test::raisedError([&] { saveProject(path, Project{}); }).Number(), err::InvalidFileFormat);
     EXPECT_EQ(test::readFile(file), before);
 }

@@ -289,6 +289,59 @@ TEST(AddressTableImage, ParseOfAShortImageRegistersNothing) {
     EXPECT_TRUE(context->Operands.Links().empty());
 }
 
+// --- Operands of a table, read and moved without linking them ------------
+
+TEST(AddressTableOperands, ListsEveryLinkedMiWithItsRecordKindAndSpan) {
+    ScopedHostContext context;
+    const std::vector<AddressTableOperand> operands = AddressTableOperands(kMixedImage);
+    ASSERT_EQ(operands.size(), 4u);
+    const auto is = [](const AddressTableOperand& o, int32_t record, int32_t kind, int32_t address, int32_t span) {
+        return o.Record == record && o.Kind == kind && o.Address == address && o.VectorLength == span;
+    };
+    EXPECT_TRUE(is(operands[0], 1, eth::AddressKindIP, 200, 4));
+    EXPECT_TRUE(is(operands[1], 1, eth::AddressKindPort, 204, 1));
+    EXPECT_TRUE(is(operands[2], 2, eth::AddressKindPort, 65535, 1));
+    EXPECT_TRUE(is(operands[3], 4, eth::AddressKindIP, 0, 4));
+    // Read only: the host's table learns nothing.
+    EXPECT_TRUE(context->Operands.Links().empty());
+}
+
+TEST(AddressTableOperands, ReplaceChangesOnlyTheAddressBytesOfThatMi) {
+    ScopedHostContext context;
+    Bytes image = kMixedImage;
+    EXPECT_EQ(ReplaceAddressTableOperand(image, 204, 0x1234), 1);
+    Bytes expected = kMixedImage;
+    expected[38] = 0x34;
+    expected[39] = 0x12;
+    EXPECT_EQ(image, expected);
+    EXPECT_EQ(ReplaceAddressTableOperand(image, 7, 8), 0);
+    EXPECT_EQ(image, expected);
+    EXPECT_TRUE(context->Operands.Links().empty());
+}
+
+TEST(AddressTableOperands, ReplaceOfEveryRecordNamingTheMi) {
+    ScopedHostContext context;
+    Bytes image = kTwoRecordImage;
+    image[kTwoRecordImage.size() - 16] = 0xC8;  // the port of record 1 on MI 200 too
+    EXPECT_EQ(ReplaceAddressTableOperand(image, 200, 300), 2);
+    EXPECT_EQ(image[32], 0x2C);
+    EXPECT_EQ(image[33], 0x01);
+    EXPECT_EQ(image[38], 0x2C);
+    EXPECT_EQ(image[39], 0x01);
+}
+
+TEST(AddressTableOperands, AShortImageOrAnAddressBeyondAWordChangesNothing) {
+    ScopedHostContext context;
+    Bytes shortImage(kMixedImage.begin(), kMixedImage.end() - 1);
+    const Bytes before = shortImage;
+    EXPECT_EQ(runtimeErrorOf([&] { AddressTableOperands(shortImage); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(runtimeErrorOf([&] { ReplaceAddressTableOperand(shortImage, 200, 201); }), err::SubscriptOutOfRange);
+    EXPECT_EQ(shortImage, before);
+    Bytes image = kMixedImage;
+    EXPECT_EQ(runtimeErrorOf([&] { ReplaceAddressTableOperand(image, 200, 65536); }), err::Overflow);
+    EXPECT_EQ(image, kMixedImage);
+}
+
 // --- Parameters ----------------------------------------------------------
 
 TEST(AddressParamBytes, ConstantIsFlag1AndTheValueLittleEndian) {

@@ -362,9 +362,9 @@ TEST_F(WorkbenchTest, EveryBadFileShowsItsErrorAndChangesNothing) {
         {"newer",
          [&] {
              saveProject(file.string(), Project{});
-             runSql(file, "PRAGMA user_version = 2;");
+             runSql(file, "PRAGMA user_version = 3;");
          },
-         QStringLiteral("was written by a newer version of the program (project schema 2; this one reads schema 1 "
+         QStringLiteral("was written by a newer version of the program (project schema 3; this one reads schema 2 "
                         "and older)")},
         {"damaged",
          [&] {
