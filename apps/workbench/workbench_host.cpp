@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_services.h"
+#include "tcpip/mdl_eth_protocol.h"
 
 namespace qx {
 
@@ -20,6 +22,21 @@ std::vector<StoredOperand> storedOperands(const OperandCollectionPtr& operands) 
     for (int32_t i = 1; i <= operands->Count(); ++i)
         stored.push_back(storeOperand(*operands->Item(i), operands->KeyAt(i)));
     return stored;
+}
+
+std::vector<StoredOperand> storedOperands(const std::vector<OperandPtr>& operands) {
+    std::vector<StoredOperand> stored;
+    for (const OperandPtr& operand : operands) stored.push_back(storeOperand(*operand, L""));
+    return stored;
+}
+
+std::vector<OperandPtr> copiesOf(const std::vector<StoredOperand>& stored) {
+    std::vector<OperandPtr> operands;
+    for (const StoredOperand& each : stored) {
+        operands.push_back(newOperand());
+        restoreOperand(each, *operands.back());
+    }
+    return operands;
 }
 
 // The host's own copies of the links, which it gives the reopened operation.
@@ -34,6 +51,13 @@ OperandCollectionPtr operandsOf(const std::vector<StoredOperand>& stored) {
     }
     return operands;
 }
+
+// The family whose instances hold an address table that names MIs, and the
+// method number of a Config in every family.
+constexpr int32_t TcpIpFamily = 170200;
+constexpr int32_t ConfigMethod = 1;
+
+using IdentityKey = std::tuple<int32_t, int32_t, int32_t>;  // net id, type, address
 
 }  // namespace
 
@@ -91,18 +115,24 @@ MethodPtr WorkbenchHost::PlaceOperation(size_t net, int32_t methodId) {
     }
     if (operation->itfFBMethod_IsCanceled()) {
         drop();
+        SyncOperands();
         return nullptr;
     }
     nets_[net].Operations.push_back(operation);
+    keepFindOnly(*operation);
+    SyncOperands(operation.get());
     modified_ = true;
     return operation;
 }
 
 bool WorkbenchHost::EditOperation(const MethodPtr& operation) {
     operation->itfFBMethod_EditOperands();
-    if (operation->itfFBMethod_IsCanceled()) return false;
-    modified_ = true;
-    return true;
+    // A cancelled edit may still have linked and released on the way.
+    const bool ok = !operation->itfFBMethod_IsCanceled();
+    if (ok) keepFindOnly(*operation);
+    SyncOperands(ok ? operation.get() : nullptr);
+    if (ok) modified_ = true;
+    return ok;
 }
 
 // The links leave the host's table. The table is the component's: this
@@ -118,9 +148,36 @@ void WorkbenchHost::releaseLinks(itfFBMethod& operation) {
 
 void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
     if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
-    releaseLinks(*nets_[net].Operations[index]);
+    const MethodPtr operation = nets_[net].Operations[index];
+    releaseLinks(*operation);
+    findOnly_.erase(operation.get());
     nets_[net].Operations.erase(nets_[net].Operations.begin() + static_cast<std::ptrdiff_t>(index));
+    // A Config's instance goes with it unless another operation still runs on it.
+    const int32_t family = familyOf(operation->itfFBMethod_MethodID());
+    const int32_t instance = operation->itfFBMethod_FatherInstanceNum();
+    if (operation->itfFBMethod_MethodID() % 100 == ConfigMethod && instance != 0 && instances_.count(family) &&
+        UsersOfInstance(family, instance).empty())
+        instances_.at(family)->DeleteInstance(instance);
+    SyncOperands();
     modified_ = true;
+}
+
+std::vector<std::pair<size_t, size_t>> WorkbenchHost::UsersOfInstance(int32_t fatherId, int32_t instanceNum,
+                                                                      std::pair<size_t, size_t> except) const {
+    std::vector<std::pair<size_t, size_t>> users;
+    for (size_t n = 0; n < nets_.size(); ++n)
+        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
+            itfFBMethod& operation = *nets_[n].Operations[i];
+            if (std::pair(n, i) != except && familyOf(operation.itfFBMethod_MethodID()) == fatherId &&
+                operation.itfFBMethod_FatherInstanceNum() == instanceNum)
+                users.emplace_back(n, i);
+        }
+    return users;
+}
+
+std::wstring WorkbenchHost::BlockName(size_t net, size_t place) const {
+    return L"net " + std::to_wstring(net + 1) + L", block " + std::to_wstring(place + 1) + L" (" +
+           nets_[net].Operations[place]->itfFBMethod_Title() + L")";
 }
 
 Project WorkbenchHost::ToProject() const {
@@ -140,6 +197,8 @@ Project WorkbenchHost::ToProject() const {
             each.BinaryOperands = operation->itfFBMethod_BinaryOperands();
             each.InOperands = storedOperands(operation->itfFBMethod_InOperands());
             each.OutOperands = storedOperands(operation->itfFBMethod_OutOperands());
+            if (const auto kept = findOnly_.find(operation.get()); kept != findOnly_.end())
+                each.FindOnly = storedOperands(kept->second);
             stored.Operations.push_back(std::move(each));
         }
         stored.Operations.insert(stored.Operations.end(), net.Unopened.begin(), net.Unopened.end());
@@ -152,6 +211,8 @@ Project WorkbenchHost::ToProject() const {
         return std::pair(a.FatherID, a.InstanceNum) < std::pair(b.FatherID, b.InstanceNum);
     });
     storeOperandTable(context_->Operands, project);
+    for (const auto& [key, text] : descriptions_)
+        project.Descriptions.push_back({std::get<0>(key), std::get<1>(key), std::get<2>(key), text});
     return project;
 }
 
@@ -167,12 +228,15 @@ MethodPtr WorkbenchHost::reopen(const StoredOperation& stored) {
     operation->itfFBMethod_FatherInstanceNum(stored.FatherInstanceNum);
     operation->itfFBMethod_IsConducting(stored.IsConducting);
     operation->itfFBMethod_BuildOperands();
+    findOnly_[operation.get()] = copiesOf(stored.FindOnly);
     return operation;
 }
 
 void WorkbenchHost::Clear() {
     nets_.clear();
     foreignInstances_.clear();
+    findOnly_.clear();
+    descriptions_.clear();
     for (auto& [father, instances] : instances_) instances->Restore({});
     context_->Operands = OperandTable{};
     context_->ExtendedOperands = false;
@@ -190,6 +254,8 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project, bool takeA
     for (const StoredInstance& instance : project.Instances)
         if (!instances_.count(instance.FatherID)) foreignInstances_.push_back(instance);
     restoreOperandTable(project, context_->Operands);
+    for (const StoredDescription& description : project.Descriptions)
+        descriptions_[{description.NetID, description.Type, description.Address}] = description.Text;
     for (const LadderNet& stored : project.Nets) {
         Net net{stored.Comment, {}, {}};
         for (const StoredOperation& operation : stored.Operations) {
@@ -209,6 +275,7 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project, bool takeA
         }
         nets_.push_back(std::move(net));
     }
+    SyncOperands();
     modified_ = false;
     return leftOut;
 }
@@ -218,10 +285,7 @@ std::vector<WorkbenchHost::Problem> WorkbenchHost::CheckProject() const {
     constexpr int32_t ScanMethod = 2;
     constexpr int32_t SendMethod = 3;
     std::vector<Problem> problems;
-    const auto blockName = [this](size_t n, size_t i) {
-        return L"net " + std::to_wstring(n + 1) + L", block " + std::to_wstring(i + 1) + L" (" +
-               nets_[n].Operations[i]->itfFBMethod_Title() + L")";
-    };
+    const auto blockName = [this](size_t n, size_t i) { return BlockName(n, i); };
     // The first block that writes each memory operand, by type and address.
     std::map<std::pair<int32_t, int32_t>, std::pair<size_t, size_t>> writers;
     for (size_t n = 0; n < nets_.size(); ++n)
@@ -267,6 +331,109 @@ std::vector<WorkbenchHost::Problem> WorkbenchHost::CheckProject() const {
     return problems;
 }
 
+std::vector<WorkbenchHost::Reference> WorkbenchHost::references() const {
+    std::vector<Reference> found;
+    for (size_t n = 0; n < nets_.size(); ++n)
+        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
+            itfFBMethod& operation = *nets_[n].Operations[i];
+            const auto add = [&](const OperandPtr& operand, Reference::Kind kind, bool counted) {
+                if (!operand || operand->IsNew() || operand->OperandAddress() < 0) return;
+                Reference reference{kind, {n, i}, {0, 0}, operand};
+                reference.NetID = operand->OperandNetID();
+                reference.Type = operand->OperandType();
+                reference.Address = operand->OperandAddress();
+                reference.Mode = operand->OperandMode();
+                reference.Format = operand->OperandFormat();
+                reference.VectorLength = std::max(1, operand->OperandVectorLength());
+                reference.Counted = counted;
+                found.push_back(std::move(reference));
+            };
+            for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()})
+                if (operands)
+                    for (const OperandPtr& operand : *operands) add(operand, Reference::Kind::Link, true);
+            const bool tcpipConfig = operation.itfFBMethod_MethodID() == TcpIpFamily + ConfigMethod;
+            if (const auto kept = findOnly_.find(&operation); kept != findOnly_.end())
+                for (const OperandPtr& operand : kept->second) add(operand, Reference::Kind::FindOnly, !tcpipConfig);
+        }
+    if (const auto tcpip = instances_.find(TcpIpFamily); tcpip != instances_.end())
+        for (const StoredInstance& instance : tcpip->second->Stored()) {
+            std::vector<AddressTableOperand> operands;
+            // Data that is no address table names nothing; the Config's
+            // dialog says what is wrong with it when it is opened.
+            try {
+                operands = AddressTableOperands(instance.Data);
+            } catch (const RuntimeError&) {
+            }
+            for (const AddressTableOperand& operand : operands) {
+                Reference reference{Reference::Kind::Instance, {0, 0}, {TcpIpFamily, instance.InstanceNum}};
+                reference.Type = 3;  // MI, as memory
+                reference.Address = operand.Address;
+                reference.VectorLength = operand.VectorLength;
+                found.push_back(std::move(reference));
+            }
+        }
+    return found;
+}
+
+void WorkbenchHost::keepFindOnly(const itfFBMethod& operation) {
+    std::vector<OperandPtr>& kept = findOnly_[&operation];
+    kept.clear();
+    if (const OperandCollectionPtr listed = const_cast<itfFBMethod&>(operation).itfFBMethod_OperandsForFindOnly())
+        for (const OperandPtr& operand : *listed)
+            if (operand) kept.push_back(copiesOf({storeOperand(*operand, L"")}).front());
+}
+
+void WorkbenchHost::SyncOperands(const itfFBMethod* edited) {
+    const std::vector<Reference> found = references();
+    std::map<IdentityKey, std::wstring> words;
+    // What the person wrote in the edit just ended: on its links as they
+    // stand (an emptied description included), in its image where given.
+    if (edited)
+        for (const Reference& reference : found)
+            if (reference.Operand && &*nets_[reference.Place.first].Operations[reference.Place.second] == edited &&
+                (reference.Of == Reference::Kind::Link || !reference.Operand->OperandDescription().empty()))
+                words[{reference.NetID, reference.Type, reference.Address}] = reference.Operand->OperandDescription();
+    // Then what the host knew, then the words any other operand carries.
+    for (const Reference& reference : found) {
+        const IdentityKey key{reference.NetID, reference.Type, reference.Address};
+        if (words.count(key)) continue;
+        if (const auto known = descriptions_.find(key); known != descriptions_.end())
+            words[key] = known->second;
+        else if (reference.Operand && !reference.Operand->OperandDescription().empty())
+            words[key] = reference.Operand->OperandDescription();
+    }
+    descriptions_.clear();
+    for (auto& [key, text] : words)
+        if (!text.empty()) descriptions_.emplace(key, std::move(text));
+    // Every operand object says what the host says, so that no stale
+    // description comes back from one of them later.
+    // One link for each block or instance that names the identity.
+    std::map<std::pair<int32_t, int32_t>, OperandTable::Entry> entries;
+    std::set<std::tuple<int32_t, int32_t, size_t, size_t>> holders;  // type, address, holder
+    for (const Reference& reference : found) {
+        if (reference.Operand)
+            reference.Operand->OperandDescription(Description(reference.NetID, reference.Type, reference.Address));
+        if (!reference.Counted) continue;
+        const auto holder = reference.Of == Reference::Kind::Instance
+                                ? std::pair<size_t, size_t>(SIZE_MAX - static_cast<size_t>(reference.Instance.first),
+                                                            static_cast<size_t>(reference.Instance.second))
+                                : reference.Place;
+        if (!holders.emplace(reference.Type, reference.Address, holder.first, holder.second).second) continue;
+        OperandTable::Entry& entry = entries[{reference.Type, reference.Address}];
+        ++entry.Count;
+        entry.Mode = reference.Mode;
+        entry.Format = reference.Format;
+    }
+    OperandTable& table = context_->Operands;
+    table.ClearLinks();
+    for (const auto& [key, entry] : entries) table.RestoreLink(key.first, key.second, entry);
+}
+
+std::wstring WorkbenchHost::Description(int32_t netId, int32_t type, int32_t address) const {
+    const auto found = descriptions_.find({netId, type, address});
+    return found == descriptions_.end() ? std::wstring() : found->second;
+}
+
 std::vector<WorkbenchHost::OperandUse> WorkbenchHost::OperandUses() const {
     std::map<std::tuple<int32_t, int32_t, int32_t>, OperandUse> uses;
     auto useOf = [&uses](int32_t netId, int32_t type, int32_t address) -> OperandUse& {
@@ -281,65 +448,107 @@ std::vector<WorkbenchHost::OperandUse> WorkbenchHost::OperandUses() const {
         use.LinkCount = link.Link.Count;
         use.Mode = link.Link.Mode;
     }
-    for (size_t n = 0; n < nets_.size(); ++n)
-        for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
-            itfFBMethod& operation = *nets_[n].Operations[i];
-            auto note = [&](const OperandCollectionPtr& operands, bool findOnly) {
-                if (!operands) return;
-                for (const OperandPtr& operand : *operands) {
-                    if (!operand || operand->IsNew()) continue;
-                    OperandUse& use = useOf(operand->OperandNetID(), operand->OperandType(), operand->OperandAddress());
-                    use.Mode = operand->OperandMode();
-                    if (use.Description.empty()) use.Description = operand->OperandDescription();
-                    auto& places = findOnly ? use.FindOnly : use.Links;
-                    if (places.empty() || places.back() != std::pair(n, i)) places.emplace_back(n, i);
-                }
-            };
-            note(operation.itfFBMethod_InOperands(), false);
-            note(operation.itfFBMethod_OutOperands(), false);
-            note(operation.itfFBMethod_OperandsForFindOnly(), true);
+    for (const Reference& reference : references()) {
+        OperandUse& use = useOf(reference.NetID, reference.Type, reference.Address);
+        use.Mode = reference.Mode;
+        use.VectorLength = std::max(use.VectorLength, reference.VectorLength);
+        if (reference.Of == Reference::Kind::Instance) {
+            if (use.Instances.empty() || use.Instances.back() != reference.Instance)
+                use.Instances.push_back(reference.Instance);
+            continue;
         }
+        auto& places = reference.Of == Reference::Kind::FindOnly ? use.FindOnly : use.Links;
+        if (places.empty() || places.back() != reference.Place) places.push_back(reference.Place);
+    }
     std::vector<OperandUse> all;
-    for (auto& [key, use] : uses) all.push_back(std::move(use));
+    for (auto& [key, use] : uses) {
+        use.Description = Description(use.NetID, use.Type, use.Address);
+        all.push_back(std::move(use));
+    }
     return all;
 }
 
-std::vector<std::pair<size_t, size_t>> WorkbenchHost::MoveOperand(int32_t netId, int32_t type, int32_t address,
-                                                                  int32_t newAddress) {
-    OperandTable& table = context_->Operands;
+WorkbenchHost::Moved WorkbenchHost::MoveOperand(int32_t netId, int32_t type, int32_t address, int32_t newAddress) {
     if (newAddress == address) return {};
-    if (table.IsRegistered(type, newAddress))
-        throw std::invalid_argument(toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(address) +
-                                    " cannot move to " + std::to_string(newAddress) +
-                                    ": that address is in use already.");
-    if (const OperandTable::Entry* entry = table.Find(type, address)) {
-        const OperandTable::Entry moved = *entry;
-        for (int32_t i = 0; i < moved.Count; ++i) table.Release(type, address);
-        table.RestoreLink(type, newAddress, moved);
+    const std::vector<OperandUse> uses = OperandUses();
+    const auto name = [type](int32_t at) {
+        return toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(at);
+    };
+    const auto moving = std::find_if(uses.begin(), uses.end(), [&](const OperandUse& use) {
+        return use.NetID == netId && use.Type == type && use.Address == address;
+    });
+    const int32_t span = moving == uses.end() ? 1 : moving->VectorLength;
+    const std::string what = name(address) + (span > 1 ? " (" + std::to_string(span) + " addresses)" : "");
+    if (newAddress < 0 || newAddress + span - 1 > 0xFFFF)
+        throw std::invalid_argument(what + " cannot move to " + std::to_string(newAddress) +
+                                    ": the addresses of its type end at 65535.");
+    // Memory operands of the same type whose spans would overlap.
+    for (const OperandUse& other : uses) {
+        if (other.Type != type || other.Mode != 1 || (other.NetID == netId && other.Address == address)) continue;
+        if (newAddress < other.Address + other.VectorLength && other.Address < newAddress + span) {
+            std::string users;
+            for (const auto& [n, i] : other.Links.empty() ? other.FindOnly : other.Links)
+                users = toUtf8(BlockName(n, i));
+            for (const auto& [family, instance] : other.Instances)
+                if (users.empty())
+                    users = "the instance " + std::to_string(instance) + " of family " + std::to_string(family);
+            throw std::invalid_argument(
+                what + " cannot move to " + std::to_string(newAddress) + ": it would overlap " + name(other.Address) +
+                (other.VectorLength > 1 ? " (" + std::to_string(other.VectorLength) + " addresses)" : "") +
+                (users.empty() ? "" : ", which " + users + " uses") + ".");
+        }
     }
-    std::vector<std::pair<size_t, size_t>> changed;
+    Moved moved;
     for (size_t n = 0; n < nets_.size(); ++n)
         for (size_t i = 0; i < nets_[n].Operations.size(); ++i) {
             itfFBMethod& operation = *nets_[n].Operations[i];
-            bool linked = false;
-            for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()})
-                if (operands)
-                    for (const OperandPtr& operand : *operands)
-                        if (operand && !operand->IsNew() && operand->OperandMode() == 1 &&
-                            operand->OperandNetID() == netId && operand->OperandType() == type &&
-                            operand->OperandAddress() == address) {
-                            operand->OperandAddress(newAddress);
-                            linked = true;
-                        }
+            bool changed = false;
+            // Links, the operation's list of its image and the host's copy of
+            // that list all follow, whether or not the command reached the image.
+            const auto follow = [&](const auto& operands) {
+                for (const OperandPtr& operand : operands)
+                    if (operand && !operand->IsNew() && operand->OperandMode() == 1 &&
+                        operand->OperandNetID() == netId && operand->OperandType() == type &&
+                        operand->OperandAddress() == address) {
+                        operand->OperandAddress(newAddress);
+                        changed = true;
+                    }
+            };
+            for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands(),
+                                         operation.itfFBMethod_OperandsForFindOnly()})
+                if (operands) follow(*operands);
+            if (const auto kept = findOnly_.find(&operation); kept != findOnly_.end()) follow(kept->second);
             // Every operation hears the command; those whose image names the
             // operand change it, the others ignore it.
             const Bytes before = operation.itfFBMethod_BinaryOperands();
             VariantArray command{Variant(L"ReplaceFindOnlyOperand"), Variant(netId), Variant(type), Variant(address),
                                  Variant(newAddress)};
             operation.itfFBMethod_Execute(command);
-            if (linked || operation.itfFBMethod_BinaryOperands() != before) changed.emplace_back(n, i);
+            if (changed || operation.itfFBMethod_BinaryOperands() != before) moved.Operations.emplace_back(n, i);
         }
-    return changed;
+    // The address tables of the TCP/IP instances, and the Configs that keep
+    // a copy of their instance's data.
+    if (const auto tcpip = instances_.find(TcpIpFamily); tcpip != instances_.end() && netId == 0 && type == 3)
+        for (StoredInstance& instance : tcpip->second->Stored()) {
+            Bytes data = instance.Data;
+            int32_t count = 0;
+            try {
+                count = ReplaceAddressTableOperand(data, address, newAddress);
+            } catch (const RuntimeError&) {
+            }
+            if (count == 0) continue;
+            tcpip->second->SetInstanceData(instance.InstanceNum, data);
+            moved.Instances.emplace_back(TcpIpFamily, instance.InstanceNum);
+            for (const auto& [n, i] : UsersOfInstance(TcpIpFamily, instance.InstanceNum))
+                nets_[n].Operations[i]->itfFBMethod_FatherInstanceNum(instance.InstanceNum);
+        }
+    if (const auto described = descriptions_.find({netId, type, address}); described != descriptions_.end()) {
+        descriptions_[{netId, type, newAddress}] = described->second;
+        descriptions_.erase({netId, type, address});
+    }
+    SyncOperands();
+    if (!moved.Operations.empty() || !moved.Instances.empty()) modified_ = true;
+    return moved;
 }
 
 }  // namespace qx

@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "component_loader.h"
@@ -59,29 +60,55 @@ public:
     MethodPtr PlaceOperation(size_t net, int32_t methodId);
     // Edited again; true when the edit ended with OK.
     bool EditOperation(const MethodPtr& operation);
+    // Removes the operation and releases its links. A Config takes its
+    // instance with it when no other operation uses that instance.
     void RemoveOperation(size_t net, size_t index);
+    // The operations other than `except` that run on a family's instance.
+    std::vector<std::pair<size_t, size_t>> UsersOfInstance(int32_t fatherId, int32_t instanceNum,
+                                                           std::pair<size_t, size_t> except = {SIZE_MAX,
+                                                                                               SIZE_MAX}) const;
+    // "net 2, block 3 (Send)": a block named so that no two are alike.
+    std::wstring BlockName(size_t net, size_t place) const;
 
-    // One operand identity and the operations that name it: by a link in
+    // One operand identity and what names it: operations by a link in
     // their InOperands or OutOperands, or inside their image as their
-    // OperandsForFindOnly list it.
+    // OperandsForFindOnly list it, and instances inside their data (the
+    // TCP/IP address table).
     struct OperandUse {
         int32_t NetID = 0;
         int32_t Type = 0;
         int32_t Address = 0;
         int32_t Mode = 1;
         int32_t LinkCount = 0;  // in the host's operand table
+        // How many addresses from Address on it takes (an IP's four MIs).
+        int32_t VectorLength = 1;
         std::wstring Description;
-        std::vector<std::pair<size_t, size_t>> Links;     // net, place
-        std::vector<std::pair<size_t, size_t>> FindOnly;  // net, place
+        std::vector<std::pair<size_t, size_t>> Links;        // net, place
+        std::vector<std::pair<size_t, size_t>> FindOnly;     // net, place
+        std::vector<std::pair<int32_t, int32_t>> Instances;  // family, instance number
     };
-    // Every identity of the host's table and of the operations, by type and address.
+    // Every identity of the host's table, the operations and the instances,
+    // by type and address.
     std::vector<OperandUse> OperandUses() const;
+
+    // The host's operand table derived anew from what the operations and
+    // instances name, one link for each time, so that a link nothing holds
+    // any longer is gone; and the host's descriptions, of which those the
+    // person gave in the edit of `edited` win. Runs after every change.
+    void SyncOperands(const itfFBMethod* edited = nullptr);
+    // The host's description of an identity, empty when it has none.
+    std::wstring Description(int32_t netId, int32_t type, int32_t address) const;
+
     // Moves a memory operand to another address of its type: the host's
-    // table, every link that names it, and every image through the command
-    // "ReplaceFindOnlyOperand". Returns the operations that changed, or
-    // throws std::invalid_argument when the new address is in use already.
-    std::vector<std::pair<size_t, size_t>> MoveOperand(int32_t netId, int32_t type, int32_t address,
-                                                       int32_t newAddress);
+    // table, every link that names it, every image through the command
+    // "ReplaceFindOnlyOperand", and every TCP/IP address table that names
+    // it. Throws std::invalid_argument, changing nothing, when the span of
+    // the operand at the new address would overlap another operand.
+    struct Moved {
+        std::vector<std::pair<size_t, size_t>> Operations;   // net, place
+        std::vector<std::pair<int32_t, int32_t>> Instances;  // family, instance number
+    };
+    Moved MoveOperand(int32_t netId, int32_t type, int32_t address, int32_t newAddress);
 
     // What would keep a block from working on the controller, found before
     // a download: a Send or Scan without messages (its image is empty), an
@@ -115,6 +142,22 @@ public:
     void MarkModified() { modified_ = true; }
 
 private:
+    // One place that names an operand identity, with the operand object
+    // there is one (links and find-only operands).
+    struct Reference {
+        enum class Kind { Link, FindOnly, Instance } Of = Kind::Link;
+        std::pair<size_t, size_t> Place{0, 0};       // net, place of an operation
+        std::pair<int32_t, int32_t> Instance{0, 0};  // family, instance number
+        OperandPtr Operand;
+        int32_t NetID = 0, Type = 0, Address = 0, Mode = 1, Format = 0, VectorLength = 1;
+        // False where another holder names the same link already: a TCP/IP
+        // Config lists for the search what its instance's table holds.
+        bool Counted = true;
+    };
+    std::vector<Reference> references() const;
+    // The host's own copy of what an operation listed for the search after
+    // its last edit with OK.
+    void keepFindOnly(const itfFBMethod& operation);
     MethodPtr reopen(const StoredOperation& stored);
     void releaseLinks(itfFBMethod& operation);
 
@@ -124,6 +167,11 @@ private:
     std::map<int32_t, std::shared_ptr<HostInstances>> instances_;
     std::vector<Net> nets_;
     std::vector<StoredInstance> foreignInstances_;
+    // Each operation's find-only operands as the host keeps them: the
+    // operation's own list is replaced at every edit and empty after a reopen.
+    std::map<const itfFBMethod*, std::vector<OperandPtr>> findOnly_;
+    // The descriptions of the host, by net id, type and address.
+    std::map<std::tuple<int32_t, int32_t, int32_t>, std::wstring> descriptions_;
     // The application folder the component started with; a project that
     // does not name one keeps it.
     std::wstring componentAppFolder_;

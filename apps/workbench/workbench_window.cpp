@@ -348,13 +348,17 @@ void WorkbenchWindow::refreshOperands() {
     operands_->clear();
     const clsOperandTypeNames names;
     auto placeText = [this](const std::pair<size_t, size_t>& place) {
-        const MethodPtr& operation = host_.Nets()[place.first].Operations[place.second];
-        return QStringLiteral("net %1 %2").arg(place.first + 1).arg(toQString(operation->itfFBMethod_Title()));
+        return toQString(host_.BlockName(place.first, place.second));
     };
     for (const WorkbenchHost::OperandUse& use : host_.OperandUses()) {
         QStringList users;
         for (const auto& place : use.Links) users << placeText(place);
         for (const auto& place : use.FindOnly) users << placeText(place) + QStringLiteral(" (in its image)");
+        for (const auto& [family, number] : use.Instances) {
+            std::wstring name;
+            host_.InstancesOf(family).GetInstanceName(number, name);
+            users << QStringLiteral("instance %1 %2 (its address table)").arg(number).arg(toQString(name));
+        }
         auto* item = new QTreeWidgetItem(
             operands_, {toQString(names.GetName(use.Type)) + QStringLiteral(" %1").arg(use.Address),
                         toQString(use.Description), QString::number(use.LinkCount), users.join(QStringLiteral("; "))});
@@ -385,13 +389,16 @@ bool WorkbenchWindow::MoveCurrentOperand() {
     ask.setIntValue(address);
     if (ask.exec() != QDialog::Accepted) return false;
     const QString from = item->text(0);
-    size_t changed = 0;
-    const bool moved = guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()).size(); });
+    WorkbenchHost::Moved changed;
+    const bool moved = guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()); });
     // Refreshed also after an image refused the command halfway.
     refresh();
     if (moved)
-        statusBar()->showMessage(
-            QStringLiteral("%1 moved to %2; %3 operations changed.").arg(from).arg(ask.intValue()).arg(changed));
+        statusBar()->showMessage(QStringLiteral("%1 moved to %2; %3 operations and %4 instances changed.")
+                                     .arg(from)
+                                     .arg(ask.intValue())
+                                     .arg(changed.Operations.size())
+                                     .arg(changed.Instances.size()));
     return moved;
 }
 

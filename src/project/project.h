@@ -46,6 +46,10 @@ struct StoredOperation {
     Bytes BinaryOperands;
     std::vector<StoredOperand> InOperands;
     std::vector<StoredOperand> OutOperands;
+    // The operands its image names, as the host listed them for its search
+    // after the last edit that ended with OK: the operation lists them only
+    // until its next edit, and not at all after a reopen.
+    std::vector<StoredOperand> FindOnly;
     // The family: MethodID without its method number.
     int32_t FatherID() const { return MethodID / 100 * 100; }
     bool operator==(const StoredOperation&) const = default;

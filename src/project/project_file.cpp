@@ -551,14 +551,18 @@ Project readProject(Database& db, int32_t schema) {
     };
     struct OperandAt {
         OperationAt operation;
-        bool out;
+        int side;
         size_t operand;
     };
     const auto operationAt = [&project](const OperationAt& at) -> StoredOperation& {
         return project.Nets[at.net].Operations[at.operation];
     };
-    const auto sideOf = [&](const OperationAt& at, bool out) -> std::vector<StoredOperand>& {
-        return out ? operationAt(at).OutOperands : operationAt(at).InOperands;
+    // The operands of a side: 0 in, 1 out, 2 those of the image the host
+    // lists for its search.
+    const auto sideOf = [&](const OperationAt& at, int side) -> std::vector<StoredOperand>& {
+        return side == 2   ? operationAt(at).FindOnly
+               : side == 1 ? operationAt(at).OutOperands
+                           : operationAt(at).InOperands;
     };
     // Operations and operands are read in the order of their table's own key,
     // which needs no sort: a sort would hold every row with its block at
@@ -600,7 +604,7 @@ Project readProject(Database& db, int32_t schema) {
     {
         struct Placed {
             OperationAt operation;
-            bool out;
+            int side;
             int64_t position, id;
             StoredOperand operand;
         };
@@ -612,22 +616,22 @@ Project readProject(Database& db, int32_t schema) {
         while (operands.step()) {
             const auto found = operationOf.find(operands.i64(1));
             if (found == operationOf.end()) damaged(db.path(), "an operand belongs to no operation");
-            placed.push_back(
-                {found->second, operands.boolean(2), operands.i64(18), operands.i64(0), readOperand(operands)});
+            const int side = static_cast<int>(operands.integer(2, 0, schema >= 2 ? 2 : 1));
+            placed.push_back({found->second, side, operands.i64(18), operands.i64(0), readOperand(operands)});
         }
         std::stable_sort(placed.begin(), placed.end(), [](const Placed& a, const Placed& b) {
             return std::tie(a.position, a.id) < std::tie(b.position, b.id);
         });
         for (Placed& one : placed) {
-            std::vector<StoredOperand>& side = sideOf(one.operation, one.out);
-            operandOf[one.id] = {one.operation, one.out, side.size()};
+            std::vector<StoredOperand>& side = sideOf(one.operation, one.side);
+            operandOf[one.id] = {one.operation, one.side, side.size()};
             side.push_back(std::move(one.operand));
         }
     }
     const auto operandOfRow = [&](Statement& row, const char* what) -> StoredOperand& {
         const auto found = operandOf.find(row.i64(0));
         if (found == operandOf.end()) damaged(db.path(), std::string(what) + " belongs to no operand");
-        return sideOf(found->second.operation, found->second.out)[found->second.operand];
+        return sideOf(found->second.operation, found->second.side)[found->second.operand];
     };
     {
         Statement allowed(db, "SELECT operand_id, mode, type, allowed FROM allowed_types ORDER BY position, rowid");
@@ -692,10 +696,10 @@ Project readProject(Database& db, int32_t schema) {
 }
 
 void writeOperands(Database& db, Statement& insert, Statement& allowed, Statement& constants, int64_t operation,
-                   const std::vector<StoredOperand>& operands, bool out) {
+                   const std::vector<StoredOperand>& operands, int side) {
     int64_t position = 0;
     for (const StoredOperand& operand : operands) {
-        insert.bind(1, operation).bind(2, int64_t{out}).bind(3, position++).bind(4, operand.Key);
+        insert.bind(1, operation).bind(2, int64_t{side}).bind(3, position++).bind(4, operand.Key);
         insert.bind(5, operand.Caption).bind(6, operand.Title).bind(7, operand.Description);
         insert.bind(8, int64_t{operand.IsNew}).bind(9, operand.Mode).bind(10, operand.Type);
         insert.bind(11, operand.NetID).bind(12, operand.Address).bind(13, int64_t{operand.HasValue});
@@ -742,8 +746,9 @@ void writeProject(Database& db, const Project& project) {
             operation.bind(5, stored.FatherInstanceNum).bind(6, int64_t{stored.IsConducting});
             operation.bind(7, stored.BinaryOperands).run();
             const int64_t operationId = sqlite3_last_insert_rowid(db.handle());
-            writeOperands(db, operand, allowed, constantList, operationId, stored.InOperands, false);
-            writeOperands(db, operand, allowed, constantList, operationId, stored.OutOperands, true);
+            writeOperands(db, operand, allowed, constantList, operationId, stored.InOperands, 0);
+            writeOperands(db, operand, allowed, constantList, operationId, stored.OutOperands, 1);
+            writeOperands(db, operand, allowed, constantList, operationId, stored.FindOnly, 2);
         }
     }
     Statement instance(db, "INSERT INTO instances(father_id, instance_num, name, data) VALUES(?, ?, ?, ?)");

@@ -16,8 +16,9 @@ namespace project_file {
 // "QxFB" in the database header's application id field.
 inline constexpr int32_t ApplicationId = 0x51784642;
 // The schema this program writes, and the newest it reads. Version 2 added
-// the operands' descriptions; a file of version 1 is read as it is and
-// written as version 2.
+// the operands' descriptions and the operations' find-only operands (side
+// 2 of the operands); a file of version 1 is read as it is and written as
+// version 2.
 inline constexpr int32_t SchemaVersion = 2;
 }  // namespace project_file
 

@@ -55,6 +55,7 @@ Project sampleProject() {
     constant.ConstantList = {{1, L"Socket 1"}, {2, L"Socket 2"}};
     send.InOperands = {linkedOperand(L"in", 5, 7)};
     send.OutOperands = {constant};
+    send.FindOnly = {linkedOperand(L"1", 3, 40), linkedOperand(L"2", 3, 40), linkedOperand(L"3", 64, 50)};
     StoredOperation reset;
     reset.MethodID = 170105;
     project.Nets = {LadderNet{L"Start", {config}}, LadderNet{L"", {send, reset}}, LadderNet{L"empty net", {}}};
@@ -112,6 +113,7 @@ void makeFirstSchemaFile(const fs::path& file, const Project& project) {
 
 TEST_F(ProjectFileTest, AFileOfTheFirstSchemaIsReadAndSavedAsTheNewOne) {
     Project project = sampleProject();
+    project.Nets[1].Operations[0].FindOnly.clear();
     makeFirstSchemaFile(file, project);
     project.Descriptions.clear();
     EXPECT_EQ(loadProject(path), project);
@@ -119,6 +121,13 @@ TEST_F(ProjectFileTest, AFileOfTheFirstSchemaIsReadAndSavedAsTheNewOne) {
     saveProject(path, project);
     EXPECT_EQ(test::readFile(file).substr(60, 4), std::string("\0\0\0\x02", 4));
     EXPECT_EQ(loadProject(path), project);
+}
+
+TEST_F(ProjectFileTest, AFindOnlyOperandInAFirstSchemaFileIsDamage) {
+    saveProject(path, sampleProject());
+    runSql(file, "DROP TABLE descriptions; PRAGMA user_version = 1;");
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+              "project file \"" + path + "\": is damaged (a value of side is out of range)");
 }
 
 TEST_F(ProjectFileTest, AFirstSchemaFileWithTheNewTableIsNotOfThisProgram) {

@@ -134,6 +134,12 @@ public:
     };
     // Every identity that at least one link names, by type, then address.
     std::vector<Link> Links() const;
+    // Forgets every link (the constants stay): for a host that derives the
+    // table anew from what its operations name.
+    void ClearLinks() {
+        slots_.clear();
+        usedSlots_ = 0;
+    }
     // Sets an identity's entry as it was saved; a count of 0 or less leaves it out.
     void RestoreLink(int32_t type, int32_t address, const Entry& entry);
     // Constant-table address to type and value.
