@@ -488,10 +488,13 @@ WorkbenchHost::Moved WorkbenchHost::MoveOperand(int32_t netId, int32_t type, int
         if (newAddress < other.Address + other.VectorLength && other.Address < newAddress + span) {
             std::string users;
             for (const auto& [n, i] : other.Links.empty() ? other.FindOnly : other.Links)
-                users = toUtf8(BlockName(n, i));
-            for (const auto& [family, instance] : other.Instances)
-                if (users.empty())
-                    users = "the instance " + std::to_string(instance) + " of family " + std::to_string(family);
+                if (users.empty()) users = toUtf8(BlockName(n, i));
+            for (const auto& [family, number] : other.Instances)
+                if (users.empty()) {
+                    std::wstring instanceName;
+                    instances_.at(family)->GetInstanceName(number, instanceName);
+                    users = "the instance " + std::to_string(number) + " (" + toUtf8(instanceName) + ")";
+                }
             throw std::invalid_argument(
                 what + " cannot move to " + std::to_string(newAddress) + ": it would overlap " + name(other.Address) +
                 (other.VectorLength > 1 ? " (" + std::to_string(other.VectorLength) + " addresses)" : "") +

@@ -12,11 +12,13 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
+#include <QUndoCommand>
 #include <QVBoxLayout>
 
 #include "framework/shared_helpers.h"
@@ -82,6 +84,31 @@ QStringList versionsOf(itfFBFather& family) {
     for (int32_t version : family.itfFBFather_HexFileVersionsList()) versions << QString::number(version);
     return versions;
 }
+
+// One change of the project for the undo stack: the whole project before
+// and after it, as the project file would keep it. The change is made
+// already when the command is pushed, so its first redo does nothing.
+class ProjectChange : public QUndoCommand {
+public:
+    ProjectChange(const QString& text, Project before, Project after, std::function<void(const Project&)> restore)
+        : QUndoCommand(text), before_(std::move(before)), after_(std::move(after)), restore_(std::move(restore)) {}
+    void undo() override { restore_(before_); }
+    void redo() override {
+        if (!done_) {
+            done_ = true;
+            return;
+        }
+        restore_(after_);
+    }
+
+private:
+    Project before_, after_;
+    std::function<void(const Project&)> restore_;
+    bool done_ = false;
+};
+
+// A project is held twice per change; a long session keeps the last ones.
+constexpr int UndoLimit = 100;
 
 QTreeWidget* newTree(const QString& name, const QStringList& headers, QWidget* parent) {
     auto* tree = new QTreeWidget(parent);
@@ -166,6 +193,22 @@ WorkbenchWindow::WorkbenchWindow(WorkbenchHost& host, QWidget* parent)
     operands_->setRootIsDecorated(false);
     operands_->setUniformRowHeights(true);
 
+    undo_.setUndoLimit(UndoLimit);
+    // Back at the state of the file, the project is unchanged again.
+    connect(&undo_, &QUndoStack::indexChanged, this, [this] {
+        if (undo_.isClean())
+            host_.MarkSaved();
+        else
+            host_.MarkModified();
+        updateTitle();
+    });
+    for (QTreeWidget* tree : {ladder_, operands_, instances_}) {
+        tree->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(tree, &QTreeWidget::customContextMenuRequested, this, [this, tree](const QPoint& at) {
+            if (std::unique_ptr<QMenu> menu = ContextMenuFor(*tree, tree->itemAt(at)))
+                menu->exec(tree->viewport()->mapToGlobal(at));
+        });
+    }
     buildMenus();
     fillPalette();
     connect(palette_, &QTreeWidget::itemDoubleClicked, this, [this] { placeCurrent(); });
@@ -222,8 +265,20 @@ void WorkbenchWindow::buildMenus() {
     add(file, QStringLiteral("actionQuit"), QStringLiteral("&Quit"), QKeySequence::Quit, [this] { close(); });
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
+    QAction* undo = undo_.createUndoAction(this, QStringLiteral("&Undo"));
+    undo->setObjectName(QStringLiteral("actionUndo"));
+    undo->setShortcuts(QKeySequence::Undo);
+    QAction* redo = undo_.createRedoAction(this, QStringLiteral("&Redo"));
+    redo->setObjectName(QStringLiteral("actionRedo"));
+    redo->setShortcuts(QKeySequence::Redo);
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
     add(edit, QStringLiteral("actionAddNet"), QStringLiteral("Add &net"), QKeySequence(Qt::CTRL | Qt::Key_R), [this] {
-        host_.AddNet();
+        changeProject(QStringLiteral("Add net"), [this] {
+            host_.AddNet();
+            return true;
+        });
         refresh();
         ladder_->setCurrentItem(ladder_->topLevelItem(ladder_->topLevelItemCount() - 1));
     });
@@ -233,6 +288,8 @@ void WorkbenchWindow::buildMenus() {
         [this] { editCurrent(); });
     add(edit, QStringLiteral("actionDelete"), QStringLiteral("&Delete operation"), QKeySequence::Delete,
         [this] { deleteCurrent(); });
+    add(edit, QStringLiteral("actionDeleteInstance"), QStringLiteral("Delete &instance"), QKeySequence(),
+        [this] { deleteCurrentInstance(); });
     add(edit, QStringLiteral("actionMoveOperand"), QStringLiteral("&Move operand..."),
         QKeySequence(Qt::CTRL | Qt::Key_M), [this] { MoveCurrentOperand(); });
     add(edit, QStringLiteral("actionRuntimeVersion"), QStringLiteral("&Runtime version..."), QKeySequence(),
@@ -241,8 +298,10 @@ void WorkbenchWindow::buildMenus() {
     QMenu* settings = menuBar()->addMenu(QStringLiteral("&Settings"));
     actionExtendedOperands_ = add(settings, QStringLiteral("actionExtendedOperands"),
                                   QStringLiteral("&Extended operands"), QKeySequence(), [this](bool on) {
-                                      host_.Context().ExtendedOperands = on;
-                                      host_.MarkModified();
+                                      changeProject(QStringLiteral("Extended operands"), [this, on] {
+                                          host_.Context().ExtendedOperands = on;
+                                          return true;
+                                      });
                                       updateTitle();
                                   });
     actionExtendedOperands_->setCheckable(true);
@@ -336,9 +395,13 @@ void WorkbenchWindow::refreshInstances() {
         auto* familyItem = new QTreeWidgetItem(
             instances_, {family ? toQString(family->itfFBFather_Title()) : QString::number(father)});
         familyItem->setFirstColumnSpanned(true);
-        for (const StoredInstance& instance : instances->Stored())
-            new QTreeWidgetItem(familyItem, {QString::number(instance.InstanceNum), toQString(instance.Name),
-                                             QStringLiteral("%1 bytes").arg(instance.Data.size())});
+        for (const StoredInstance& instance : instances->Stored()) {
+            auto* item =
+                new QTreeWidgetItem(familyItem, {QString::number(instance.InstanceNum), toQString(instance.Name),
+                                                 QStringLiteral("%1 bytes").arg(instance.Data.size())});
+            item->setData(0, Qt::UserRole, father);
+            item->setData(0, Qt::UserRole + 1, instance.InstanceNum);
+        }
     }
     instances_->expandAll();
     for (int column = 0; column < instances_->columnCount(); ++column) instances_->resizeColumnToContents(column);
@@ -390,7 +453,9 @@ bool WorkbenchWindow::MoveCurrentOperand() {
     if (ask.exec() != QDialog::Accepted) return false;
     const QString from = item->text(0);
     WorkbenchHost::Moved changed;
-    const bool moved = guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()); });
+    const bool moved = changeProject(QStringLiteral("Move %1 to %2").arg(from).arg(ask.intValue()), [&] {
+        return guarded([&] { changed = host_.MoveOperand(netId, type, address, ask.intValue()); });
+    });
     // Refreshed also after an image refused the command halfway.
     refresh();
     if (moved)
@@ -451,10 +516,15 @@ MethodPtr WorkbenchWindow::CurrentOperation() const {
 }
 
 bool WorkbenchWindow::PlaceOperation(int32_t methodId) {
-    auto place = currentPlace();
-    const size_t net = place && place->first < host_.Nets().size() ? place->first : host_.AddNet();
+    const auto place = currentPlace();
+    size_t net = 0;
     MethodPtr placed;
-    guarded([&] { placed = host_.PlaceOperation(net, methodId); });
+    // A new net for it, when there is none, is part of the change.
+    changeProject(QStringLiteral("Place operation"), [&] {
+        net = place && place->first < host_.Nets().size() ? place->first : host_.AddNet();
+        guarded([&] { placed = host_.PlaceOperation(net, methodId); });
+        return placed != nullptr;
+    });
     refresh();
     if (!placed) return false;
     QTreeWidgetItem* netItem = ladder_->topLevelItem(static_cast<int>(net));
@@ -470,16 +540,107 @@ void WorkbenchWindow::placeCurrent() {
 
 void WorkbenchWindow::editCurrent() {
     const MethodPtr operation = CurrentOperation();
+    const auto place = currentPlace();
     if (!operation) return;
-    guarded([&] { host_.EditOperation(operation); });
+    changeProject(QStringLiteral("Edit %1").arg(toQString(host_.BlockName(place->first, place->second))), [&] {
+        bool ok = false;
+        guarded([&] { ok = host_.EditOperation(operation); });
+        return ok;
+    });
     refresh();
 }
 
 void WorkbenchWindow::deleteCurrent() {
+    const MethodPtr operation = CurrentOperation();
     const auto place = currentPlace();
-    if (!place || place->second == SIZE_MAX) return;
-    guarded([&] { host_.RemoveOperation(place->first, place->second); });
+    if (!operation) return;
+    const QString block = toQString(host_.BlockName(place->first, place->second));
+    // A Config that other blocks run on: they would lose it.
+    const int32_t family = familyOf(operation->itfFBMethod_MethodID());
+    const int32_t instance = operation->itfFBMethod_FatherInstanceNum();
+    if (operation->itfFBMethod_MethodID() % 100 == 1 && instance != 0) {
+        QStringList users;
+        for (const auto& [n, i] : host_.UsersOfInstance(family, instance, *place))
+            users << toQString(host_.BlockName(n, i));
+        if (!users.isEmpty() &&
+            showBox(QStringLiteral("DeleteConfig"), QMessageBox::Warning, QStringLiteral("Delete operation"),
+                    QStringLiteral("%1 is the Config of instance %2 %3, which %4 %5. Delete the Config anyway? The "
+                                   "instance stays for them.")
+                        .arg(block)
+                        .arg(instance)
+                        .arg(toQString(operation->itfFBMethod_FatherInstanceName()))
+                        .arg(users.join(QStringLiteral(", ")))
+                        .arg(users.size() == 1 ? QStringLiteral("uses") : QStringLiteral("use")),
+                    QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+            return;
+    }
+    changeProject(QStringLiteral("Delete %1").arg(block),
+                  [&] { return guarded([&] { host_.RemoveOperation(place->first, place->second); }); });
     refresh();
+}
+
+void WorkbenchWindow::deleteCurrentInstance() {
+    const QTreeWidgetItem* item = instances_->currentItem();
+    if (!item || !item->parent()) return;
+    const int32_t family = item->data(0, Qt::UserRole).toInt();
+    const int32_t number = item->data(0, Qt::UserRole + 1).toInt();
+    QStringList users;
+    for (const auto& [n, i] : host_.UsersOfInstance(family, number)) users << toQString(host_.BlockName(n, i));
+    if (!users.isEmpty()) {
+        showError(QStringLiteral("Instance %1 %2 cannot be deleted: %3 %4 it.")
+                      .arg(number)
+                      .arg(item->text(1), users.join(QStringLiteral(", ")),
+                           users.size() == 1 ? QStringLiteral("uses") : QStringLiteral("use")));
+        return;
+    }
+    changeProject(QStringLiteral("Delete instance %1 %2").arg(number).arg(item->text(1)), [&] {
+        return guarded([&] {
+            host_.InstancesOf(family).DeleteInstance(number);
+            host_.SyncOperands();
+            host_.MarkModified();
+        });
+    });
+    refresh();
+}
+
+bool WorkbenchWindow::changeProject(const QString& text, const std::function<bool()>& change) {
+    Project before = host_.ToProject();
+    const bool done = change();
+    // Also a change that ended in an error or a Cancel is kept when it
+    // left anything different.
+    Project after = host_.ToProject();
+    if (after != before)
+        undo_.push(new ProjectChange(text, std::move(before), std::move(after),
+                                     [this](const Project& project) { restoreProject(project); }));
+    return done;
+}
+
+void WorkbenchWindow::restoreProject(const Project& project) {
+    guarded([&] { host_.Open(project, true); });
+    refresh();
+}
+
+std::unique_ptr<QMenu> WorkbenchWindow::ContextMenuFor(QTreeWidget& tree, QTreeWidgetItem* item) {
+    if (!item) return nullptr;
+    auto menu = std::make_unique<QMenu>(this);
+    menu->setObjectName(QStringLiteral("contextMenu"));
+    const auto action = [this](const char* name) { return findChild<QAction*>(QString::fromLatin1(name)); };
+    tree.setCurrentItem(item);
+    if (&tree == ladder_) {
+        if (CurrentOperation()) {
+            for (const char* name : {"actionEdit", "actionDelete", "actionRuntimeVersion"})
+                menu->addAction(action(name));
+        } else {
+            menu->addAction(action("actionPlace"));
+            menu->addAction(action("actionAddNet"));
+        }
+    } else if (&tree == operands_) {
+        menu->addAction(action("actionMoveOperand"));
+    } else if (&tree == instances_) {
+        if (!item->parent()) return nullptr;
+        menu->addAction(action("actionDeleteInstance"));
+    }
+    return menu;
 }
 
 void WorkbenchWindow::chooseRuntimeVersion() {
@@ -498,8 +659,11 @@ void WorkbenchWindow::chooseRuntimeVersion() {
         QInputDialog::getItem(this, QStringLiteral("Runtime version"), QStringLiteral("Version of the runtime:"),
                               versions, std::max<int>(0, static_cast<int>(versions.indexOf(current))), false, &ok);
     if (!ok || chosen == current) return;
-    operation->itfFBMethod_HexFileVersion(chosen.toInt());
-    host_.MarkModified();
+    changeProject(QStringLiteral("Runtime version %1").arg(chosen), [&] {
+        operation->itfFBMethod_HexFileVersion(chosen.toInt());
+        host_.MarkModified();
+        return true;
+    });
     refresh();
 }
 
@@ -507,8 +671,11 @@ void WorkbenchWindow::chooseAppFolder() {
     const QString folder = QFileDialog::getExistingDirectory(this, QStringLiteral("Application folder"),
                                                              toQString(host_.Context().AppFolder));
     if (folder.isEmpty()) return;
-    host_.Context().AppFolder = fromQString(folder);
-    host_.MarkModified();
+    changeProject(QStringLiteral("Application folder"), [&] {
+        host_.Context().AppFolder = fromQString(folder);
+        host_.MarkModified();
+        return true;
+    });
     updateTitle();
 }
 
@@ -619,6 +786,7 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
                 QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
     std::vector<std::wstring> leftOut;
     const bool opened = guarded([&] { leftOut = host_.Open(project, takeAppFolder); });
+    undo_.clear();
     guard_ = ProjectGuard();
     readOnly_ = false;
     filePath_ = opened ? path : QString();
@@ -677,6 +845,7 @@ bool WorkbenchWindow::SaveFile(const QString& path) {
     guard_.Stamp(path);
     filePath_ = path;
     remember(path);
+    undo_.setClean();
     host_.MarkSaved();
     updateTitle();
     return true;
@@ -749,6 +918,7 @@ bool WorkbenchWindow::maySkipUnsaved() {
 void WorkbenchWindow::newProject() {
     if (!maySkipUnsaved()) return;
     host_.Clear();
+    undo_.clear();
     guard_ = ProjectGuard();
     readOnly_ = false;
     filePath_.clear();

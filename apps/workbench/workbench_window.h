@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QString>
 #include <QTreeWidget>
+#include <QUndoStack>
 #include <functional>
 #include <map>
 #include <memory>
@@ -62,6 +63,12 @@ public:
     // Moves the operand of the operands view's current row, asking for its
     // new address; false when nothing moved.
     bool MoveCurrentOperand();
+    // Every change of the project, one command each, as the project was
+    // before and after it.
+    QUndoStack& UndoStack() { return undo_; }
+    // The context menu of an item of the ladder, operands or instances
+    // view (none on empty space): the actions that apply to it.
+    std::unique_ptr<QMenu> ContextMenuFor(QTreeWidget& tree, QTreeWidgetItem* item);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -78,6 +85,12 @@ private:
     void placeCurrent();
     void editCurrent();
     void deleteCurrent();
+    void deleteCurrentInstance();
+    // Runs a change of the project and records it for undo, when it changed
+    // anything; answers what the change answered.
+    bool changeProject(const QString& text, const std::function<bool()>& change);
+    // The project as an undo or redo leaves it.
+    void restoreProject(const Project& project);
     void newProject();
     void openProject();
     bool saveProject();
@@ -114,6 +127,7 @@ private:
     ProjectGuard guard_;
     bool readOnly_ = false;
     std::map<int32_t, QIcon> blockIcons_;
+    QUndoStack undo_;
 };
 
 }  // namespace qx
