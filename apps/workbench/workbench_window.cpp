@@ -20,6 +20,7 @@
 #include <QStatusBar>
 #include <QUndoCommand>
 #include <QVBoxLayout>
+#include <filesystem>
 
 #include "framework/shared_helpers.h"
 #include "platform/basics/ansi.h"
@@ -470,27 +471,46 @@ bool WorkbenchWindow::MoveCurrentOperand() {
 bool WorkbenchWindow::guarded(const std::function<void()>& action) {
     const size_t reportsBefore = host_.Context().Reports.size();
     bool done = false;
+    QString error;
     try {
         action();
         done = true;
     } catch (const RuntimeError& e) {
-        showError(toQString(e.Description()));
+        error = toQString(e.Description());
     } catch (const std::exception& e) {
-        showError(QString::fromUtf8(e.what()));
+        error = QString::fromUtf8(e.what());
     }
-    // What the component reported meanwhile, in its own words.
     std::vector<ErrorReport>& reports = host_.Context().Reports;
-    if (reports.size() > reportsBefore) {
-        QStringList lines;
-        for (size_t i = reportsBefore; i < reports.size(); ++i)
-            lines << QStringLiteral("%1 (%2): %3")
-                         .arg(toQString(reports[i].Name))
-                         .arg(reports[i].Number)
-                         .arg(toQString(reports[i].Text));
-        reports.resize(reportsBefore);
+    QStringList lines;
+    for (size_t i = reportsBefore; i < reports.size(); ++i) {
+        const ErrorReport& report = reports[i];
+        // A family whose ini file the runtime folder lacks, or whose ini file
+        // lacks a key, fails with an error that names neither: said in words.
+        const int key = static_cast<int>(report.Text.rfind(L"Key: "));
+        const int family = static_cast<int>(report.Text.rfind(L"FatherID: "));
+        if (report.Name == L"KeyNotFount" && key >= 0 && family >= 0) {
+            const QString text = toQString(report.Text);
+            const QString id = text.mid(family + 10).section(QLatin1Char('\n'), 0, 0).trimmed();
+            const QString ini = toQString(host_.Context().RuntimeFolder()) + id + QStringLiteral(".ini");
+            error = (QFileInfo(ini).isFile()
+                         ? QStringLiteral("%1 has no value for %2.").arg(ini, text.mid(key + 5).trimmed())
+                         : QStringLiteral("The runtime folder has no file %1.").arg(ini)) +
+                    QStringLiteral(
+                        " The application folder %1 (Settings, Application folder) must hold the "
+                        "runtime folder FB_Lib/RT of the families.")
+                        .arg(toQString(host_.Context().AppFolder));
+            lines.clear();
+            break;
+        }
+        lines
+            << QStringLiteral("%1 (%2): %3").arg(toQString(report.Name)).arg(report.Number).arg(toQString(report.Text));
+    }
+    reports.resize(reportsBefore);
+    if (!error.isEmpty()) showError(error);
+    // What else the component reported meanwhile, in its own words.
+    if (!lines.isEmpty())
         showBox(QStringLiteral("ComponentReports"), QMessageBox::Warning, QStringLiteral("QxFBCom2 workbench"),
                 QStringLiteral("The component reported:\n") + lines.join('\n'));
-    }
     return done;
 }
 
@@ -812,7 +832,7 @@ bool WorkbenchWindow::OpenFile(const QString& path) {
     return opened;
 }
 
-bool WorkbenchWindow::SaveFile(const QString& path) {
+bool WorkbenchWindow::SaveFile(const QString& path, bool replace) {
     const bool samePlace = !filePath_.isEmpty() && QFileInfo(path) == QFileInfo(filePath_);
     if (samePlace && readOnly_) {
         showError(QStringLiteral("Cannot save %1: it was opened read-only, since another workbench has it open. "
@@ -837,7 +857,28 @@ bool WorkbenchWindow::SaveFile(const QString& path) {
                     .arg(path),
                 QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
         return false;
-    if (!guarded([&] { qx::saveProject(QFile::encodeName(path).toStdString(), host_.ToProject()); })) return false;
+    const std::string file = QFile::encodeName(path).toStdString();
+    const bool replacing = replace && !samePlace && QFileInfo(path).isFile() && !QFileInfo(path).isSymLink();
+    if (!guarded([&] {
+            if (!replacing) return qx::saveProject(file, host_.ToProject());
+            // A new file beside it, renamed over it once it is whole: the
+            // old file stays as it was until then, whatever it holds.
+            const std::string fresh = file + ".saving";
+            std::filesystem::remove(fresh);
+            try {
+                qx::saveProject(fresh, host_.ToProject());
+                std::error_code error;
+                std::filesystem::rename(fresh, file, error);
+                if (error)
+                    throw std::runtime_error("project file \"" + file + "\": cannot be saved (" + error.message() +
+                                             ")");
+            } catch (...) {
+                std::error_code ignored;
+                std::filesystem::remove(fresh, ignored);
+                throw;
+            }
+        }))
+        return false;
     if (!samePlace) {
         guard_ = std::move(target);
         readOnly_ = false;
@@ -939,7 +980,8 @@ bool WorkbenchWindow::saveProjectAs() {
                                                 QStringLiteral("Projects (*.qxfbproj)"));
     if (path.isEmpty()) return false;
     if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".qxfbproj");
-    return SaveFile(path);
+    // The file dialog asked before it named a file that exists.
+    return SaveFile(path, true);
 }
 
 void WorkbenchWindow::closeEvent(QCloseEvent* event) {

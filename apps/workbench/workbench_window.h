@@ -33,7 +33,9 @@ public:
     // File work without the file dialogs (tests, the command line); each
     // shows its error in a message box and returns false on failure.
     bool OpenFile(const QString& path);
-    bool SaveFile(const QString& path);
+    // With replace (the person agreed to replace the file at path, as Save
+    // as asks), whatever regular file is there is replaced by the project.
+    bool SaveFile(const QString& path, bool replace = false);
     const QString& FilePath() const { return filePath_; }
     // True while another workbench holds the open file: Save refuses it,
     // Save as writes a copy.

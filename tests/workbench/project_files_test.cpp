@@ -190,5 +190,45 @@ TEST_F(ProjectFilesTest, SaveAsHasCtrlShiftS) {
     EXPECT_TRUE(saveAs->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)));
 }
 
+TEST_F(ProjectFilesTest, SaveAsOverAFileThePersonAgreedToReplaceReplacesIt) {
+    host->AddNet(L"kept");
+    const QString path = file("old.txt");
+    test::writeFile(path.toStdString(), "notes of another day");
+    // Without the agreement the file is not a project and stays as it was.
+    answer("WorkbenchError");
+    EXPECT_FALSE(window->SaveFile(path));
+    EXPECT_EQ(test::readFile(path.toStdString()), "notes of another day");
+    EXPECT_TRUE(window->SaveFile(path, true));
+    EXPECT_EQ(loadProject(path.toStdString()).Nets.at(0).Comment, L"kept");
+    EXPECT_FALSE(QFileInfo::exists(path + QStringLiteral(".saving")));
+    EXPECT_FALSE(host->Modified());
+}
+
+TEST_F(ProjectFilesTest, ASaveIntoAFolderThatIsNotThereSaysSoInWords) {
+    host->AddNet(L"kept");
+    const QString path = file("missing/plant.qxfbproj");
+    answer("WorkbenchError");
+    EXPECT_FALSE(window->SaveFile(path, true));
+    const QString text = said(0);
+    EXPECT_TRUE(text.contains(path)) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("cannot be saved"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("No such file or directory"))) << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral("unable to open database file"))) << text.toStdString();
+    EXPECT_TRUE(host->Modified());
+}
+
+TEST_F(ProjectFilesTest, AWrongApplicationFolderIsNamedWithWhatItLacks) {
+    test::ConfigPerson person;
+    ASSERT_TRUE(placeConfig(person));
+    host->Context().AppFolder = fromUtf8((folder.path() / "not-the-app").string());
+    answer("WorkbenchError");
+    EXPECT_FALSE(window->ExportBundle(file("bundle")));
+    const std::string text = said(0).toStdString();
+    EXPECT_EQ(text.find("KeyNotFount"), std::string::npos) << text;
+    EXPECT_EQ(text.find("Type mismatch"), std::string::npos) << text;
+    EXPECT_NE(text.find("not-the-app/../FB_Lib/RT/170100.ini"), std::string::npos) << text;
+    EXPECT_EQ(window->findChild<QMessageBox*>(QStringLiteral("ComponentReports")), nullptr);
+}
+
 }  // namespace
 }  // namespace qx
