@@ -3,8 +3,12 @@
 #include <QBoxLayout>
 #include <QPushButton>
 
+#include "editors/frm_protocol_send_advanced.h"
+#include "editors/message_dialog.h"
 #include "platform/controls/form.h"
 #include "qt/qt_text.h"
+#include "serial/frm_protocol_config.h"
+#include "serial/frm_protocol_copy_bytes.h"
 #include "tcpip/frm_eth_address_param.h"
 #include "tcpip/frm_eth_protocol_config.h"
 
@@ -12,9 +16,17 @@ namespace qx {
 
 namespace {
 // What the dialog of that form says about its OK button, if it says anything.
+template <class Dialog>
+std::function<std::wstring()> askIf(Form& form) {
+    auto* dialog = dynamic_cast<Dialog*>(&form);
+    if (!dialog) return nullptr;
+    return [dialog] { return dialog->inputProblem(); };
+}
+
 std::function<std::wstring()> problemOf(Form& form) {
-    if (auto* config = dynamic_cast<frmEthProtocolConfig*>(&form)) return [config] { return config->inputProblem(); };
-    if (auto* address = dynamic_cast<frmEthAddressParam*>(&form)) return [address] { return address->inputProblem(); };
+    for (auto ask : {askIf<frmEthProtocolConfig>, askIf<frmEthAddressParam>, askIf<frmProtocolConfig>,
+                     askIf<frmProtocolCopyBytes>, askIf<frmProtocolSendAdvanced>, askIf<MessageDialog>})
+        if (auto problem = ask(form)) return problem;
     return nullptr;
 }
 }  // namespace
