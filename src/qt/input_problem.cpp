@@ -43,6 +43,7 @@ InputProblemLine::InputProblemLine(std::function<std::wstring()> problem, const 
     // an option chosen, a link made in the picker, a cell filled.
     for (Control* control : watched)
         subscriptions_.emplace_back(control, control->Subscribe([this](std::string_view) { Refresh(); }));
+    setVisible(false);
     Refresh();
 }
 
@@ -54,6 +55,8 @@ void InputProblemLine::Refresh() {
     const QString words = toQString(problem_());
     if (words == text()) return;
     setText(words);
+    // No empty row while all is well: the dialog keeps the look it had.
+    setVisible(!words.isEmpty());
     if (ok_) ok_->setToolTip(words);
 }
 

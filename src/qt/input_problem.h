@@ -1,6 +1,6 @@
 // The line under a dialog's fields that tells the person what keeps OK from
-// being taken: the first wrong entry and its rule, in red, empty when all is
-// well. The OK button's tooltip says the same. The words come from the
+// being taken: the first wrong entry and its rule, in red, empty and hidden
+// when all is well. The OK button's tooltip says the same. The words come from the
 // dialog itself; OK still runs the dialog's own checks and messages.
 #pragma once
 #include <QLabel>

@@ -222,5 +222,33 @@ TEST_F(QtConfigDialogTest, EnterWithAnEmptyNameShowsMessage152AsOkDoesAndEscapeT
     EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
     EXPECT_EQ(bench.config->itfFBMethod_FatherInstanceName(), L"Line1");
 }
+TEST_F(QtConfigDialogTest, AnUnlinkedOperandIsNamedUnderTheFieldsAndOnOKUntilLinked) {
+    bench.makeNew();
+    QString shown, tip, afterLinks = QStringLiteral("?");
+    bool visible = false, visibleAfterLinks = true;
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    test::onModal(QStringLiteral("frmProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* line = window.findChild<QLabel*>(QStringLiteral("inputProblem"));
+        ASSERT_NE(line, nullptr);
+        shown = line->text();
+        visible = line->isVisible();
+        tip = window.findChild<QPushButton*>(QStringLiteral("cmdOk"))->toolTip();
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 1, 100); });
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdFailLink")), Qt::LeftButton);
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 3, 200); });
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdStatusOp")), Qt::LeftButton);
+        afterLinks = line->text();
+        visibleAfterLinks = line->isVisible();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(shown, QStringLiteral("\"Function in progress\" must be linked: press ..."));
+    EXPECT_TRUE(visible);
+    EXPECT_EQ(tip, shown);
+    EXPECT_EQ(afterLinks, QString());
+    EXPECT_FALSE(visibleAfterLinks);
+}
 }  // namespace
 }  // namespace qx
