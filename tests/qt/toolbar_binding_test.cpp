@@ -109,10 +109,8 @@ TEST_F(ToolBarBindingTest, TheDockedBandShowsItsLabelItsListAndItsButtonsInOrder
 TEST_F(ToolBarBindingTest, ToolsWithoutIconsShowTheirCaptionsAndWithIconsTheIconsAlone) {
     EXPECT_EQ(toolbar->toolButtonStyle(), Qt::ToolButtonTextOnly);
     // Icons by their freedesktop names, from the desktop's theme or, offscreen, from Adwaita.
-    const std::pair<const wchar_t*, const wchar_t*> icons[] = {{L"ID_Cut", L"edit-cut"},
-                                                               {L"ID_Copy", L"edit-copy"},
-                                                               {L"ID_Paste", L"edit-paste"},
-                                                               {L"ID_ClearAll", L"edit-delete"}};
+    const std::pair<const wchar_t*, const wchar_t*> icons[] = {
+        {L"ID_Cut", L"edit-cut"}, {L"ID_Copy", L"edit-copy"}, {L"ID_Paste", L"edit-paste"}, {L"ID_ClearAll", L"edit-delete"}};
     for (const auto& [id, icon] : icons) form.abSend.Bands(L"MainToolBar").Tools(id).Icon(icon);
     for (const auto& [id, icon] : icons) EXPECT_FALSE(actionOf(QString::fromWCharArray(id))->icon().isNull()) << icon;
     EXPECT_EQ(toolbar->toolButtonStyle(), Qt::ToolButtonIconOnly);
