@@ -8,6 +8,12 @@
 namespace qx {
 
 namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
 const wchar_t* const linkToolTip = L"Link Operand to Variable";
 }  // namespace
 
@@ -71,6 +77,14 @@ void frmEthProtocolSend::UpdateOKEnabled() {
     SendMessageDialog::UpdateOKEnabled();
     const OperandPtr succeeded = succeededOperand();
     if (!succeeded || succeeded->IsNew()) cmdOK.Enabled(false);
+}
+
+std::wstring frmEthProtocolSend::inputProblem() const {
+    std::wstring problem = SendMessageDialog::inputProblem();
+    const OperandPtr succeeded = succeededOperand();
+    if (problem.empty() && (!succeeded || succeeded->IsNew()))
+        problem = L"\"" + fieldName(Label2.Caption()) + L"\" must be linked: press ...";
+    return problem;
 }
 
 bool frmEthProtocolSend::ValidateMessages() { return checkMessages() && checkLongSegments(); }

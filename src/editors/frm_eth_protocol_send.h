@@ -43,6 +43,7 @@ public:
 
     // The conditions of every Send dialog, and item 1 linked.
     void UpdateOKEnabled() override;
+    std::wstring inputProblem() const override;
     // Something to download (143), no empty message before a used one
     // (144), no fixed-text run above 255 characters; in that order.
     bool ValidateMessages() override;

@@ -10,6 +10,12 @@
 namespace qx {
 
 namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
 constexpr int32_t keyEscape = 27;
 constexpr int32_t iconPicture = 302;
 const wchar_t* const linkToolTip = L"Link Operand to Variable";
@@ -121,6 +127,17 @@ void frmProtocolSendAdvanced::SelectFormat() {
 
 void frmProtocolSendAdvanced::UpdateOKEnabled() {
     cmdOK.Enabled(CopyBytesCount != 0 && !destination().IsNew() && !whenOn().IsNew());
+}
+
+std::wstring frmProtocolSendAdvanced::inputProblem() const {
+    if (CopyBytesCount == 0) {
+        if (ckCopyBytes.Value() != CheckBox::Checked)
+            return L"\"" + ckCopyBytes.Caption() + L"\" must be checked and filled in";
+        return L"\"" + fieldName(lbFormat.Caption()) + L"\" must be chosen from the list";
+    }
+    if (destination().IsNew()) return L"\"" + fieldName(lbCopyDestination.Caption()) + L"\" must be linked: press ...";
+    if (whenOn().IsNew()) return L"\"" + fieldName(lbCopyBit.Caption()) + L"\" must be linked: press ...";
+    return L"";
 }
 
 void frmProtocolSendAdvanced::ckCopyBytes_Click() {

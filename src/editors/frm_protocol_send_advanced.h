@@ -68,6 +68,9 @@ public:
     void SelectFormat();
     // OK needs a count and both operands linked; the check box is not asked.
     void UpdateOKEnabled();
+    // What keeps OK disabled, as the field and its rule; empty when OK is
+    // enabled. For the person, beside the button.
+    std::wstring inputProblem() const;
 
 private:
     clsOperand& destination() const;

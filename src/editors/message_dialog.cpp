@@ -148,6 +148,12 @@ void MessageDialog::UpdateOKEnabled() {
     cmdOK.Enabled(cbInstanceName.ListIndex() >= 0 && method_ && method_->itfFBMethod_FatherInstanceNum() != 0);
 }
 
+std::wstring MessageDialog::inputProblem() const {
+    if (cbInstanceName.ListIndex() < 0 || !method_ || method_->itfFBMethod_FatherInstanceNum() == 0)
+        return L"A Config instance must be chosen from the list";
+    return L"";
+}
+
 // --- Toolbar ---
 
 void MessageDialog::abTool_Click(const std::wstring& ToolId) {

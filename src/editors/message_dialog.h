@@ -88,6 +88,7 @@ public:
 
     MessageGridEditor& gridEditor() { return editor_; }
     Grid& grid() { return grid_; }
+    const Grid& grid() const { return grid_; }
     ToolBar& toolBar() { return bar_; }
 
     // The reset of the grid that the set's ClearAll asks for.
@@ -112,6 +113,10 @@ public:
 
     // OK needs a Config instance chosen; a dialog adds its own conditions.
     virtual void UpdateOKEnabled();
+    // What keeps OK disabled, as the field and its rule, in the order of
+    // UpdateOKEnabled; empty when OK is enabled. For the person, beside the
+    // button. The checks of OK itself still speak through their messages.
+    virtual std::wstring inputProblem() const;
     // The checks of OK, in the dialog's order; false at the first fault.
     virtual bool ValidateMessages() = 0;
 

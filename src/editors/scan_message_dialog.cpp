@@ -8,6 +8,15 @@
 
 namespace qx {
 
+namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
+}  // namespace
+
 ScanMessageDialog::ScanMessageDialog(std::wstring formName, std::wstring caption)
     : MessageDialog(std::move(formName), std::move(caption), MessageGridKind::Scan, L"FlgScan", L"abScan",
                     ClearAllMessage) {
@@ -25,6 +34,8 @@ void ScanMessageDialog::addLink(int32_t k, Label& caption, Label& display, Comma
     display.OnDblClick = [this, k] { linkItem(k); };
     if (static_cast<int32_t>(linkDisplays_.size()) < k) linkDisplays_.resize(static_cast<size_t>(k));
     linkDisplays_[static_cast<size_t>(k) - 1] = &display;
+    if (static_cast<int32_t>(linkCaptions_.size()) < k) linkCaptions_.resize(static_cast<size_t>(k));
+    linkCaptions_[static_cast<size_t>(k) - 1] = &caption;
 }
 
 clsProtocolScanSrv& ScanMessageDialog::scanSet() const {
@@ -96,6 +107,17 @@ void ScanMessageDialog::UpdateOKEnabled() {
     MessageDialog::UpdateOKEnabled();
     for (int32_t k = 1; k <= requiredLinks_; ++k)
         if (isNewItem(k)) cmdOK.Enabled(false);
+}
+
+std::wstring ScanMessageDialog::inputProblem() const {
+    std::wstring problem = MessageDialog::inputProblem();
+    for (int32_t k = 1; problem.empty() && k <= requiredLinks_; ++k)
+        if (isNewItem(k)) {
+            const Label* caption = static_cast<size_t>(k) <= linkCaptions_.size() ? linkCaptions_[k - 1] : nullptr;
+            const std::wstring name = caption ? fieldName(caption->Caption()) : L"Link " + std::to_wstring(k);
+            problem = L"\"" + name + L"\" must be linked: press ...";
+        }
+    return problem;
 }
 
 bool ScanMessageDialog::checkMessages() { return checkMessagesToDownload(NoMessagesMessage) && checkNoEmptyMessage(); }

@@ -61,6 +61,7 @@ public:
 
     // OK needs a Config instance and the required links.
     void UpdateOKEnabled() override;
+    std::wstring inputProblem() const override;
 
     void Form_Load() override;
     // A Scan whose links are all open leads the person through them in
@@ -100,6 +101,8 @@ protected:
 
 private:
     std::vector<Label*> linkDisplays_;
+    // The caption beside each link, which names it.
+    std::vector<Label*> linkCaptions_;
     int32_t requiredLinks_ = 0;
     clsProtocolScanSrv* set_ = nullptr;
 };

@@ -9,6 +9,12 @@
 namespace qx {
 
 namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
 constexpr int32_t constantMode = 2;
 constexpr int32_t constantType = 37;
 constexpr int32_t memoryMode = 1;
@@ -97,6 +103,13 @@ void SendMessageDialog::lbOpMsgNumToSend_DblClick() { EditMessageNumberLink(); }
 void SendMessageDialog::UpdateOKEnabled() {
     MessageDialog::UpdateOKEnabled();
     if (grid().Rows() >= 2 && lbOpMsgNumToSend.Caption().empty()) cmdOK.Enabled(false);
+}
+
+std::wstring SendMessageDialog::inputProblem() const {
+    std::wstring problem = MessageDialog::inputProblem();
+    if (problem.empty() && grid().Rows() >= 2 && lbOpMsgNumToSend.Caption().empty())
+        problem = L"\"" + fieldName(lblMessageNum.Caption()) + L"\" must be linked: press ...";
+    return problem;
 }
 
 void SendMessageDialog::AfterMessageCountChanged() {

@@ -41,6 +41,7 @@ public:
 
     // OK needs a Config instance, and with two messages or more a link.
     void UpdateOKEnabled() override;
+    std::wstring inputProblem() const override;
 
 protected:
     SendMessageDialog(std::wstring formName, std::wstring caption);

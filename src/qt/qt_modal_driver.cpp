@@ -10,6 +10,7 @@
 #include "qt/capture_test.h"
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
+#include "qt/input_problem.h"
 #include "qt/model_action.h"
 #include "qt/operand_picker.h"
 #include "qt/qt_text.h"
@@ -28,6 +29,9 @@ void QtModalDriver::ShowModal(Form& form) {
         // wire bytes and the Scan dialogs' test against captured bytes.
         addWirePreview(form, *view);
         addCaptureTest(form, *view);
+        // Under the fields: why OK is disabled or would refuse.
+        addInputProblemLine(form, *view);
+        view->WatchDialogKeys();
         // However the dialog ends, even by an error of its own code, it
         // leaves no trace here: no subscription, no abort hook, no window.
         struct Showing {

@@ -1,5 +1,8 @@
 #include "serial/frm_protocol_config.h"
 
+#include <string>
+#include <utility>
+
 #include "framework/fb_method_base.h"
 #include "framework/runtime_catalogue.h"
 #include "framework/shared_helpers.h"
@@ -9,6 +12,12 @@
 namespace qx {
 
 namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
 constexpr int32_t keyEscape = 27;
 constexpr int32_t iconPicture = 302;
 constexpr int32_t instanceNameLimit = 22;
@@ -99,6 +108,13 @@ void frmProtocolConfig::cmdStatusOp_Click() { linkOperand(2, lbStatusOp); }
 void frmProtocolConfig::lbStatusOp_Click() { linkOperand(2, lbStatusOp); }
 
 void frmProtocolConfig::updateCmdOk() { cmdOk.Enabled(!operand(1)->IsNew() && !operand(2)->IsNew()); }
+
+std::wstring frmProtocolConfig::inputProblem() const {
+    if (txtInstanceName.Text().empty()) return L"Name must not be empty";
+    for (auto [index, caption] : {std::pair{1, &lblOpFail}, std::pair{2, &lblStatusOp}})
+        if (operand(index)->IsNew()) return L"\"" + fieldName(caption->Caption()) + L"\" must be linked: press ...";
+    return L"";
+}
 
 void frmProtocolConfig::cbComport_Click() {
     if (IsLoading) return;

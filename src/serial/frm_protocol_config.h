@@ -3,6 +3,7 @@
 // links are made on the operation's own operands and so outlive a Cancel.
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include "platform/controls/combo_box.h"
 #include "platform/controls/controls.h"
@@ -38,6 +39,10 @@ public:
     void Form_Load() override;
     void Form_Activate() override;
     void Form_KeyPress(int32_t& KeyAscii) override;
+
+    // What keeps OK disabled, or would make it refuse, as the field and its
+    // rule; empty when OK would be taken. For the person, beside the button.
+    std::wstring inputProblem() const;
     void cmdOk_Click();
     void cmdCancel_Click();
     void cmdHelp_Click();

@@ -9,6 +9,12 @@
 namespace qx {
 
 namespace {
+// A label's caption as the name of its field: no colon, no double blanks.
+std::wstring fieldName(std::wstring caption) {
+    for (size_t at; (at = caption.find(L"  ")) != std::wstring::npos;) caption.erase(at, 1);
+    while (!caption.empty() && (caption.back() == L' ' || caption.back() == L':')) caption.pop_back();
+    return caption;
+}
 constexpr int32_t keyEscape = 27;
 constexpr int32_t iconPicture = 302;
 constexpr int32_t messageNoConfig = 140;
@@ -139,6 +145,14 @@ void frmProtocolCopyBytes::cbInstanceName_Click() {
 void frmProtocolCopyBytes::updateCmdOk() {
     cmdOk.Enabled(cbInstanceName.ListIndex() >= 0 && !destination().IsNew() && format_ > 0 &&
                   method_->itfFBMethod_FatherInstanceNum() >= 1);
+}
+
+std::wstring frmProtocolCopyBytes::inputProblem() const {
+    if (cbInstanceName.ListIndex() < 0 || method_->itfFBMethod_FatherInstanceNum() < 1)
+        return L"\"" + fieldName(lblInstanceName.Caption()) + L"\" must be chosen from the list";
+    if (destination().IsNew()) return L"\"" + fieldName(lbOpCaption.Caption()) + L"\" must be linked: press ...";
+    if (format_ <= 0) return L"\"" + fieldName(lblCopyBytes.Caption()) + L"\" must be chosen from the list";
+    return L"";
 }
 
 void frmProtocolCopyBytes::cmdOk_Click() { endDialog(true); }

@@ -36,6 +36,10 @@ public:
 
     void Form_Load() override;
     void Form_KeyPress(int32_t& KeyAscii) override;
+
+    // What keeps OK disabled, as the field and its rule; empty when OK is
+    // enabled. For the person, beside the button.
+    std::wstring inputProblem() const;
     void cbInstanceName_Click();
     void cbCopyBytes_Click();
     void cmdOperand_Click();

@@ -1,7 +1,10 @@
 #include "tcpip/frm_eth_address_param.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "framework/shared_helpers.h"
 #include "platform/basics/runtime_error.h"
@@ -138,6 +141,36 @@ bool frmEthAddressParam::isEntryAcceptable() const {
         return ctlIPAddress.IsValid() && octets && (*octets)[0] != 0;
     }
     return portOf(txtConstValueEx.Text()).has_value();
+}
+
+std::wstring frmEthAddressParam::inputProblem() const {
+    if (optMI.Value()) return param_.Operand ? L"" : L"Address of MI must be linked to an MI: press ...";
+    if (!optConst.Value()) return L"Choose a constant or an Address of MI";
+    if (kind_ == eth::AddressKindIP) {
+        const std::wstring& text = ctlIPAddress.Text();
+        // The parts as typed, whether or not they make an address yet.
+        std::vector<std::wstring> parts{L""};
+        for (wchar_t ch : text) {
+            if (ch == L'.')
+                parts.emplace_back();
+            else
+                parts.back() += ch;
+        }
+        if (parts.size() != 4 || std::any_of(parts.begin(), parts.end(), [](const std::wstring& part) {
+                return part.empty() || part.size() > 3 || part.find_first_not_of(L"0123456789") != std::wstring::npos;
+            }))
+            return L"IP address must be four numbers separated by dots, as in 192.168.0.10";
+        for (size_t i = 0; i < parts.size(); ++i)
+            if (std::stoi(parts[i]) > 255) return L"IP address part " + std::to_wstring(i + 1) + L" must be 0 to 255";
+        if (std::stoi(parts[0]) == 0) return L"IP address part 1 must not be 0";
+        return L"";
+    }
+    const std::wstring& text = txtConstValueEx.Text();
+    if (text.empty() || text.size() > 5 || text.find_first_not_of(L"0123456789") != std::wstring::npos ||
+        std::stoi(text) < 1 || std::stoi(text) > portMaximum)
+        return L"Port must be 1 to " + std::to_wstring(portMaximum);
+    if (text[0] == L'0') return L"Port must be written without leading zeros";
+    return L"";
 }
 
 void frmEthAddressParam::updateCmdOK() { cmdOK.Enabled(isEntryAcceptable()); }

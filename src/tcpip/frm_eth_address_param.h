@@ -36,6 +36,10 @@ public:
     void cmdOK_Click();
     void cmdCancel_Click();
 
+    // What keeps OK disabled, as the entry and its rule ("Port must be 1 to
+    // 32767"); empty when OK is enabled. For the person, beside the button.
+    std::wstring inputProblem() const;
+
     // Guards the option handlers while the dialog sets itself up.
     bool IsLoading = false;
 

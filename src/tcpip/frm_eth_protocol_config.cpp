@@ -215,6 +215,26 @@ void frmEthProtocolConfig::updateCmdOK() {
     cmdOK.Enabled(operandsLinked && !trimmed(txtInstanceName.Text()).empty() && vsfSlaves.Rows() > 1);
 }
 
+std::wstring frmEthProtocolConfig::inputProblem() const {
+    const std::wstring& name = txtInstanceName.Text();
+    if (trimmed(name).empty()) return L"Name must not be empty";
+    if (instances_ && method_) {
+        bool isEmpty = true;
+        std::vector<FBInstanceRecord> others;
+        instances_->GetInstances(isEmpty, others);
+        for (const FBInstanceRecord& other : others)
+            if (other.InstanceNum != method_->itfFBMethod_FatherInstanceNum() && other.InstanceName == name)
+                return L"Name \"" + name + L"\" is already used by another instance";
+    }
+    for (size_t i = 0; i < rowOperands_.size(); ++i)
+        if (const auto row = static_cast<int32_t>(i) + 1; rowOperands_[i]->IsNew() && row < vsfOperands.Rows()) {
+            return vsfOperands.TextMatrix(row, colParams) + L" operand \"" +
+                   vsfOperands.TextMatrix(row, colOperandDescription) + L"\" must be linked: double-click its row";
+        }
+    if (vsfSlaves.Rows() <= 1) return L"Addresses must hold at least one row";
+    return L"";
+}
+
 void frmEthProtocolConfig::updateCmdClearLink() {
     int32_t row = vsfSlaves.Row();
     bool filled = false;

@@ -5,6 +5,7 @@
 // the address table into the instance's data.
 #pragma once
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "platform/controls/controls.h"
@@ -47,6 +48,11 @@ public:
     void cmdOK_Click();
     void cmdCancel_Click();
     void cmdHelp_Click();
+
+    // What keeps OK disabled, or would make it refuse, as the field and its
+    // rule ("Name must not be empty"); empty when OK would be taken. For the
+    // person, beside the button.
+    std::wstring inputProblem() const;
 
     // The address table as the dialog holds it.
     const std::vector<EthAddress>& AddressTable() const { return table_; }

@@ -265,6 +265,25 @@ TEST_F(FrmEthProtocolScanTest, OKWaitsForEachOfTheFiveLinks) {
     }
 }
 
+TEST_F(FrmEthProtocolScanTest, EachOpenLinkIsNamedByItsCaptionWhileOKIsOff) {
+    linked();
+    std::vector<std::wstring> problems;
+    for (int32_t open = 1; open <= 5; ++open) {
+        operand(open)->IsNew(true);
+        edit([&](frmEthProtocolScan& dialog) {
+            problems.push_back(dialog.inputProblem());
+            driver.QueuePick(memoryChoice(open == 1 ? 1 : 3, 40 + open));
+            displays(dialog)[open - 1]->UserDoubleClick();
+            EXPECT_EQ(dialog.inputProblem(), L"") << open;
+        });
+    }
+    EXPECT_EQ(problems, (std::vector<std::wstring>{L"\"Message Received\" must be linked: press ...",
+                                                   L"\"Number of Bytes received\" must be linked: press ...",
+                                                   L"\"Index of Received Message\" must be linked: press ...",
+                                                   L"\"Index of IP\" must be linked: press ...",
+                                                   L"\"IP Start of Vector, 5 Integers\" must be linked: press ..."}));
+}
+
 TEST_F(FrmEthProtocolScanTest, EachLinkIsReachedByItsButtonAndByItsLabel) {
     linked();
     edit([&](frmEthProtocolScan& dialog) {

@@ -159,6 +159,22 @@ TEST_F(FrmEthProtocolSendTest, ACanceledFirstPickerIsNotOpenedAgainAndOKStaysOff
     EXPECT_FALSE(confirmed);
 }
 
+TEST_F(FrmEthProtocolSendTest, AnOpenSucceededLinkIsNamedWhileOKIsOff) {
+    method.makeNew();
+    instances->Seed(L"Socket1");
+    driver.QueuePickCancel();
+    std::wstring open, linked = L"?";
+    edit([&](frmEthProtocolSend& dialog) {
+        open = dialog.inputProblem();
+        driver.QueuePick(memoryChoice(1, 30));
+        dialog.cmdOpMsgsucceeded.UserClick();
+        linked = dialog.inputProblem();
+        EXPECT_TRUE(dialog.cmdOK.Enabled());
+    });
+    EXPECT_EQ(open, L"\"Send Message succeeded\" must be linked: press ...");
+    EXPECT_EQ(linked, L"");
+}
+
 TEST_F(FrmEthProtocolSendTest, ALinkedFlagOpensNoPickerAndEachActivationPutsTheCaretBack) {
     stored();
     messages({L"A"});

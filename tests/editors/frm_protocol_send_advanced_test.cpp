@@ -430,6 +430,29 @@ TEST_F(SendAdvancedDialogTest, LinkingTheBitShowsItsTextAndOkComesOnWhenAllIsSet
     EXPECT_EQ(bench.set->CopyBytesCount(), 1);
 }
 
+TEST_F(SendAdvancedDialogTest, EachReasonOkIsOffIsNamedUntilAllIsSet) {
+    std::vector<std::wstring> problems;
+    bench.edit([&](frmProtocolSendAdvanced& dialog) {
+        problems.push_back(dialog.inputProblem());
+        dialog.ckCopyBytes.UserClick();
+        problems.push_back(dialog.inputProblem());
+        dialog.cbCopyBytes.UserSelect(0);
+        problems.push_back(dialog.inputProblem());
+        bench.driver.QueuePick(memoryChoice(3, 300, L"Target"));
+        dialog.cmdOpCopyBytesTo.UserClick();
+        problems.push_back(dialog.inputProblem());
+        bench.driver.QueuePick(memoryChoice(1, 77, L"Copied"));
+        dialog.cmdOPCopyBytesBit.UserClick();
+        problems.push_back(dialog.inputProblem());
+        EXPECT_TRUE(dialog.cmdOK.Enabled());
+        dialog.cmdCancel.UserClick();
+    });
+    EXPECT_EQ(problems, (std::vector<std::wstring>{L"\"Send Data Destination\" must be checked and filled in",
+                                                   L"\"Copy Format\" must be chosen from the list",
+                                                   L"\"Copy to\" must be linked: press ...",
+                                                   L"\"Copy Bytes when ON\" must be linked: press ...", L""}));
+}
+
 TEST_F(SendAdvancedDialogTest, ADoubleClickOnTheBitsLabelLinksToo) {
     bench.storedCopy(2);
     std::wstring text;

@@ -296,6 +296,26 @@ TEST_F(FrmProtocolSendTest, AppendingASecondMessageShowsTheLinkEmptyAndTurnsOKOf
     EXPECT_EQ(shownMessages(), std::vector<int32_t>{157});
 }
 
+TEST_F(FrmProtocolSendTest, TheInstanceListAndTheMessageNumberLinkAreNamedWhileOKIsOff) {
+    method.makeNew();
+    instances->Seed(L"Line1");
+    instances->Seed(L"Line2");
+    std::vector<std::wstring> problems;
+    edit([&](frmProtocolSend& dialog) {
+        problems.push_back(dialog.inputProblem());
+        dialog.cbInstanceName.UserSelect(1);
+        problems.push_back(dialog.inputProblem());
+        dialog.abSend.UserClickTool(tools::ID_AppendMsg);
+        problems.push_back(dialog.inputProblem());
+        EXPECT_FALSE(dialog.cmdOK.Enabled());
+        dialog.abSend.UserClickTool(tools::ID_DeleteMsg);
+        problems.push_back(dialog.inputProblem());
+        EXPECT_TRUE(dialog.cmdOK.Enabled());
+    });
+    EXPECT_EQ(problems, (std::vector<std::wstring>{L"A Config instance must be chosen from the list", L"",
+                                                   L"\"Send Message number\" must be linked: press ...", L""}));
+}
+
 TEST_F(FrmProtocolSendTest, LinkingTheMessageNumberShowsItsTextAndTurnsOKOn) {
     linkedTo();
     edit([&](frmProtocolSend& dialog) {

@@ -185,5 +185,70 @@ TEST_F(QtConfigDialogTest, AnErrorOfAKeyEndsTheDialogAndComesOutOfShowModal) {
     EXPECT_FALSE(takeModelActionError());
 }
 
+TEST_F(QtConfigDialogTest, EnterInTheNameBoxAcceptsAsOkDoes) {
+    bench.reopen(L"Line1", Bytes{1, 0});
+    test::onModal(QStringLiteral("frmProtocolConfig"), [](QWidget& window) {
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        QApplication::setActiveWindow(&window);
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(name, Qt::Key_End);
+        QTest::keyClicks(name, QStringLiteral("2"));
+        QTest::keyClick(name, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(bench.config->itfFBMethod_FatherInstanceName(), L"Line12");
+}
+
+TEST_F(QtConfigDialogTest, EnterWithAnEmptyNameShowsMessage152AsOkDoesAndEscapeThenCancels) {
+    bench.reopen(L"Line1", Bytes{1, 0});
+    bool shownAfterEnter = false;
+    test::onModal(QStringLiteral("frmProtocolConfig"), [&](QWidget& window) {
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        QApplication::setActiveWindow(&window);
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(name, Qt::Key_Backspace);
+        test::onModal(QString(), [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+        QTest::keyClick(name, Qt::Key_Return);
+        shownAfterEnter = window.isVisible();
+        QTest::keyClick(name, Qt::Key_Escape);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(shownAfterEnter);
+    ASSERT_EQ(bench.context->Messages.size(), 1u);
+    EXPECT_EQ(bench.context->Messages[0].Number, 152);
+    EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(bench.config->itfFBMethod_FatherInstanceName(), L"Line1");
+}
+TEST_F(QtConfigDialogTest, AnUnlinkedOperandIsNamedUnderTheFieldsAndOnOKUntilLinked) {
+    bench.makeNew();
+    QString shown, tip, afterLinks = QStringLiteral("?");
+    bool visible = false, visibleAfterLinks = true;
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    test::onModal(QStringLiteral("frmProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* line = window.findChild<QLabel*>(QStringLiteral("inputProblem"));
+        ASSERT_NE(line, nullptr);
+        shown = line->text();
+        visible = line->isVisible();
+        tip = window.findChild<QPushButton*>(QStringLiteral("cmdOk"))->toolTip();
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 1, 100); });
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdFailLink")), Qt::LeftButton);
+        test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { test::pickWithKeys(picker, 3, 200); });
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdStatusOp")), Qt::LeftButton);
+        afterLinks = line->text();
+        visibleAfterLinks = line->isVisible();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(shown, QStringLiteral("\"Function in progress\" must be linked: press ..."));
+    EXPECT_TRUE(visible);
+    EXPECT_EQ(tip, shown);
+    EXPECT_EQ(afterLinks, QString());
+    EXPECT_FALSE(visibleAfterLinks);
+}
 }  // namespace
 }  // namespace qx

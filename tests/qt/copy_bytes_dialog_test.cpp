@@ -94,5 +94,34 @@ TEST_F(QtCopyBytesDialogTest, EscapeCancelsAndKeepsTheImage) {
     EXPECT_EQ(bench.image(), (Bytes{2, 0}));
 }
 
+TEST_F(QtCopyBytesDialogTest, EnterOnTheFormatListAcceptsAsOkDoes) {
+    bench.reopen(Bytes{1, 0}, 5, 40);
+    test::onModal(QStringLiteral("frmProtocolCopyBytes"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* formats = window.findChild<QComboBox*>(QStringLiteral("cbCopyBytes"));
+        formats->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(formats, Qt::Key_Down);
+        QTest::keyClick(formats, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.copy->itfFBMethod_EditOperands();
+    EXPECT_TRUE(bench.accepted());
+    EXPECT_EQ(bench.image(), (Bytes{2, 0}));
+}
+
+TEST_F(QtCopyBytesDialogTest, EscapeOnTheFormatListCancelsAndKeepsTheImage) {
+    bench.reopen(Bytes{1, 0}, 5, 40);
+    test::onModal(QStringLiteral("frmProtocolCopyBytes"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* formats = window.findChild<QComboBox*>(QStringLiteral("cbCopyBytes"));
+        formats->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(formats, Qt::Key_Down);
+        QTest::keyClick(formats, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.copy->itfFBMethod_EditOperands();
+    EXPECT_FALSE(bench.accepted());
+    EXPECT_EQ(bench.image(), (Bytes{1, 0}));
+}
 }  // namespace
 }  // namespace qx

@@ -294,5 +294,58 @@ TEST_F(QtEndOfMessageTest, ChoosingETXWithKeysDisablesThePanelAndShowsTheDefault
     EXPECT_EQ(set.EndOfSendMessageType(), 2);
 }
 
+TEST_F(QtEndOfMessageTest, EnterInTheSelectorAcceptsTheClickedRowAsOkDoes) {
+    test::onModal(QStringLiteral("frmProtocolHexSelector"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        clickCode(window, 10);
+        QTest::keyClick(child<QTableView>(window, "flgLowChars"), Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    uint8_t value = 0;
+    EXPECT_TRUE(frmProtocolHexSelector().Edit(value, 0));
+    EXPECT_EQ(value, 10);
+}
+
+TEST_F(QtEndOfMessageTest, EscapeOnTheSelectorsGridCancels) {
+    test::onModal(QStringLiteral("frmProtocolHexSelector"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = child<QTableView>(window, "flgLowChars");
+        grid->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(grid, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    uint8_t value = 9;
+    EXPECT_FALSE(frmProtocolHexSelector().Edit(value, 0));
+}
+
+TEST_F(QtEndOfMessageTest, EnterOnAListAcceptsTheEndOfMessageAsOkDoes) {
+    clsProtocolSendSrv set;
+    set.EndOfSendMessageType(3);
+    test::onModal(QStringLiteral("frmProtocolConfigAdvanced"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* endOfMsg = child<QComboBox>(window, "cbEndOfMsg");
+        endOfMsg->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(endOfMsg, Qt::Key_Up);
+        QTest::keyClick(endOfMsg, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    set.EditSendETXAdvanced();
+    EXPECT_EQ(set.EndOfSendMessageType(), 2);
+}
+
+TEST_F(QtEndOfMessageTest, EscapeOnAListCancelsAndLeavesTheSetUntouched) {
+    clsProtocolSendSrv set;
+    set.EndOfSendMessageType(3);
+    test::onModal(QStringLiteral("frmProtocolConfigAdvanced"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* endOfMsg = child<QComboBox>(window, "cbEndOfMsg");
+        endOfMsg->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(endOfMsg, Qt::Key_Up);
+        QTest::keyClick(endOfMsg, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    set.EditSendETXAdvanced();
+    EXPECT_EQ(set.EndOfSendMessageType(), 3);
+}
 }  // namespace
 }  // namespace qx

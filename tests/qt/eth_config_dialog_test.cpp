@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
@@ -285,6 +286,273 @@ TEST_F(QtEthConfigDialogTest, CancelOfANewConfigDeletesItsInstance) {
     EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
     EXPECT_EQ(bench.instances->Count(), 0u);
     EXPECT_EQ(bench.instances->Deleted.size(), 1u);
+}
+
+// --- Escape and Enter, and the line that explains a disabled OK ---
+
+// The line under the fields, and whether it shows.
+QString problemShown(QWidget& window) {
+    auto* line = window.findChild<QLabel*>(QStringLiteral("inputProblem"));
+    return line ? line->text() : QStringLiteral("(no line)");
+}
+
+TEST_F(QtEthConfigDialogTest, EscapeInTheNameBoxCancelsAndKeepsTheInstance) {
+    const int32_t number = bench.reopen(L"Plant", defaultTable());
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(name, QStringLiteral("Mill"));
+        QTest::keyClick(name, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+    std::wstring name;
+    bench.instances->GetInstanceName(number, name);
+    EXPECT_EQ(name, L"Plant");
+    EXPECT_EQ(instanceData(bench), defaultTable());
+}
+
+TEST_F(QtEthConfigDialogTest, EscapeOfANewConfigDeletesItsInstanceAsCancelDoes) {
+    bench.makeNew();
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(bench.instances->Count(), 0u);
+    EXPECT_EQ(bench.instances->Deleted.size(), 1u);
+}
+
+TEST_F(QtEthConfigDialogTest, EscapeInTheCellEditorDropsTheEditAndASecondEscapeCancels) {
+    bench.reopen(L"Plant", defaultTable());
+    bool shownAfterFirst = false;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 1, 3));
+        auto* editor = grid->findChild<QLineEdit*>(QStringLiteral("qt_grid_cell_editor"));
+        ASSERT_NE(editor, nullptr);
+        QTest::keyClicks(editor, QStringLiteral("Pump"));
+        QTest::keyClick(editor, Qt::Key_Escape);
+        shownAfterFirst = window.isVisible();
+        QTest::keyClick(grid, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(shownAfterFirst);
+    EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(instanceData(bench), defaultTable());
+}
+
+TEST_F(QtEthConfigDialogTest, EnterInTheNameBoxAcceptsAsOKDoes) {
+    const int32_t number = bench.reopen(L"Plant", defaultTable());
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(name, QStringLiteral("Mill"));
+        QTest::keyClick(name, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    ASSERT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    std::wstring name;
+    bench.instances->GetInstanceName(number, name);
+    EXPECT_EQ(name, L"Mill");
+    EXPECT_EQ(instanceData(bench), defaultTable());
+}
+
+TEST_F(QtEthConfigDialogTest, EnterInTheCellEditorEndsTheEditAndASecondEnterAccepts) {
+    const int32_t number = bench.reopen(L"Plant", defaultTable());
+    bool shownAfterFirst = false;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 1, 3));
+        auto* editor = grid->findChild<QLineEdit*>(QStringLiteral("qt_grid_cell_editor"));
+        ASSERT_NE(editor, nullptr);
+        QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("Pump"));
+        QTest::keyClick(editor, Qt::Key_Return);
+        shownAfterFirst = window.isVisible();
+        QTest::keyClick(grid, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(shownAfterFirst);
+    ASSERT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    Bytes data;
+    bench.instances->GetInstanceData(number, data);
+    ASSERT_EQ(data.size(), 418u);
+    EXPECT_EQ(std::string(data.begin() + 2 + 14, data.begin() + 2 + 26), "Pump        ");
+}
+
+TEST_F(QtEthConfigDialogTest, ABlankNameIsExplainedUnderTheFieldsAndEnterDoesNothingUntilMended) {
+    bench.reopen(L"Plant", defaultTable());
+    QString good = QStringLiteral("?"), blank, tip, mended = QStringLiteral("?");
+    bool shownAfterEnter = false;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        good = problemShown(window);
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(name, Qt::Key_Backspace);
+        blank = problemShown(window);
+        tip = window.findChild<QPushButton*>(QStringLiteral("cmdOK"))->toolTip();
+        QTest::keyClick(name, Qt::Key_Return);
+        shownAfterEnter = window.isVisible();
+        QTest::keyClicks(name, QStringLiteral("Mill"));
+        mended = problemShown(window);
+        QTest::keyClick(window.findChild<QTableView*>(QStringLiteral("vsfSlaves")), Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(good, QString());
+    EXPECT_EQ(blank, QStringLiteral("Name must not be empty"));
+    EXPECT_EQ(tip, blank);
+    EXPECT_TRUE(shownAfterEnter);
+    EXPECT_EQ(mended, QString());
+    EXPECT_FALSE(bench.config->itfFBMethod_IsCanceled());
+    EXPECT_EQ(bench.config->itfFBMethod_FatherInstanceName(), L"Mill");
+}
+
+TEST_F(QtEthConfigDialogTest, TheNameOfAnotherInstanceIsExplainedAndEnterStillShowsMessage110) {
+    bench.instances->Seed(L"Other");
+    bench.reopen(L"Plant", defaultTable());
+    QString explained;
+    bool shownAfterEnter = false;
+    std::vector<QString> boxes;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* name = window.findChild<QLineEdit*>(QStringLiteral("txtInstanceName"));
+        name->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(name, QStringLiteral("Other"));
+        explained = problemShown(window);
+        test::saveScreenshot(window, QStringLiteral("eth_config_explained.png"));
+        test::onModal(QString(), [&](QWidget& box) {
+            boxes.push_back(box.metaObject()->className());
+            QTest::keyClick(&box, Qt::Key_Return);
+        });
+        QTest::keyClick(name, Qt::Key_Return);
+        shownAfterEnter = window.isVisible();
+        QTest::keyClick(name, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(explained, QStringLiteral("Name \"Other\" is already used by another instance"));
+    EXPECT_TRUE(shownAfterEnter);
+    EXPECT_EQ(boxes, (std::vector<QString>{QStringLiteral("QMessageBox")}));
+    ASSERT_EQ(bench.context->Messages.size(), 1u);
+    EXPECT_EQ(bench.context->Messages[0].Number, 110);
+    EXPECT_TRUE(bench.config->itfFBMethod_IsCanceled());
+}
+
+TEST_F(QtEthConfigDialogTest, AnUnlinkedOperandOfANewConfigIsExplainedByItsRow) {
+    bench.makeNew();
+    QString explained, tip;
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& picker) { QTest::keyClick(&picker, Qt::Key_Escape); });
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        explained = problemShown(window);
+        tip = window.findChild<QPushButton*>(QStringLiteral("cmdOK"))->toolTip();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_TRUE(explained.startsWith(QStringLiteral("IN operand \""))) << explained.toStdString();
+    EXPECT_TRUE(explained.endsWith(QStringLiteral("\" must be linked: double-click its row")))
+        << explained.toStdString();
+    EXPECT_EQ(tip, explained);
+}
+
+// The address dialog of row 1's port, opened with the mouse; the action runs on it.
+void onPortDialog(QWidget& window, const std::function<void(QWidget&)>& action) {
+    auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+    test::onModal(QStringLiteral("frmEthAddressParam"), [action](QWidget& dialog) {
+        QApplication::setActiveWindow(&dialog);
+        action(dialog);
+    });
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 1, 2));
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, ellipsisOf(*grid, 1, 2));
+}
+
+TEST_F(QtEthConfigDialogTest, EachPortRuleIsExplainedLiveAndEnterTakesOnlyAGoodPort) {
+    bench.reopen(L"Plant", defaultTable());
+    std::vector<QString> shown;
+    QString tip = QStringLiteral("?");
+    bool shownAfterBadEnter = false;
+    QString portCell;
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        onPortDialog(window, [&](QWidget& dialog) {
+            auto* port = dialog.findChild<QLineEdit*>(QStringLiteral("txtConstValueEx"));
+            port->setFocus(Qt::TabFocusReason);
+            shown.push_back(problemShown(dialog));
+            for (const QString& typed : {QStringLiteral("0"), QStringLiteral("32768"), QStringLiteral("080")}) {
+                QTest::keyClick(port, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClicks(port, typed);
+                shown.push_back(problemShown(dialog));
+            }
+            tip = dialog.findChild<QPushButton*>(QStringLiteral("cmdOK"))->toolTip();
+            test::saveScreenshot(dialog, QStringLiteral("eth_port_explained.png"));
+            QTest::keyClick(port, Qt::Key_Return);
+            shownAfterBadEnter = dialog.isVisible();
+            QTest::keyClick(port, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClicks(port, QStringLiteral("502"));
+            shown.push_back(problemShown(dialog));
+            QTest::keyClick(port, Qt::Key_Return);
+            test::endIfStillShown(dialog);
+        });
+        portCell = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"))->model()->index(0, 2).data().toString();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(shown, (std::vector<QString>{QString(), QStringLiteral("Port must be 1 to 32767"),
+                                           QStringLiteral("Port must be 1 to 32767"),
+                                           QStringLiteral("Port must be written without leading zeros"), QString()}));
+    EXPECT_EQ(tip, QStringLiteral("Port must be written without leading zeros"));
+    EXPECT_TRUE(shownAfterBadEnter);
+    EXPECT_EQ(portCell, QStringLiteral("502"));
+}
+
+TEST_F(QtEthConfigDialogTest, EachIPRuleIsExplainedLiveAndEscapeLeavesTheCellAsItWas) {
+    bench.reopen(L"Plant", defaultTable());
+    std::vector<QString> shown;
+    QString ipCell = QStringLiteral("?");
+    test::onModal(QStringLiteral("frmEthProtocolConfig"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("vsfSlaves"));
+        test::onModal(QStringLiteral("frmEthAddressParam"), [&](QWidget& dialog) {
+            QApplication::setActiveWindow(&dialog);
+            auto* ip = dialog.findChild<QLineEdit*>(QStringLiteral("ctlIPAddress"));
+            ip->setFocus(Qt::TabFocusReason);
+            for (const QString& typed : {QStringLiteral("192.168.1"), QStringLiteral("192.168.1.300"),
+                                         QStringLiteral("0.1.2.3"), QStringLiteral("192.168.1.10")}) {
+                ip->selectAll();
+                QTest::keyClicks(ip, typed);
+                shown.push_back(problemShown(dialog));
+            }
+            QTest::keyClick(ip, Qt::Key_Escape);
+            test::endIfStillShown(dialog);
+        });
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellCentre(*grid, 1, 1));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, ellipsisOf(*grid, 1, 1));
+        ipCell = grid->model()->index(0, 1).data().toString();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(shown, (std::vector<QString>{
+                         QStringLiteral("IP address must be four numbers separated by dots, as in 192.168.0.10"),
+                         QStringLiteral("IP address part 4 must be 0 to 255"),
+                         QStringLiteral("IP address part 1 must not be 0"), QString()}));
+    EXPECT_EQ(ipCell, QString());
 }
 
 }  // namespace

@@ -170,5 +170,37 @@ TEST_F(QtEthScanDialogTest, AModbusStyleScanShowsItsRepliesLengthsAndFiveLinks) 
     EXPECT_TRUE(okEnabled);
 }
 
+TEST_F(QtEthScanDialogTest, EscapeInTheMessageGridEndsTheDialogAsCancelDoes) {
+    bench.linked();
+    test::onModal(QStringLiteral("frmEthProtocolScan"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("FlgScan"));
+        grid->setFocus(Qt::OtherFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("AB"));
+        QTest::keyClick(grid, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    EXPECT_FALSE(bench.set->Edit(*bench.scan, bench.instances));
+}
+
+TEST_F(QtEthScanDialogTest, EnterStaysInTheMessageGridAndOnTheInstanceListAcceptsAsOKDoes) {
+    bench.linked();
+    bool shownAfterGridEnter = false;
+    test::onModal(QStringLiteral("frmEthProtocolScan"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("FlgScan"));
+        grid->setFocus(Qt::OtherFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("AB"));
+        QTest::keyClick(grid, Qt::Key_Return);
+        shownAfterGridEnter = window.isVisible();
+        auto* list = window.findChild<QComboBox*>(QStringLiteral("cbInstanceName"));
+        list->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(list, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    EXPECT_TRUE(bench.set->Edit(*bench.scan, bench.instances));
+    EXPECT_TRUE(shownAfterGridEnter);
+    EXPECT_EQ(bench.set->GetMessage(1)->MessageString().substr(0, 2), L"AB");
+}
 }  // namespace
 }  // namespace qx

@@ -148,5 +148,37 @@ TEST_F(QtEthSendDialogTest, AModbusStyleSendShowsItsMessagesAndBothLinks) {
     EXPECT_TRUE(okEnabled);
 }
 
+TEST_F(QtEthSendDialogTest, EscapeInTheMessageGridEndsTheDialogAsCancelDoes) {
+    bench.stored();
+    test::onModal(QStringLiteral("frmEthProtocolSend"), [](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::OtherFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("AB"));
+        QTest::keyClick(grid, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    EXPECT_FALSE(bench.set->Edit(bench.method, bench.instances));
+}
+
+TEST_F(QtEthSendDialogTest, EnterStaysInTheMessageGridAndOnTheInstanceListAcceptsAsOKDoes) {
+    bench.stored();
+    bool shownAfterGridEnter = false;
+    test::onModal(QStringLiteral("frmEthProtocolSend"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        auto* grid = window.findChild<QTableView*>(QStringLiteral("FlgSend"));
+        grid->setFocus(Qt::OtherFocusReason);
+        QTest::keyClicks(grid, QStringLiteral("AB"));
+        QTest::keyClick(grid, Qt::Key_Return);
+        shownAfterGridEnter = window.isVisible();
+        auto* list = window.findChild<QComboBox*>(QStringLiteral("cbInstanceName"));
+        list->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(list, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    EXPECT_TRUE(bench.set->Edit(bench.method, bench.instances));
+    EXPECT_TRUE(shownAfterGridEnter);
+    EXPECT_EQ(bench.set->GetMessage(1)->MessageString().substr(0, 2), L"AB");
+}
 }  // namespace
 }  // namespace qx

@@ -450,5 +450,43 @@ TEST_F(QtFieldDialogTest, EveryScanTabShowsItsPanelWithNoTextClipped) {
     EXPECT_EQ(hexShot.Height, 4300 / 15);
 }
 
+TEST_F(QtFieldDialogTest, EnterInATextBoxAcceptsAsOkDoesAndEscapeCancels) {
+    // OK needs a link and a text.
+    auto linked = [] {
+        auto field = fieldAt<clsProtocolBinaryVar>(0);
+        linkOperand(*field->LikedOperand(), 3, 5);
+        field->TextFor1(L"On");
+        return field;
+    };
+    VarPtr accepted = edit(linked(), method_type::Send, [](QWidget& window) {
+        auto* box = child<QLineEdit>(window, "txtText0");
+        box->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(box, QStringLiteral("Idle"));
+        QTest::keyClick(box, Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    VarPtr clicked = edit(linked(), method_type::Send, [](QWidget& window) {
+        auto* box = child<QLineEdit>(window, "txtText0");
+        box->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(box, QStringLiteral("Idle"));
+        click(window, "cmdOk");
+    });
+    VarPtr escaped = edit(linked(), method_type::Send, [](QWidget& window) {
+        auto* box = child<QLineEdit>(window, "txtText0");
+        box->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(box, QStringLiteral("Idle"));
+        QTest::keyClick(box, Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    ASSERT_TRUE(accepted && clicked && escaped);
+    EXPECT_EQ(accepted->IsCanceled(), clicked->IsCanceled());
+    EXPECT_FALSE(accepted->IsCanceled());
+    auto* binary = dynamic_cast<clsProtocolBinaryVar*>(accepted.get());
+    ASSERT_NE(binary, nullptr);
+    EXPECT_EQ(binary->TextFor0(), L"Idle");
+    EXPECT_TRUE(escaped->IsCanceled());
+}
 }  // namespace
 }  // namespace qx

@@ -152,5 +152,29 @@ TEST_F(OperandPickerTest, NothingToChooseFromWritesNothing) {
     EXPECT_EQ(operand.OperandAddress(), -1);
 }
 
+TEST_F(OperandPickerTest, EnterInTheAddressAcceptsAndEscapeCancels) {
+    operand.AddAllowedType(MemoryMode, 3, true);
+    OperandPicker accepted(operand);
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& window) {
+        auto* spin = window.findChild<QSpinBox*>(QStringLiteral("spAddress"));
+        spin->setFocus(Qt::TabFocusReason);
+        QTest::keyClicks(spin, QStringLiteral("42"));
+        QTest::keyClick(spin, Qt::Key_Return);
+        if (window.isVisible()) static_cast<QDialog&>(window).done(-1);
+    });
+    EXPECT_EQ(accepted.exec(), QDialog::Accepted);
+    ASSERT_TRUE(accepted.WriteChoice(operand));
+    EXPECT_EQ(operand.OperandAddress(), 42);
+
+    OperandPicker canceled(operand);
+    test::onModal(QStringLiteral("OperandPicker"), [](QWidget& window) {
+        auto* spin = window.findChild<QSpinBox*>(QStringLiteral("spAddress"));
+        spin->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(spin, Qt::Key_Escape);
+        if (window.isVisible()) static_cast<QDialog&>(window).done(-1);
+    });
+    EXPECT_EQ(canceled.exec(), QDialog::Rejected);
+}
+
 }  // namespace
 }  // namespace qx

@@ -57,6 +57,15 @@ inline void saveScreenshot(QWidget& window, const QString& file) {
     window.grab().save(QDir(folder).filePath(file));
 }
 
+// After a key that should have ended the dialog: one still up is ended by its
+// Cancel button, so that the test fails instead of waiting for ever.
+inline void endIfStillShown(QWidget& window) {
+    if (!window.isVisible()) return;
+    ADD_FAILURE() << window.objectName().toStdString() << " is still shown";
+    if (auto* cancel = window.findChild<QPushButton*>(QStringLiteral("cmdCancel")))
+        QTest::mouseClick(cancel, Qt::LeftButton);
+}
+
 // Chooses a memory type and address in the host's operand picker with keys,
 // and presses OK with the mouse.
 inline void pickWithKeys(QWidget& picker, int32_t operandType, int32_t address) {

@@ -194,5 +194,28 @@ TEST_F(QtSendAdvancedDialogTest, UncheckingWithTheMouseAndOkTurnsTheCopyOff) {
     EXPECT_EQ(bench.set->CopyBytesCount(), 0);
 }
 
+TEST_F(QtSendAdvancedDialogTest, EnterOnTheCheckBoxAcceptsAsOkDoes) {
+    bench.storedCopy(2, 5, 300);
+    test::onModal(QStringLiteral("frmProtocolSendAdvanced"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        tick(window);
+        QTest::keyClick(window.findChild<QCheckBox*>(QStringLiteral("ckCopyBytes")), Qt::Key_Return);
+        test::endIfStillShown(window);
+    });
+    bench.set->EditAdvanced();
+    EXPECT_EQ(bench.set->CopyBytesCount(), 0);
+}
+
+TEST_F(QtSendAdvancedDialogTest, EscapeOnTheCheckBoxCancelsAndKeepsTheCount) {
+    bench.storedCopy(2, 5, 300);
+    test::onModal(QStringLiteral("frmProtocolSendAdvanced"), [&](QWidget& window) {
+        QApplication::setActiveWindow(&window);
+        tick(window);
+        QTest::keyClick(window.findChild<QCheckBox*>(QStringLiteral("ckCopyBytes")), Qt::Key_Escape);
+        test::endIfStillShown(window);
+    });
+    bench.set->EditAdvanced();
+    EXPECT_EQ(bench.set->CopyBytesCount(), 2);
+}
 }  // namespace
 }  // namespace qx

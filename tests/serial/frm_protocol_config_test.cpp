@@ -207,6 +207,37 @@ TEST_F(FrmProtocolConfigTest, OkStaysDisabledUntilBothOperandsAreLinked) {
     EXPECT_TRUE(bench.context->Messages.empty());
 }
 
+TEST_F(FrmProtocolConfigTest, EachReasonOkIsOffOrRefusesIsNamedUntilAllIsWell) {
+    bench.makeNew();
+    bench.driver.QueuePickCancel();  // the walk at activation
+    std::vector<std::wstring> problems;
+    std::vector<bool> okStates;
+    bench.onDialog([&](frmProtocolConfig& dialog) {
+        problems.push_back(dialog.inputProblem());
+        okStates.push_back(dialog.cmdOk.Enabled());
+        bench.driver.QueuePick(memoryChoice(1, 100, L"Busy"));
+        dialog.cmdFailLink.UserClick();
+        problems.push_back(dialog.inputProblem());
+        okStates.push_back(dialog.cmdOk.Enabled());
+        bench.driver.QueuePick(memoryChoice(3, 200, L"State"));
+        dialog.cmdStatusOp.UserClick();
+        problems.push_back(dialog.inputProblem());
+        okStates.push_back(dialog.cmdOk.Enabled());
+        // OK is on, but refuses an empty name with its message.
+        dialog.txtInstanceName.UserType(L"");
+        problems.push_back(dialog.inputProblem());
+        dialog.txtInstanceName.UserType(L"Line");
+        problems.push_back(dialog.inputProblem());
+        dialog.cmdOk.UserClick();
+    });
+    bench.config->itfFBMethod_EditOperands();
+    EXPECT_EQ(problems, (std::vector<std::wstring>{L"\"Function in progress\" must be linked: press ...",
+                                                   L"\"Status\" must be linked: press ...", L"",
+                                                   L"Name must not be empty", L""}));
+    EXPECT_EQ(okStates, (std::vector<bool>{false, false, true}));
+    EXPECT_TRUE(accepted());
+}
+
 TEST_F(FrmProtocolConfigTest, ClickingTheLabelsLinksTheOperandsToo) {
     bench.makeNew();
     bench.driver.QueuePickCancel();

@@ -556,6 +556,28 @@ TEST_F(FrmProtocolCopyBytesTest, OkWaitsForAnInstanceSelection) {
     EXPECT_EQ(bench.copy->itfFBMethod_FatherInstanceNum(), 2);
 }
 
+TEST_F(FrmProtocolCopyBytesTest, EachReasonOkIsOffIsNamedInTheOrderOfTheFields) {
+    bench.instances->Seed(L"Alpha");
+    bench.instances->Seed(L"Beta");
+    bench.makeNew();
+    std::vector<std::wstring> problems;
+    bench.edit([&](frmProtocolCopyBytes& dialog) {
+        problems.push_back(dialog.inputProblem());
+        dialog.cbInstanceName.UserSelect(1);
+        problems.push_back(dialog.inputProblem());
+        bench.driver.QueuePick(memoryChoice(5, 40, L"Target"));
+        dialog.cmdOperand.UserClick();
+        problems.push_back(dialog.inputProblem());
+        dialog.cbCopyBytes.UserSelect(2);
+        problems.push_back(dialog.inputProblem());
+        EXPECT_TRUE(dialog.cmdOk.Enabled());
+        dialog.cmdOk.UserClick();
+    });
+    EXPECT_EQ(problems, (std::vector<std::wstring>{L"\"Select Name\" must be chosen from the list",
+                                                   L"\"Copy to\" must be linked: press ...",
+                                                   L"\"Copy Format\" must be chosen from the list", L""}));
+}
+
 // A host that lists an instance numbered 0, which no real instance has.
 class InstancesWithANumberZero : public FBInstancesDouble {
 public:

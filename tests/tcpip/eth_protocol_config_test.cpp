@@ -386,6 +386,57 @@ TEST_F(EthConfigTest, ABlankNameDisablesOK) {
     EXPECT_FALSE(ok);
 }
 
+TEST_F(EthConfigTest, AGoodConfigExplainsNothingAndABlankNameIsExplained) {
+    bench.reopen(L"Plant", defaultTable());
+    std::wstring good = L"?", blank;
+    bool okWhenBlank = true;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        good = dialog.inputProblem();
+        dialog.txtInstanceName.UserType(L"   ");
+        blank = dialog.inputProblem();
+        okWhenBlank = dialog.cmdOK.Enabled();
+        dialog.cmdCancel.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_EQ(good, L"");
+    EXPECT_EQ(blank, L"Name must not be empty");
+    EXPECT_FALSE(okWhenBlank);
+}
+
+TEST_F(EthConfigTest, AnOperandLeftUnlinkedByTheWalkIsExplainedByItsRow) {
+    bench.makeNew();
+    bench.driver.QueuePick(testing_eth::socketChoice(1));
+    bench.driver.QueuePickCancel();
+    std::wstring explained;
+    bool ok = true;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        explained = dialog.inputProblem();
+        ok = dialog.cmdOK.Enabled();
+        dialog.cmdCancel.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_EQ(explained, L"OUT operand \"" + GetText(34) + L"\" must be linked: double-click its row");
+    EXPECT_FALSE(ok);
+}
+
+TEST_F(EthConfigTest, TheNameOfAnotherInstanceIsExplainedBeforeOKRefusesIt) {
+    bench.instances->Seed(L"Other");
+    bench.reopen(L"Plant", defaultTable());
+    std::wstring explained;
+    bool ok = false;
+    bench.onDialog([&](frmEthProtocolConfig& dialog) {
+        dialog.txtInstanceName.UserType(L"Other");
+        explained = dialog.inputProblem();
+        ok = dialog.cmdOK.Enabled();
+        dialog.cmdCancel.UserClick();
+    });
+    config->itfFBMethod_EditOperands();
+    EXPECT_EQ(explained, L"Name \"Other\" is already used by another instance");
+    // OK stays enabled: it is its click that refuses, with message 110.
+    EXPECT_TRUE(ok);
+    EXPECT_TRUE(messageNumbers().empty());
+}
+
 TEST_F(EthConfigTest, TheNameOfAnotherInstanceShowsMessage110AndTheDialogStays) {
     bench.instances->Seed(L"Other");
     int32_t number = bench.reopen(L"Plant", defaultTable());

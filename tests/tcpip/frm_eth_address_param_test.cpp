@@ -139,6 +139,67 @@ TEST_F(AddressParamTest, APortIsAcceptedFrom1To32767WrittenAsItsOwnDecimalText) 
     EXPECT_FALSE(okAfterTyping(eth::AddressKindPort, L""));
 }
 
+TEST_F(AddressParamTest, EachRuleOfTheEntryIsExplainedAndAGoodEntryExplainsNothing) {
+    struct Case {
+        int32_t kind;
+        std::wstring typed, explained;
+    };
+    const std::wstring fourNumbers = L"IP address must be four numbers separated by dots, as in 192.168.0.10";
+    const std::wstring portRange = L"Port must be 1 to 32767";
+    const Case cases[] = {
+        {eth::AddressKindIP, L"192.168.1.10", L""},
+        {eth::AddressKindIP, L"1.0.0.0", L""},
+        {eth::AddressKindIP, L"", fourNumbers},
+        {eth::AddressKindIP, L"192.168.1", fourNumbers},
+        {eth::AddressKindIP, L"192..1.2", fourNumbers},
+        {eth::AddressKindIP, L"256.1.2.3", L"IP address part 1 must be 0 to 255"},
+        {eth::AddressKindIP, L"192.168.1.256", L"IP address part 4 must be 0 to 255"},
+        {eth::AddressKindIP, L"0.1.2.3", L"IP address part 1 must not be 0"},
+        {eth::AddressKindPort, L"1", L""},
+        {eth::AddressKindPort, L"32767", L""},
+        {eth::AddressKindPort, L"", portRange},
+        {eth::AddressKindPort, L"0", portRange},
+        {eth::AddressKindPort, L"32768", portRange},
+        {eth::AddressKindPort, L"8a", portRange},
+        {eth::AddressKindPort, L"-5", portRange},
+        {eth::AddressKindPort, L" 80", portRange},
+        {eth::AddressKindPort, L"99999999999999999999", portRange},
+        {eth::AddressKindPort, L"080", L"Port must be written without leading zeros"},
+    };
+    for (const Case& c : cases) {
+        std::wstring explained = L"?";
+        bool ok = false;
+        AddressParam param;
+        edit(param, c.kind, [&](frmEthAddressParam& dialog) {
+            if (c.kind == eth::AddressKindIP)
+                dialog.ctlIPAddress.UserType(c.typed);
+            else
+                dialog.txtConstValueEx.UserType(c.typed);
+            explained = dialog.inputProblem();
+            ok = dialog.cmdOK.Enabled();
+            dialog.cmdCancel.UserClick();
+        });
+        EXPECT_EQ(explained, c.explained) << std::string(c.typed.begin(), c.typed.end());
+        // The words explain the button exactly: none while it is enabled.
+        EXPECT_EQ(explained.empty(), ok) << std::string(c.typed.begin(), c.typed.end());
+    }
+}
+
+TEST_F(AddressParamTest, AnAddressOfMIWithoutItsLinkIsExplainedUntilLinked) {
+    std::wstring beforeLink, afterLink = L"?";
+    AddressParam param{nullptr, 20000};
+    driver.QueuePick(memoryChoice(3, 40, L"port"));
+    edit(param, eth::AddressKindPort, [&](frmEthAddressParam& dialog) {
+        dialog.optMI.UserClick();
+        beforeLink = dialog.inputProblem();
+        dialog.cmdMI.UserClick();
+        afterLink = dialog.inputProblem();
+        dialog.cmdCancel.UserClick();
+    });
+    EXPECT_EQ(beforeLink, L"Address of MI must be linked to an MI: press ...");
+    EXPECT_EQ(afterLink, L"");
+}
+
 TEST_F(AddressParamTest, OKTakesTheTypedPort) {
     AddressParam param{nullptr, 20000};
     edit(param, eth::AddressKindPort, [](frmEthAddressParam& dialog) {
