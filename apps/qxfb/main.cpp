@@ -818,7 +818,12 @@ std::string usageMessage(const CLI::App& qxfb, const CLI::ParseError& error) {
         if (hasCommands && !left.empty() && left[0].rfind('-', 0) != 0)
             return top ? "unknown command " + left[0] : "unknown " + command.get_name() + " command " + left[0];
         if (top) return "no command given";
-        if (hasCommands) return command.get_name() + " needs a command: info or bundle";
+        if (hasCommands) {
+            std::string names;
+            for (const CLI::App* sub : command.get_subcommands({}))
+                names += (names.empty() ? "" : " or ") + sub->get_name();
+            return command.get_name() + " needs a command: " + names;
+        }
         const std::string needs = neededBy(command);
         if (!needs.empty()) return needs;
     }
