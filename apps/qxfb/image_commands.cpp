@@ -1,60 +1,29 @@
-#include "image_commands.h"
-
+// The commands of qxfb that read images without the component: "dump", the
+// annotated listing of an image, and "diff", what two images of one kind
+// say differently.
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <optional>
 
+#include "command_line.h"
 #include "inspect/image_diff.h"
 #include "inspect/image_dump.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 
-namespace qxfb {
+namespace qx::cli {
 
 namespace {
-
-using qx::Bytes;
-using qx::ImageDump;
-using qx::ImageKind;
 
 // No image of the library comes near this; a larger file is not read.
 constexpr std::streamoff maxImageSize = 1 << 20;
 
 struct Arguments {
-    std::string command;
     std::vector<std::string> files;
-    std::optional<ImageKind> kind;
+    std::string kind;  // empty: the content tells
     bool json = false;
 };
-
-int usageError(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
-    return 2;
-}
-
-// Empty when the words are fine, else the usage error.
-std::string parse(const std::vector<std::string>& args, Arguments& out) {
-    out.command = args.at(0);
-    for (size_t i = 1; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        if (arg == "--kind") {
-            if (i + 1 >= args.size()) return "--kind needs a value: send, scan, config, copy or address";
-            out.kind = qx::imageKindOf(args[++i]);
-            if (!out.kind) return "unknown kind " + args[i] + ": send, scan, config, copy or address";
-        } else if (arg == "--json" && out.command == "dump") {
-            out.json = true;
-        } else if (arg.rfind("--", 0) == 0) {
-            return "unknown option " + arg + " of " + out.command;
-        } else {
-            out.files.push_back(arg);
-        }
-    }
-    const size_t wanted = out.command == "dump" ? 1 : 2;
-    if (out.files.size() < wanted)
-        return out.command == "dump" ? "dump needs an image file" : "diff needs two image files";
-    if (out.files.size() > wanted) return "unexpected argument " + out.files[wanted];
-    return "";
-}
 
 // The file's bytes; an error names the file. At most one byte more than the
 // limit is read, so that a device or a pipe without end stops too.
@@ -71,15 +40,19 @@ Bytes readImage(const std::string& file) {
     return bytes;
 }
 
-std::string describe(const qx::RuntimeError& e) { return qx::toUtf8(e.Description()); }
+std::string describe(const RuntimeError& e) { return toUtf8(e.Description()); }
+
+std::optional<ImageKind> kindOf(const Arguments& args) {
+    return args.kind.empty() ? std::nullopt : imageKindOf(args.kind);
+}
 
 int dump(const Arguments& args) {
     const std::string& file = args.files[0];
     try {
-        const ImageDump image = qx::dumpImage(readImage(file), args.kind);
-        std::cout << (args.json ? qx::dumpJson(image) : qx::dumpText(image));
+        const ImageDump image = dumpImage(readImage(file), kindOf(args));
+        std::cout << (args.json ? dumpJson(image) : dumpText(image));
         return 0;
-    } catch (const qx::RuntimeError& e) {
+    } catch (const RuntimeError& e) {
         std::cerr << "qxfb: " << file << ": " << describe(e) << "\n";
     } catch (const std::exception& e) {
         std::cerr << "qxfb: " << e.what() << "\n";
@@ -95,34 +68,34 @@ int diff(const Arguments& args) {
         const Bytes a = readImage(fileA);
         current = &fileB;
         const Bytes b = readImage(fileB);
-        std::optional<ImageKind> kind = args.kind;
+        std::optional<ImageKind> kind = kindOf(args);
         if (!kind) {
             // A 2-byte image that a Config and a Copy buffer image both fit
             // is read as the kind of the other one.
             current = &fileA;
-            const qx::Recognition ra = qx::recogniseImage(a);
+            const Recognition ra = recogniseImage(a);
             current = &fileB;
-            const qx::Recognition rb = qx::recogniseImage(b);
+            const Recognition rb = recogniseImage(b);
             if (ra.Kind != rb.Kind && ra.Ambiguous && !rb.Ambiguous) {
                 kind = rb.Kind;
             } else if (ra.Kind != rb.Kind && rb.Ambiguous && !ra.Ambiguous) {
                 kind = ra.Kind;
             } else if (ra.Kind != rb.Kind) {
-                std::cerr << "qxfb: " << fileA << " is a " << qx::imageKindTitle(ra.Kind) << ", " << fileB << " a "
-                          << qx::imageKindTitle(rb.Kind) << ": only images of one kind can be compared\n";
+                std::cerr << "qxfb: " << fileA << " is a " << imageKindTitle(ra.Kind) << ", " << fileB << " a "
+                          << imageKindTitle(rb.Kind) << ": only images of one kind can be compared\n";
                 return 2;
             } else {
                 kind = ra.Kind;
             }
         }
         current = &fileA;
-        const ImageDump dumpA = qx::dumpImage(a, kind);
+        const ImageDump dumpA = dumpImage(a, kind);
         current = &fileB;
-        const ImageDump dumpB = qx::dumpImage(b, kind);
-        const std::vector<qx::ImageDifference> differences = qx::diffImages(dumpA, dumpB);
-        for (const qx::ImageDifference& d : differences) std::cout << d.Text() << "\n";
+        const ImageDump dumpB = dumpImage(b, kind);
+        const std::vector<ImageDifference> differences = diffImages(dumpA, dumpB);
+        for (const ImageDifference& d : differences) std::cout << d.Text() << "\n";
         return differences.empty() ? 0 : 1;
-    } catch (const qx::RuntimeError& e) {
+    } catch (const RuntimeError& e) {
         std::cerr << "qxfb: " << *current << ": " << describe(e) << "\n";
     } catch (const std::exception& e) {
         std::cerr << "qxfb: " << e.what() << "\n";
@@ -132,13 +105,35 @@ int diff(const Arguments& args) {
 
 }  // namespace
 
-bool isInspectCommand(const std::string& word) { return word == "dump" || word == "diff"; }
+const std::vector<std::string> Kinds = {"send", "scan", "config", "copy", "address"};
 
-int runInspectCommand(const std::vector<std::string>& args) {
-    Arguments parsed;
-    const std::string error = parse(args, parsed);
-    if (!error.empty()) return usageError(error);
-    return parsed.command == "dump" ? dump(parsed) : diff(parsed);
+void addImageCommands(CLI::App& qxfb, Command& chosen) {
+    auto dumped = std::make_shared<Arguments>();
+    CLI::App* dumpCommand = addCommand(qxfb, "dump", "Shows what an image means, range by range (no component)",
+                                       "dump needs an image file");
+    auto file = std::make_shared<std::string>();
+    dumpCommand->add_option("FILE", *file, "the image")->type_name("FILE")->required();
+    dumpCommand->add_option("--kind", dumped->kind, "the kind of image; without it the content tells")
+        ->check(CLI::IsMember(Kinds));
+    dumpCommand->add_flag("--json", dumped->json, "the same tree as JSON");
+    dumpCommand->callback([&chosen, dumped, file] {
+        dumped->files = {*file};
+        chosen = [dumped] { return dump(*dumped); };
+    });
+
+    auto compared = std::make_shared<Arguments>();
+    CLI::App* diffCommand =
+        addCommand(qxfb, "diff", "Names what two images of one kind say differently", "diff needs two image files");
+    auto first = std::make_shared<std::string>();
+    auto second = std::make_shared<std::string>();
+    diffCommand->add_option("A", *first, "the first image")->type_name("FILE")->required();
+    diffCommand->add_option("B", *second, "the second image")->type_name("FILE")->required();
+    diffCommand->add_option("--kind", compared->kind, "the kind of both images; without it their content tells")
+        ->check(CLI::IsMember(Kinds));
+    diffCommand->callback([&chosen, compared, first, second] {
+        compared->files = {*first, *second};
+        chosen = [compared] { return diff(*compared); };
+    });
 }
 
-}  // namespace qxfb
+}  // namespace qx::cli

@@ -3,8 +3,9 @@
 // the ladder IDE does: it lists the families and plays the road of a new
 // serial Config, a Copy buffer and a TCP/IP Config with a scripted person,
 // and it registers the component.
-// It also shows a project file and writes its download bundle, and dumps and
-// compares images (image_commands.h).
+// It also shows a project file and writes its download bundle; the commands
+// of the other files read images and text forms and run sets through the
+// runtime model (command_line.h).
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,6 +24,7 @@
 #include <tuple>
 #include <vector>
 
+#include "command_line.h"
 #include "component/com_abi.h"
 #include "component/com_server.h"
 #include "component/registry.h"
@@ -32,8 +34,6 @@
 #include "field_editors/frm_protocol_hex_selector.h"
 #include "field_editors/frm_protocol_vars.h"
 #include "framework/shared_helpers.h"
-#include "image_commands.h"
-#include "model_commands.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/fb_instances_double.h"
@@ -46,16 +46,16 @@
 #include "serial/frm_protocol_copy_bytes.h"
 #include "tcpip/frm_eth_address_param.h"
 #include "tcpip/frm_eth_protocol_config.h"
-#include "textform_commands.h"
+
+namespace qx::cli {
 
 namespace {
 
-using namespace qx;
+constexpr const char* helpTitle = "qxfb - command-line host of the QxFBCom2 function-block component\n\n";
 
 constexpr const char* helpText =
-    R"(qxfb - command-line host of the QxFBCom2 function-block component
-
-Usage:
+    R"(
+The commands in detail:
   qxfb demo [--component PATH] [--app-folder DIR]
       Loads the component with dlopen and DllGetClassObject, as the ladder IDE
       does, creates QxFBCom2.clsGate, and lists both function-block families
@@ -118,7 +118,8 @@ Usage:
       BeforePoint 4 -> 5"), nothing when they are equal. Exit status 0 when
       equal, 1 when different, 2 on a usage error or an unreadable image.
   qxfb --help
-      Shows this text.
+      Shows this text; qxfb COMMAND --help shows the arguments and options
+      of one command.
 
 Options:
   --component PATH   the component to load; by default the one installed
@@ -216,10 +217,7 @@ std::string shown(const std::string& bytes) {
 std::string shown(const std::wstring& text) { return shown(toUtf8(text)); }
 
 struct Options {
-    std::string command;
-    std::vector<std::string> arguments;  // the words after the command
     std::string component;
-    bool componentGiven = false;
     std::string appFolder;
     bool appFolderFromProject = false;
 };
@@ -790,73 +788,142 @@ int checkedOutput(int status) {
     return status == 0 ? 1 : status;
 }
 
-int usageError(const std::string& message) {
-    std::cerr << "qxfb: " << shown(message) << "\nTry 'qxfb --help'.\n";
-    return 2;
+// qxfb --help: the commands in a list, then each explained, the options
+// and the environment. A command's own --help is CLI11's.
+class QxfbHelp : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
+        if (app->get_parent() || mode == CLI::AppFormatMode::Sub) return CLI::Formatter::make_help(app, name, mode);
+        const std::string text = helpText;
+        const size_t options = text.find("\nOptions:");
+        return helpTitle + std::string("Usage: qxfb COMMAND [ARGUMENTS] [OPTIONS]\n") + make_subcommands(app, mode) +
+               text.substr(0, options) + modelCommandsHelp + textFormCommandsHelp + text.substr(options);
+    }
+};
+
+// The command that a usage error belongs to: the last one the words named.
+const CLI::App& lastCommand(const CLI::App& qxfb) {
+    const CLI::App* command = &qxfb;
+    while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
+    return *command;
+}
+
+// CLI11's error in the words of qxfb where they say more.
+std::string usageMessage(const CLI::App& qxfb, const CLI::ParseError& error) {
+    const CLI::App& command = lastCommand(qxfb);
+    const std::vector<std::string> left = command.remaining();
+    const bool top = &command == &qxfb;
+    const bool hasCommands = !command.get_subcommands({}).empty();
+    if (dynamic_cast<const CLI::RequiredError*>(&error)) {
+        if (hasCommands && !left.empty() && left[0].rfind('-', 0) != 0)
+            return top ? "unknown command " + left[0] : "unknown " + command.get_name() + " command " + left[0];
+        if (top) return "no command given";
+        if (hasCommands) {
+            std::string names;
+            for (const CLI::App* sub : command.get_subcommands({}))
+                names += (names.empty() ? "" : " or ") + sub->get_name();
+            return command.get_name() + " needs a command: " + names;
+        }
+        const std::string needs = neededBy(command);
+        if (!needs.empty()) return needs;
+    }
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) && !left.empty()) {
+        if (left[0].rfind('-', 0) == 0 && left[0].size() > 1) return "unknown option " + left[0];
+        return "unexpected argument " + left[0];
+    }
+    return error.what();
+}
+
+void addProjectCommands(CLI::App& qxfb, Command& chosen) {
+    CLI::App* project = addCommand(qxfb, "project", "Shows a project file or writes its download bundle", "");
+    project->require_subcommand(1);
+
+    auto file = std::make_shared<std::string>();
+    CLI::App* info = addCommand(*project, "info", "Shows a project file without loading the component",
+                                "project info needs a project file");
+    info->add_option("FILE", *file, "the project file")->type_name("FILE")->required();
+    info->callback([&chosen, file] { chosen = [file] { return projectInfo(*file); }; });
+
+    struct Bundle {
+        Options options;
+        std::string file, folder;
+    };
+    auto bundle = std::make_shared<Bundle>();
+    bundle->options.component = defaultComponentPath();
+    CLI::App* bundled = addCommand(*project, "bundle", "Writes a project's download bundle into a folder",
+                                   "project bundle needs a project file and a folder");
+    bundled->add_option("FILE", bundle->file, "the project file")->type_name("FILE")->required();
+    bundled->add_option("DIR", bundle->folder, "the bundle's folder, missing or empty")->type_name("DIR")->required();
+    bundled->add_option("--component", bundle->options.component, "the component to load")->type_name("PATH");
+    CLI::Option* appFolder =
+        bundled->add_option("--app-folder", bundle->options.appFolder, "the host's application folder")
+            ->type_name("DIR");
+    bundled
+        ->add_flag("--app-folder-from-project", bundle->options.appFolderFromProject,
+                   "takes the application folder that the project names")
+        ->excludes(appFolder);
+    bundled->callback([&chosen, bundle] {
+        chosen = [bundle] { return projectBundle(bundle->options, bundle->file, bundle->folder); };
+    });
 }
 
 }  // namespace
 
+void addBaseCommands(CLI::App& qxfb, Command& chosen) {
+    auto options = std::make_shared<Options>();
+    options->component = defaultComponentPath();
+    const auto componentOption = [&options](CLI::App& command) {
+        command.add_option("--component", options->component, "the component to load")->type_name("PATH");
+    };
+    CLI::App* demoCommand = addCommand(qxfb, "demo", "Plays the road of new operations with a scripted person", "");
+    componentOption(*demoCommand);
+    demoCommand->add_option("--app-folder", options->appFolder, "the host's application folder inside the component")
+        ->type_name("DIR");
+    demoCommand->callback([&chosen, options] { chosen = [options] { return demo(*options); }; });
+
+    CLI::App* classesCommand = addCommand(qxfb, "classes", "Lists the ProgID and CLSID of every public class", "");
+    componentOption(*classesCommand);
+    classesCommand->callback([&chosen, options] { chosen = [options] { return classes(*options); }; });
+
+    CLI::App* registerCommand = addCommand(qxfb, "register", "Calls DllRegisterServer", "");
+    componentOption(*registerCommand);
+    registerCommand->callback([&chosen, options] { chosen = [options] { return registration(*options, true); }; });
+
+    CLI::App* unregisterCommand = addCommand(qxfb, "unregister", "Calls DllUnregisterServer", "");
+    componentOption(*unregisterCommand);
+    unregisterCommand->callback([&chosen, options] { chosen = [options] { return registration(*options, false); }; });
+
+    addProjectCommands(qxfb, chosen);
+}
+
+}  // namespace qx::cli
+
 int main(int argc, char** argv) {
-    Options options;
-    options.component = defaultComponentPath();
+    using namespace qx::cli;
+    CLI::App qxfb("qxfb - command-line host of the QxFBCom2 function-block component", "qxfb");
+    qxfb.require_subcommand(1);
+    Command chosen;
+    addBaseCommands(qxfb, chosen);
+    addImageCommands(qxfb, chosen);
+    addTextFormCommands(qxfb, chosen);
+    addModelCommands(qxfb, chosen);
+    // Set last: the commands keep CLI11's own formatter.
+    qxfb.formatter(std::make_shared<QxfbHelp>());
+
     std::vector<std::string> args(argv + 1, argv + argc);
-    if (!args.empty() && qxfb::isInspectCommand(args[0])) return qxfb::runInspectCommand(args);
-    for (size_t i = 0; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        if (arg == "--help" || arg == "-h" || arg == "help") {
-            // The model's commands stand before the options.
-            const std::string text = helpText;
-            const size_t options = text.find("\nOptions:");
-            std::cout << text.substr(0, options) << cli::modelCommandsHelp << cli::textFormCommandsHelp
-                      << text.substr(options);
-            return checkedOutput(0);
-        }
-        if (i == 0 && cli::isModelCommand(arg))
-            return checkedOutput(cli::runModelCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
-        if (i == 0 && cli::isTextFormCommand(arg))
-            return checkedOutput(cli::runTextFormCommand(arg, std::vector<std::string>(args.begin() + 1, args.end())));
-        if (arg == "--app-folder-from-project") {
-            options.appFolderFromProject = true;
-        } else if (arg == "--component" || arg == "--app-folder") {
-            if (i + 1 >= args.size()) return usageError(arg + " needs a value");
-            (arg == "--component" ? options.component : options.appFolder) = args[++i];
-            if (arg == "--component") options.componentGiven = true;
-        } else if (arg.rfind("--", 0) == 0) {
-            return usageError("unknown option " + arg);
-        } else if (options.command.empty()) {
-            options.command = arg;
-        } else {
-            options.arguments.push_back(arg);
-        }
+    // "qxfb help" is "qxfb --help", as it always was.
+    if (args.size() == 1 && args[0] == "help") args[0] = "--help";
+    std::reverse(args.begin(), args.end());  // CLI11 takes the words last first
+    try {
+        qxfb.parse(args);
+    } catch (const CLI::CallForHelp&) {
+        std::cout << qxfb.help();
+        return checkedOutput(0);
+    } catch (const CLI::CallForAllHelp&) {
+        std::cout << qxfb.help("", CLI::AppFormatMode::All);
+        return checkedOutput(0);
+    } catch (const CLI::ParseError& error) {
+        return usageError(shown(usageMessage(qxfb, error)));
     }
-    if (options.command.empty()) return usageError("no command given");
-    const std::vector<std::string>& words = options.arguments;
-    if (options.command == "project") {
-        const std::string what = words.empty() ? "" : words[0];
-        if (what == "info") {
-            if (words.size() < 2) return usageError("project info needs a project file");
-            if (words.size() > 2) return usageError("unexpected argument " + words[2]);
-            if (options.componentGiven || !options.appFolder.empty() || options.appFolderFromProject)
-                return usageError("project info loads no component and takes no options");
-            return checkedOutput(projectInfo(words[1]));
-        }
-        if (what == "bundle") {
-            if (words.size() < 3) return usageError("project bundle needs a project file and a folder");
-            if (words.size() > 3) return usageError("unexpected argument " + words[3]);
-            if (options.appFolderFromProject && !options.appFolder.empty())
-                return usageError("--app-folder and --app-folder-from-project exclude each other");
-            return checkedOutput(projectBundle(options, words[1], words[2]));
-        }
-        return usageError(what.empty() ? "project needs a command: info or bundle" : "unknown project command " + what);
-    }
-    if (!words.empty()) return usageError("unexpected argument " + words[0]);
-    if (options.appFolderFromProject)
-        return usageError("--app-folder-from-project belongs to the project bundle command");
-    if (options.command == "demo") return checkedOutput(demo(options));
-    if (!options.appFolder.empty()) return usageError("--app-folder belongs to the demo and project bundle commands");
-    if (options.command == "classes") return checkedOutput(classes(options));
-    if (options.command == "register") return checkedOutput(registration(options, true));
-    if (options.command == "unregister") return checkedOutput(registration(options, false));
-    return usageError("unknown command " + options.command);
+    return checkedOutput(chosen());
 }

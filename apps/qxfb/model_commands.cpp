@@ -1,5 +1,8 @@
-#include "model_commands.h"
-
+// The commands of qxfb that run a message set through the runtime model, with
+// no component and no controller: preview (the wire bytes of a Send message),
+// loopback (a Send set held against a Scan set) and decode (a capture of
+// received bytes held against a Scan set). A set is given as its image or as
+// its text form (JSON), whichever the file holds.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -10,14 +13,18 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <sstream>
 
+#include "command_line.h"
+#include "inspect/text_form.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "platform/host/host_services.h"
+#include "runtime_model/checksum_catalogue.h"
 #include "runtime_model/loopback.h"
 #include "runtime_model/scan_recognizer.h"
 #include "runtime_model/send_renderer.h"
@@ -27,24 +34,28 @@
 namespace qx::cli {
 
 const char* const modelCommandsHelp =
-    R"(  qxfb preview SEND [--message N] [--values FILE] [--clock TIME]
+    R"(  qxfb preview SEND [--message N] [--values FILE] [--clock TIME] [--crc16 R]
       Renders message N (default 1) of a Send image through the runtime
       model and prints its bytes in hexadecimal and as text, control
       characters named (<STX>, <CR>). Operand values come from FILE, one a
       line: "MI 12 = 1234" (type name, address, value; "#" starts a
       comment); an operand not given is 0. TIME is "YYYY-MM-DD HH:MM:SS"
       (default 2000-01-01 00:00:00).
-  qxfb loopback SEND SCAN [--baud B] [--values FILE] [--clock TIME]
+  qxfb loopback SEND SCAN [--baud B] [--values FILE] [--clock TIME] [--crc16 R]
       Renders every message of the Send image and holds it against the Scan
       image: which Scan message takes each, and warnings for a message none
       or two take, an end character a stream or a binary text can carry, and
       a silence shorter than 1.5 characters at B baud (default 9600). Exit
       status 1 when anything is warned about.
-  qxfb decode SCAN (CAPTURE | --hex BYTES)
+  qxfb decode SCAN (CAPTURE | --hex BYTES) [--crc16 R]
       Cuts a capture of received bytes (a file, or hexadecimal digits) into
       frames by the Scan's terminator and tells, frame by frame, which
       message it is and what each field received, or why no message
       matched. Exit status 1 when a frame matched nothing.
+      SEND and SCAN are images or their text forms (JSON, as export writes
+      them); a file whose first byte other than white space is "{" is read
+      as a text form. The checksum code "CRC-16" is read as CRC-16/ARC, or
+      with --crc16 modbus as CRC-16/MODBUS, low byte first (Modbus RTU).
 )";
 
 namespace {
@@ -53,16 +64,8 @@ namespace {
 // not without bound.
 constexpr uintmax_t MaxImageBytes = 65536;
 constexpr uintmax_t MaxCaptureBytes = uintmax_t{1} << 30;
-
-int usage(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
-    return 2;
-}
-
-int failure(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\n";
-    return 1;
-}
+// A text form of a set is far below 16 MB.
+constexpr uintmax_t MaxTextBytes = uintmax_t{16} << 20;
 
 // A regular file of at most limit bytes; anything else is refused with the
 // reason in words.
@@ -90,18 +93,80 @@ std::optional<std::vector<uint8_t>> readInput(const std::string& path, uintmax_t
     return bytes;
 }
 
+// A text form starts with "{" after any white space, whatever the file is
+// called.
+bool looksLikeTextForm(const std::vector<uint8_t>& bytes) {
+    for (uint8_t byte : bytes) {
+        if (byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n') continue;
+        return byte == '{';
+    }
+    return false;
+}
+
+std::unique_ptr<clsProtocolSendSrv> importSet(std::string_view text, clsProtocolSendSrv*) {
+    return textform::importSendSet(text);
+}
+std::unique_ptr<clsProtocolScanSrv> importSet(std::string_view text, clsProtocolScanSrv*) {
+    return textform::importScanSet(text);
+}
+
 template <class Set>
-bool loadSet(Set& set, const std::string& path, const char* kind, std::string& error) {
-    const std::optional<std::vector<uint8_t>> image = readInput(path, MaxImageBytes, error);
-    if (!image) return false;
+std::unique_ptr<Set> readImageSet(const std::vector<uint8_t>& bytes, const std::string& path, const char* kind,
+                                  std::string& error) {
+    if (bytes.size() > MaxImageBytes) {
+        error = "cannot read " + path + ": " + std::to_string(bytes.size()) + " bytes, more than the " +
+                std::to_string(MaxImageBytes) + " this command reads";
+        return nullptr;
+    }
+    host().ExtendedOperands = false;
+    auto set = std::make_unique<Set>();
     try {
-        set.BinaryData(*image);
-        return true;
+        set->BinaryData(bytes);
+        return set;
     } catch (const RuntimeError& e) {
         error = path + " is not a " + kind + " image: " + toUtf8(e.Description()) + " (error " +
                 std::to_string(e.Number()) + ")";
-        return false;
+        return nullptr;
     }
+}
+
+template <class Set>
+std::unique_ptr<Set> readTextFormSet(const std::vector<uint8_t>& bytes, const std::string& path, const char* kind,
+                                     std::string& error) {
+    const std::string text(bytes.begin(), bytes.end());
+    const std::optional<textform::TextFormHeader> header = textform::peekHeader(text);
+    const std::string wanted = std::string(kind) == "Send" ? "send" : "scan";
+    if (header && header->Kind != wanted) {
+        error = path + " is the text form of a " + (header->Kind == "send" ? "Send" : "Scan") + " set, not of a " +
+                kind + " set";
+        return nullptr;
+    }
+    // The text says which operands it was written with; it is read in a host
+    // with the same setting.
+    host().ExtendedOperands = header && header->ImageVersion == 1;
+    try {
+        return importSet(text, static_cast<Set*>(nullptr));
+    } catch (const RuntimeError& e) {
+        error = e.Number() == err::InvalidFileFormat
+                    ? path + ": " + toUtf8(e.Description())
+                    : path + ": the " + kind + " set has no image: " + toUtf8(e.Description()) + " (error " +
+                          std::to_string(e.Number()) + ")";
+        return nullptr;
+    }
+}
+
+// The set of a file that holds its image or its text form. An image may
+// begin with white space and "{" too: one that the text form refuses is
+// still read as an image before the text's error is reported.
+template <class Set>
+std::unique_ptr<Set> loadSet(const std::string& path, const char* kind, std::string& error) {
+    const std::optional<std::vector<uint8_t>> bytes = readInput(path, MaxTextBytes, error);
+    if (!bytes) return nullptr;
+    if (!looksLikeTextForm(*bytes)) return readImageSet<Set>(*bytes, path, kind, error);
+    std::unique_ptr<Set> set = readTextFormSet<Set>(*bytes, path, kind, error);
+    if (set) return set;
+    std::string imageError;
+    return readImageSet<Set>(*bytes, path, kind, imageError);
 }
 
 std::string trimmed(const std::string& text) {
@@ -234,58 +299,48 @@ std::string operandName(int32_t type, int32_t address) {
     return toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(address);
 }
 
+// The words of one command, as the command line gave them.
 struct Words {
-    std::vector<std::string> positional;
-    std::map<std::string, std::string> options;
+    std::vector<std::string> sets;  // the Send and Scan files, in their order
+    std::string capture;
+    std::string values;
+    std::string clock;
+    std::string hex;
+    bool hexGiven = false;
+    int32_t message = 1;
+    int32_t baud = 9600;
+    std::string crc16 = "arc";
 };
 
-std::optional<Words> split(const std::vector<std::string>& words, const std::vector<std::string>& allowed,
-                           std::string& error) {
-    Words out;
-    for (size_t i = 0; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        if (word.rfind("--", 0) != 0) {
-            out.positional.push_back(word);
-            continue;
-        }
-        if (std::find(allowed.begin(), allowed.end(), word) == allowed.end()) {
-            error = "unknown option " + word;
-            return std::nullopt;
-        }
-        if (i + 1 >= words.size()) {
-            error = word + " needs a value";
-            return std::nullopt;
-        }
-        out.options[word] = words[++i];
-    }
-    return out;
+// The model's checksum table, with "CRC-16" read as the command line says.
+model::ChecksumTable checksumsOf(const Words& words) {
+    model::ChecksumTable table = model::ChecksumTable::Default();
+    if (words.crc16 == "modbus")
+        table.Definition(3, {"CRC-16/MODBUS", model::ChecksumRule::Crc, 16, 0x8005, 0xFFFF, true, true, 0, 0x4B37,
+                             /*LowByteFirst=*/true});
+    return table;
 }
 
 bool commonInputs(const Words& words, model::OperandValues& values, model::ModelClock& clock, std::string& error) {
-    if (words.options.count("--values") && !parseValues(words.options.at("--values"), values, error)) return false;
-    if (words.options.count("--clock") && !parseClock(words.options.at("--clock"), clock, error)) return false;
+    if (!words.values.empty() && !parseValues(words.values, values, error)) return false;
+    if (!words.clock.empty() && !parseClock(words.clock, clock, error)) return false;
     return true;
 }
 
 int preview(const Words& words) {
-    if (words.positional.size() != 1) return usage("preview needs one Send image");
     model::OperandValues values;
     model::ModelClock clock;
     std::string error;
     if (!commonInputs(words, values, clock, error)) return failure(error);
-    int32_t message = 1;
-    if (words.options.count("--message")) {
-        const std::optional<int64_t> number = integer(words.options.at("--message"));
-        if (!number || *number < 1 || *number > 255) return usage("--message needs a number from 1 to 255");
-        message = static_cast<int32_t>(*number);
-    }
-    clsProtocolSendSrv set;
-    if (!loadSet(set, words.positional[0], "Send", error)) return failure(error);
+    const int32_t message = words.message;
+    const std::string& path = words.sets[0];
+    const std::unique_ptr<clsProtocolSendSrv> loaded = loadSet<clsProtocolSendSrv>(path, "Send", error);
+    if (!loaded) return failure(error);
+    const clsProtocolSendSrv& set = *loaded;
     if (message > set.NumberOfMessages())
-        return failure(words.positional[0] + " has " + std::to_string(set.NumberOfMessages()) + " messages, not " +
+        return failure(path + " has " + std::to_string(set.NumberOfMessages()) + " messages, not " +
                        std::to_string(message));
-    const model::RenderedMessage out =
-        model::renderSendMessage(set, message, values, clock, model::ChecksumTable::Default());
+    const model::RenderedMessage out = model::renderSendMessage(set, message, values, clock, checksumsOf(words));
     std::cout << "Message " << message << ": " << out.Bytes.size() << " bytes\n";
     std::cout << "  hex:  " << hexLine(out.Bytes) << "\n";
     std::cout << "  text: " << textLine(out.Bytes) << "\n";
@@ -294,23 +349,18 @@ int preview(const Words& words) {
 }
 
 int loopbackCommand(const Words& words) {
-    if (words.positional.size() != 2) return usage("loopback needs a Send image and a Scan image");
     model::OperandValues values;
     model::ModelClock clock;
     std::string error;
     if (!commonInputs(words, values, clock, error)) return failure(error);
-    int32_t baud = 9600;
-    if (words.options.count("--baud")) {
-        const std::optional<int64_t> rate = integer(words.options.at("--baud"));
-        if (!rate || *rate < 50 || *rate > 10'000'000) return usage("--baud needs a rate from 50 to 10000000");
-        baud = static_cast<int32_t>(*rate);
-    }
-    clsProtocolSendSrv send;
-    clsProtocolScanSrv scan;
-    if (!loadSet(send, words.positional[0], "Send", error) || !loadSet(scan, words.positional[1], "Scan", error))
-        return failure(error);
-    const model::LoopbackReport report =
-        model::loopback(send, scan, baud, values, clock, model::ChecksumTable::Default());
+    const std::unique_ptr<clsProtocolSendSrv> sendSet = loadSet<clsProtocolSendSrv>(words.sets[0], "Send", error);
+    if (!sendSet) return failure(error);
+    const std::unique_ptr<clsProtocolScanSrv> scanSet = loadSet<clsProtocolScanSrv>(words.sets[1], "Scan", error);
+    if (!scanSet) return failure(error);
+    const clsProtocolSendSrv& send = *sendSet;
+    const clsProtocolScanSrv& scan = *scanSet;
+    const int32_t baud = words.baud;
+    const model::LoopbackReport report = model::loopback(send, scan, baud, values, clock, checksumsOf(words));
     for (const model::LoopbackLine& line : report.Lines) {
         std::cout << "Send message " << line.SendMessage << " (" << textLine(line.Bytes) << "): ";
         if (line.ScanMessages.empty()) std::cout << "no Scan message\n";
@@ -325,23 +375,23 @@ int loopbackCommand(const Words& words) {
 }
 
 int decode(const Words& words) {
-    const bool hexGiven = words.options.count("--hex") != 0;
-    if (words.positional.size() != (hexGiven ? 1u : 2u))
-        return usage("decode needs a Scan image and a capture file or --hex BYTES");
+    if (words.hexGiven == !words.capture.empty())
+        return usageError("decode needs a Scan image and a capture file or --hex BYTES");
     std::string error;
-    clsProtocolScanSrv scan;
-    if (!loadSet(scan, words.positional[0], "Scan", error)) return failure(error);
+    const std::unique_ptr<clsProtocolScanSrv> scanSet = loadSet<clsProtocolScanSrv>(words.sets[0], "Scan", error);
+    if (!scanSet) return failure(error);
+    const clsProtocolScanSrv& scan = *scanSet;
     std::vector<uint8_t> capture;
-    if (hexGiven) {
-        const std::optional<std::vector<uint8_t>> bytes = parseHex(words.options.at("--hex"));
-        if (!bytes) return usage("--hex needs pairs of hexadecimal digits");
+    if (words.hexGiven) {
+        const std::optional<std::vector<uint8_t>> bytes = parseHex(words.hex);
+        if (!bytes) return usageError("--hex needs pairs of hexadecimal digits");
         capture = *bytes;
     } else {
-        const std::optional<std::vector<uint8_t>> bytes = readInput(words.positional[1], MaxCaptureBytes, error);
+        const std::optional<std::vector<uint8_t>> bytes = readInput(words.capture, MaxCaptureBytes, error);
         if (!bytes) return failure(error);
         capture = *bytes;
     }
-    const model::ChecksumTable table = model::ChecksumTable::Default();
+    const model::ChecksumTable table = checksumsOf(words);
     const model::ScanMatcher matcher(scan, table);
     size_t leftOver = 0, unmatched = 0;
     const std::vector<model::FrameSpan> frames = model::splitFrames(scan, capture, &leftOver);
@@ -376,27 +426,94 @@ int decode(const Words& words) {
 
 }  // namespace
 
-bool isModelCommand(const std::string& command) {
-    return command == "preview" || command == "loopback" || command == "decode";
-}
-
-int runModelCommand(const std::string& command, const std::vector<std::string>& words) {
-    // The images register their operands with a host; this one is the command's own.
+// Runs a command in a host of its own, with which the sets register their
+// operands.
+int run(int (*command)(const Words&), const Words& words) {
     ScopedHostContext host;
-    std::string error;
-    const std::vector<std::string> allowed =
-        command == "preview"    ? std::vector<std::string>{"--message", "--values", "--clock"}
-        : command == "loopback" ? std::vector<std::string>{"--baud", "--values", "--clock"}
-                                : std::vector<std::string>{"--hex"};
-    const std::optional<Words> split_ = split(words, allowed, error);
-    if (!split_) return usage(error);
     try {
-        if (command == "preview") return preview(*split_);
-        if (command == "loopback") return loopbackCommand(*split_);
-        return decode(*split_);
+        return command(words);
     } catch (const RuntimeError& e) {
         return failure("run-time error " + std::to_string(e.Number()) + ": " + toUtf8(e.Description()));
     }
+}
+
+void addValuesAndClock(CLI::App& command, Words& words) {
+    command
+        .add_option("--values", words.values, "operand values, one a line: \"MI 12 = 1234\"; an operand not given is 0")
+        ->type_name("FILE");
+    command.add_option("--clock", words.clock, "the controller's clock, \"YYYY-MM-DD HH:MM:SS\"")
+        ->type_name("TIME")
+        ->default_str("2000-01-01 00:00:00");
+}
+
+void addCrc16(CLI::App& command, Words& words) {
+    command
+        .add_option("--crc16", words.crc16,
+                    "how the checksum code CRC-16 is read: arc (CRC-16/ARC) or modbus (CRC-16/MODBUS, low byte first)")
+        ->type_name("R")
+        ->check(CLI::IsMember({"arc", "modbus"}))
+        ->default_str("arc");
+}
+
+void addModelCommands(CLI::App& qxfb, Command& chosen) {
+    auto previewed = std::make_shared<Words>();
+    CLI::App* previewCommand = addCommand(qxfb, "preview", "Renders a Send message's bytes through the runtime model",
+                                          "preview needs one Send image");
+    auto previewSend = std::make_shared<std::string>();
+    previewCommand->add_option("SEND", *previewSend, "the Send set: its image or its text form (JSON)")
+        ->type_name("FILE")
+        ->required();
+    previewCommand->add_option("--message", previewed->message, "the message to render")
+        ->type_name("N")
+        ->check(wholeNumber(1, 255))
+        ->default_str("1");
+    addValuesAndClock(*previewCommand, *previewed);
+    addCrc16(*previewCommand, *previewed);
+    previewCommand->callback([&chosen, previewed, previewSend] {
+        previewed->sets = {*previewSend};
+        chosen = [previewed] { return run(preview, *previewed); };
+    });
+
+    auto looped = std::make_shared<Words>();
+    CLI::App* loopbackCommand_ = addCommand(qxfb, "loopback", "Holds every message of a Send set against a Scan set",
+                                            "loopback needs a Send image and a Scan image");
+    auto send = std::make_shared<std::string>();
+    auto scan = std::make_shared<std::string>();
+    loopbackCommand_->add_option("SEND", *send, "the Send set: its image or its text form (JSON)")
+        ->type_name("FILE")
+        ->required();
+    loopbackCommand_->add_option("SCAN", *scan, "the Scan set: its image or its text form (JSON)")
+        ->type_name("FILE")
+        ->required();
+    loopbackCommand_->add_option("--baud", looped->baud, "the line's rate, for the silence between messages")
+        ->type_name("B")
+        ->check(wholeNumber(50, 10'000'000))
+        ->default_str("9600");
+    addValuesAndClock(*loopbackCommand_, *looped);
+    addCrc16(*loopbackCommand_, *looped);
+    loopbackCommand_->callback([&chosen, looped, send, scan] {
+        looped->sets = {*send, *scan};
+        chosen = [looped] { return run(loopbackCommand, *looped); };
+    });
+
+    auto decoded = std::make_shared<Words>();
+    CLI::App* decodeCommand = addCommand(qxfb, "decode", "Tells which Scan message each received frame is",
+                                         "decode needs a Scan image and a capture file or --hex BYTES");
+    auto decodeScan = std::make_shared<std::string>();
+    decodeCommand->add_option("SCAN", *decodeScan, "the Scan set: its image or its text form (JSON)")
+        ->type_name("FILE")
+        ->required();
+    CLI::Option* capture =
+        decodeCommand->add_option("CAPTURE", decoded->capture, "a file of received bytes")->type_name("FILE");
+    decodeCommand->add_option("--hex", decoded->hex, "the received bytes in hexadecimal digits instead of a file")
+        ->type_name("BYTES")
+        ->excludes(capture);
+    addCrc16(*decodeCommand, *decoded);
+    decodeCommand->callback([&chosen, decoded, decodeScan, decodeCommand] {
+        decoded->sets = {*decodeScan};
+        decoded->hexGiven = decodeCommand->count("--hex") != 0;
+        chosen = [decoded] { return run(decode, *decoded); };
+    });
 }
 
 }  // namespace qx::cli

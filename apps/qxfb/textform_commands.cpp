@@ -1,5 +1,5 @@
-#include "textform_commands.h"
-
+// The commands of qxfb that turn a Send or Scan image into its text form
+// (JSON that a person can read and diff) and back: export and import.
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -10,12 +10,13 @@
 #include <memory>
 #include <optional>
 
+#include "command_line.h"
+#include "inspect/text_form.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
-#include "inspect/text_form.h"
 
 namespace qx::cli {
 
@@ -42,16 +43,6 @@ constexpr uintmax_t MaxTextBytes = uintmax_t{16} << 20;
 // Where each image keeps its version byte.
 constexpr size_t SendVersionOffset = 24;
 constexpr size_t ScanVersionOffset = 3;
-
-int usage(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\nTry 'qxfb --help'.\n";
-    return 2;
-}
-
-int failure(const std::string& message) {
-    std::cerr << "qxfb: " << message << "\n";
-    return 1;
-}
 
 std::optional<std::string> readFile(const std::string& path, uintmax_t limit, std::string& error) {
     struct stat info {};
@@ -110,22 +101,15 @@ std::optional<std::string> exportAs(const Bytes& image, bool send, bool exact, s
     }
 }
 
-int exportCommand(const std::vector<std::string>& words) {
-    std::string path, kind;
-    for (size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "--kind") {
-            if (i + 1 >= words.size()) return usage("--kind needs send or scan");
-            kind = words[++i];
-            if (kind != "send" && kind != "scan") return usage("--kind needs send or scan, not " + kind);
-        } else if (words[i].rfind("--", 0) == 0) {
-            return usage("unknown option " + words[i]);
-        } else if (path.empty()) {
-            path = words[i];
-        } else {
-            return usage("unexpected argument " + words[i]);
-        }
-    }
-    if (path.empty()) return usage("export needs a Send or Scan image");
+struct Words {
+    std::string path;
+    std::string kind;  // send, scan, or empty: the image tells
+    std::string output;
+};
+
+int exportCommand(const Words& words) {
+    const std::string& path = words.path;
+    const std::string& kind = words.kind;
     std::string error;
     const std::optional<std::string> bytes = readFile(path, MaxImageBytes, error);
     if (!bytes) return failure(error);
@@ -148,22 +132,9 @@ int exportCommand(const std::vector<std::string>& words) {
     return std::cout ? 0 : failure("cannot write the text to standard output");
 }
 
-int importCommand(const std::vector<std::string>& words) {
-    std::string path, output;
-    for (size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "-o" || words[i] == "--output") {
-            if (i + 1 >= words.size()) return usage(words[i] + " needs the image file to write");
-            output = words[++i];
-        } else if (words[i].rfind("-", 0) == 0 && words[i] != "-") {
-            return usage("unknown option " + words[i]);
-        } else if (path.empty()) {
-            path = words[i];
-        } else {
-            return usage("unexpected argument " + words[i]);
-        }
-    }
-    if (path.empty()) return usage("import needs a text form (JSON)");
-    if (output.empty()) return usage("import needs -o IMAGE, the image file to write");
+int importCommand(const Words& words) {
+    const std::string& path = words.path;
+    const std::string& output = words.output;
     std::string error;
     const std::optional<std::string> text = readFile(path, MaxTextBytes, error);
     if (!text) return failure(error);
@@ -191,11 +162,26 @@ int importCommand(const std::vector<std::string>& words) {
 
 }  // namespace
 
-bool isTextFormCommand(const std::string& command) { return command == "export" || command == "import"; }
+void addTextFormCommands(CLI::App& qxfb, Command& chosen) {
+    auto exported = std::make_shared<Words>();
+    CLI::App* exportCommand_ = addCommand(qxfb, "export", "Writes the text form (JSON) of a Send or Scan image",
+                                          "export needs a Send or Scan image");
+    exportCommand_->add_option("IMAGE", exported->path, "the Send or Scan image")->type_name("FILE")->required();
+    exportCommand_
+        ->add_option("--kind", exported->kind, "how to read the image; without it, as whichever gives itself back")
+        ->check(CLI::IsMember({"send", "scan"}));
+    exportCommand_->callback([&chosen, exported] { chosen = [exported] { return exportCommand(*exported); }; });
 
-int runTextFormCommand(const std::string& command, const std::vector<std::string>& words) {
-    if (command == "export") return exportCommand(words);
-    return importCommand(words);
+    auto imported = std::make_shared<Words>();
+    CLI::App* importCommand_ = addCommand(qxfb, "import", "Writes the image of a text form (JSON)",
+                                          "import needs a text form (JSON) and -o IMAGE, the image file to write");
+    importCommand_->add_option("JSON", imported->path, "the text form of a Send or Scan set")
+        ->type_name("FILE")
+        ->required();
+    importCommand_->add_option("-o,--output", imported->output, "the image file to write")
+        ->type_name("IMAGE")
+        ->required();
+    importCommand_->callback([&chosen, imported] { chosen = [imported] { return importCommand(*imported); }; });
 }
 
 }  // namespace qx::cli

@@ -1,6 +1,6 @@
 // qxfb preview, loopback and decode, run as a user runs them on image files
-// written by the library's own sets: the bytes and texts they print, their
-// exit status, and their words for bad input.
+// and text forms written by the library's own sets: the bytes and texts they
+// print, their exit status, and their words for bad input.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,6 +9,7 @@
 
 #include "apps/cli_run.h"
 #include "component/built_paths.h"
+#include "inspect/text_form.h"
 #include "message/protocol_date_var.h"
 #include "message/protocol_message.h"
 #include "message/protocol_numeric_var.h"
@@ -64,6 +65,7 @@ protected:
         send.SendETXLength(1);
         send.SetSendETXValue(0, 0x03, false);
         writeImage(folder / "send.img", send.BinaryData());
+        test::writeFile(folder / "send.json", textform::exportSendSet(send));
     }
     // The scale's side: the same two messages, the number into MI 40.
     void writeScan(bool withTare = true) {
@@ -88,6 +90,7 @@ protected:
         scan.ScanETXLength(1);
         scan.SetScanETXValue(0, 0x03, false);
         writeImage(folder / "scan.img", scan.BinaryData());
+        test::writeFile(folder / "scan.json", textform::exportScanSet(scan));
     }
 };
 
@@ -195,6 +198,67 @@ TEST_F(QxfbModelTest, InputsThatAreNoImagesOrNoFilesAreRefusedInWords) {
     EXPECT_EQ(run("preview " + file("scan.img") + " --message 0").status, 2);
     EXPECT_EQ(run("preview " + file("scan.img") + " --baud 9600").err,
               "qxfb: unknown option --baud\nTry 'qxfb --help'.\n");
+}
+
+TEST_F(QxfbModelTest, PreviewOfATextFormPrintsWhatItsImagePrints) {
+    writeSend();
+    test::writeFile(folder / "values.txt", "MI 12 = -250\n");
+    const std::string options = " --message 2 --values " + file("values.txt");
+    const test::CliRun image = run("preview " + file("send.img") + options);
+    const test::CliRun text = run("preview " + file("send.json") + options);
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_EQ(text.out, image.out);
+    EXPECT_EQ(text.lines().at(1), "  hex:  02 54 2D 30 30 32 35 30 0D 03");
+}
+
+TEST_F(QxfbModelTest, LoopbackOfTextFormsPrintsWhatTheirImagesPrint) {
+    writeSend();
+    writeScan();
+    const test::CliRun images = run("loopback " + file("send.img") + " " + file("scan.img"));
+    ASSERT_EQ(images.status, 0) << images.err;
+    for (const std::string& pair :
+         {file("send.json") + " " + file("scan.json"), file("send.json") + " " + file("scan.img"),
+          file("send.img") + " " + file("scan.json")}) {
+        const test::CliRun text = run("loopback " + pair);
+        EXPECT_EQ(text.status, 0) << pair << ": " << text.err;
+        EXPECT_EQ(text.out, images.out) << pair;
+    }
+}
+
+TEST_F(QxfbModelTest, DecodeAgainstATextFormPrintsWhatItsImagePrints) {
+    writeScan();
+    test::writeFile(folder / "capture.bin", std::string("\xFF\x02W\r\x03\x02T-00042\r\x03\x02X\x03", 18));
+    const test::CliRun image = run("decode " + file("scan.img") + " " + file("capture.bin"));
+    const test::CliRun text = run("decode " + file("scan.json") + " " + file("capture.bin"));
+    EXPECT_EQ(text.status, 1);
+    EXPECT_EQ(text.out, image.out);
+    EXPECT_NE(text.out.find("  field at position 1: MI 40 = -42\n"), std::string::npos) << text.out;
+}
+
+TEST_F(QxfbModelTest, ATextFormIsKnownByItsContentNotByItsName) {
+    writeSend();
+    // White space before the "{", and a name that says image.
+    test::writeFile(folder / "set.bin", " \n\t" + test::readFile(folder / "send.json"));
+    fs::copy_file(folder / "send.img", folder / "image.json");
+    const test::CliRun reference = run("preview " + file("send.img"));
+    const test::CliRun text = run("preview " + file("set.bin"));
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_EQ(text.out, reference.out);
+    const test::CliRun image = run("preview " + file("image.json"));
+    EXPECT_EQ(image.status, 0) << image.err;
+    EXPECT_EQ(image.out, reference.out);
+}
+
+TEST_F(QxfbModelTest, ATextFormOfTheOtherKindOrABrokenOneIsRefusedInWords) {
+    writeScan();
+    const test::CliRun other = run("preview " + file("scan.json"));
+    EXPECT_EQ(other.status, 1);
+    EXPECT_EQ(other.err,
+              "qxfb: " + (folder / "scan.json").string() + " is the text form of a Scan set, not of a Send set\n");
+    test::writeFile(folder / "broken.json", "{\n  \"format\": 7\n}\n");
+    const test::CliRun broken = run("decode " + file("broken.json") + " --hex 00");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_EQ(broken.err.rfind("qxfb: " + (folder / "broken.json").string() + ": line ", 0), 0u) << broken.err;
 }
 
 TEST_F(QxfbModelTest, HelpListsTheModelCommandsBeforeTheOptions) {
