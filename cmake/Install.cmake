@@ -11,6 +11,10 @@ install(TARGETS qxfb_runtime_model EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${
 # The schema of the text form of message sets goes with the package's data.
 install(FILES ${CMAKE_SOURCE_DIR}/resources/schema/qxfbcom2-message-set.v1.schema.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}/schema)
+# Three public frames as Send and Scan sets in the text form, for preview,
+# loopback and decode.
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/examples/frames
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}/examples)
 install(TARGETS qxfb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # The project store and the view layer, each in an export set of its own, so
 # that the package's config file loads them (and looks for SQLite, OpenSSL
