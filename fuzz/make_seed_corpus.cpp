@@ -292,10 +292,13 @@ Project netsProject() {
     send.FatherInstanceNum = 2;
     send.BinaryOperands = {0x01, 0x00, 0x41, 0x42, 0x0D};
     send.InOperands = {configOperand(L"in", 5, 7)};
+    // The operands of its image the host lists, with their descriptions.
+    send.FindOnly = {configOperand(L"1", 3, 40), configOperand(L"2", 3, 41)};
     StoredOperation reset;
     reset.MethodID = 170105;
     project.Nets = {LadderNet{L"", {}}, LadderNet{L"Send \x20ac", {send, reset}}, LadderNet{L"end", {reset}}};
-    project.Links = {{5, 7, 1, 3, 1}};
+    project.Links = {{5, 7, 1, 3, 1}, {3, 40, 1, 3, 1}, {3, 41, 1, 3, 1}};
+    project.Descriptions = {{0, 3, 40, L"Level"}, {0, 5, 7, L"Start \x20ac"}};
     return project;
 }
 

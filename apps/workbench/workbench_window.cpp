@@ -23,6 +23,7 @@
 #include <filesystem>
 
 #include "framework/shared_helpers.h"
+#include "inspect/image_words.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_services.h"
@@ -110,6 +111,25 @@ private:
 
 // A project is held twice per change; a long session keeps the last ones.
 constexpr int UndoLimit = 100;
+
+// A block's Config: its instance, and on the Config itself what it opens,
+// the serial port (byte 0 of its image) or the TCP/IP socket (its first
+// operand).
+QString configText(itfFBMethod& operation) {
+    const int32_t instance = operation.itfFBMethod_FatherInstanceNum();
+    if (!instance) return {};
+    QString text = QStringLiteral("%1 %2").arg(instance).arg(toQString(operation.itfFBMethod_FatherInstanceName()));
+    if (operation.itfFBMethod_MethodID() == 170101) {
+        const Bytes image = operation.itfFBMethod_BinaryOperands();
+        if (!image.empty() && !words::comPort(image[0]).empty())
+            text += QStringLiteral(", ") + QString::fromStdString(words::comPort(image[0]));
+    } else if (operation.itfFBMethod_MethodID() == 170201) {
+        const OperandCollectionPtr in = operation.itfFBMethod_InOperands();
+        if (in && in->Count() > 0 && in->Item(1) && !in->Item(1)->IsNew())
+            text += QStringLiteral(", socket ") + toQString(GetOperandDisplayText(*in->Item(1)));
+    }
+    return text;
+}
 
 QTreeWidget* newTree(const QString& name, const QStringList& headers, QWidget* parent) {
     auto* tree = new QTreeWidget(parent);
@@ -354,11 +374,7 @@ void WorkbenchWindow::refresh() {
         netItem->setData(0, PlaceRole, -1);
         for (size_t i = 0; i < net.Operations.size(); ++i) {
             itfFBMethod& operation = *net.Operations[i];
-            const int32_t instance = operation.itfFBMethod_FatherInstanceNum();
-            auto* item = new QTreeWidgetItem(netItem, {toQString(operation.itfFBMethod_Title()),
-                                                       instance ? QStringLiteral("%1 %2").arg(instance).arg(toQString(
-                                                                      operation.itfFBMethod_FatherInstanceName()))
-                                                                : QString(),
+            auto* item = new QTreeWidgetItem(netItem, {toQString(operation.itfFBMethod_Title()), configText(operation),
                                                        toQString(operation.itfFBMethod_MethodName())});
             // The images are those of the MethodID: made into icons once.
             auto icon = blockIcons_.find(operation.itfFBMethod_MethodID());

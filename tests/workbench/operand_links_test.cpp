@@ -12,6 +12,9 @@
 #include <QStatusBar>
 #include <QTest>
 #include <algorithm>
+#include <map>
+#include <random>
+#include <set>
 #include <stdexcept>
 
 #include "project/project_file.h"
@@ -385,6 +388,131 @@ TEST_F(OperandLinksTest, AnInstanceInUseIsNotDeletedAndAnUnusedOneIsWithUndo) {
     ASSERT_EQ(host->InstancesOf(170100).Stored().size(), 1u);
     action("actionUndo")->trigger();
     EXPECT_EQ(host->InstancesOf(170100).Stored().size(), 2u);
+}
+
+// What the blocks of a project name, by type and address, and how many
+// blocks name each: the operand table the host must hold.
+std::map<std::pair<int32_t, int32_t>, int32_t> namedByBlocks(const Project& project) {
+    std::map<std::pair<int32_t, int32_t>, int32_t> named;
+    for (const LadderNet& net : project.Nets)
+        for (const StoredOperation& operation : net.Operations) {
+            std::set<std::pair<int32_t, int32_t>> once;
+            for (const auto* side : {&operation.InOperands, &operation.OutOperands, &operation.FindOnly})
+                for (const StoredOperand& operand : *side)
+                    if (!operand.IsNew && operand.Address >= 0) once.emplace(operand.Type, operand.Address);
+            for (const auto& key : once) ++named[key];
+        }
+    return named;
+}
+
+std::map<std::pair<int32_t, int32_t>, int32_t> hostTable(const HostContext& context) {
+    std::map<std::pair<int32_t, int32_t>, int32_t> table;
+    for (const OperandTable::Link& link : context.Operands.Links()) table[{link.Type, link.Address}] = link.Link.Count;
+    return table;
+}
+
+// Random roads through the window: place a Config or a Buffer reset, edit a
+// Config's link, delete a block, move an operand, undo, redo, save. After
+// every step the host's table is the one the blocks name; undone to the
+// start the project is the empty one, redone it is the last one again, and
+// saved and reopened it is the same.
+TEST_F(OperandLinksTest, RandomRoadsKeepTheTableDerivedAndUndoToTheStart) {
+    const QString file = QString::fromStdString((folder.path() / "roads.qxfbproj").string());
+    for (const unsigned seed : {1u, 2u, 3u}) {
+        SCOPED_TRACE(seed);
+        window->UndoStack().clear();
+        host->Clear();
+        const Project empty = host->ToProject();
+        std::mt19937 random(seed);
+        const auto pick = [&random](int32_t from, int32_t to) {
+            return std::uniform_int_distribution<int32_t>(from, to)(random);
+        };
+        int names = 0;
+        for (int step = 0; step < 40; ++step) {
+            const auto& nets = host->Nets();
+            const size_t blocks = nets.empty() ? 0 : nets[0].Operations.size();
+            switch (pick(0, 7)) {
+                case 0:
+                    placeConfig(L"C" + std::to_wstring(++names), pick(200, 220));
+                    break;
+                case 1: {
+                    const auto instances = host->InstancesOf(170100).Stored();
+                    if (!instances.empty())
+                        placeBufferReset(
+                            instances[static_cast<size_t>(pick(0, static_cast<int32_t>(instances.size()) - 1))]
+                                .InstanceNum);
+                    break;
+                }
+                case 2: {
+                    if (blocks == 0) break;
+                    const size_t place = static_cast<size_t>(pick(0, static_cast<int32_t>(blocks) - 1));
+                    if (nets[0].Operations[place]->itfFBMethod_MethodID() == 170101)
+                        relinkStatus(0, place, pick(200, 220));
+                    break;
+                }
+                case 3: {
+                    if (blocks == 0) break;
+                    const size_t place = static_cast<size_t>(pick(0, static_cast<int32_t>(blocks) - 1));
+                    const MethodPtr& block = nets[0].Operations[place];
+                    if (block->itfFBMethod_MethodID() == 170101 &&
+                        !host->UsersOfInstance(170100, block->itfFBMethod_FatherInstanceNum(), {0, place}).empty())
+                        test::onModal(QStringLiteral("DeleteConfig"), [](QWidget& box) {
+                            QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::Yes), Qt::LeftButton);
+                        });
+                    selectBlock(0, place);
+                    action("actionDelete")->trigger();
+                    break;
+                }
+                case 4: {
+                    const std::vector<WorkbenchHost::OperandUse> all = host->OperandUses();
+                    if (all.empty()) break;
+                    const WorkbenchHost::OperandUse use =
+                        all[static_cast<size_t>(pick(0, static_cast<int32_t>(all.size()) - 1))];
+                    int32_t to = pick(200, 240);
+                    const auto taken = [&](int32_t at) {
+                        return std::any_of(all.begin(), all.end(), [&](const WorkbenchHost::OperandUse& other) {
+                            return other.Type == use.Type && other.Address == at;
+                        });
+                    };
+                    while (taken(to)) ++to;
+                    QTreeWidget& operands = *window->Operands();
+                    for (int row = 0; row < operands.topLevelItemCount(); ++row)
+                        if (operands.topLevelItem(row)->data(0, Qt::UserRole).toInt() == use.Type &&
+                            operands.topLevelItem(row)->data(0, Qt::UserRole + 1).toInt() == use.Address)
+                            operands.setCurrentItem(operands.topLevelItem(row));
+                    test::onModal(QStringLiteral("MoveOperand"), [to](QWidget& ask) {
+                        auto* spin = ask.findChild<QSpinBox*>();
+                        spin->setValue(to);
+                        QTest::keyClick(&ask, Qt::Key_Return);
+                    });
+                    EXPECT_TRUE(window->MoveCurrentOperand());
+                    break;
+                }
+                case 5:
+                    action("actionUndo")->trigger();
+                    break;
+                case 6:
+                    action("actionRedo")->trigger();
+                    break;
+                default:
+                    ASSERT_TRUE(window->SaveFile(file));
+                    break;
+            }
+            const Project now = host->ToProject();
+            ASSERT_EQ(hostTable(host->Context()), namedByBlocks(now)) << "step " << step;
+        }
+        const Project last = host->ToProject();
+        while (window->UndoStack().canUndo()) window->UndoStack().undo();
+        EXPECT_EQ(host->ToProject(), empty);
+        EXPECT_TRUE(hostTable(host->Context()).empty());
+        while (window->UndoStack().canRedo()) window->UndoStack().redo();
+        EXPECT_EQ(host->ToProject(), last);
+        ASSERT_TRUE(window->SaveFile(file));
+        host->Clear();
+        ASSERT_TRUE(window->OpenFile(file));
+        EXPECT_EQ(host->ToProject(), last);
+        EXPECT_EQ(hostTable(host->Context()), namedByBlocks(last));
+    }
 }
 
 }  // namespace

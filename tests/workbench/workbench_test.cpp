@@ -98,7 +98,8 @@ TEST_F(WorkbenchTest, ASerialConfigPlacedWithKeysAndMouseGivesTheImageOfTheHeadl
     // The block shows its title, its Config and its linked operands.
     QTreeWidgetItem* block = window->Ladder()->topLevelItem(0)->child(0);
     EXPECT_EQ(block->text(0), toQString(config->itfFBMethod_Title()));
-    EXPECT_EQ(block->text(1), QStringLiteral("1 Printer"));
+    // The Config shows the port it opens.
+    EXPECT_EQ(block->text(1), QStringLiteral("1 Printer, COM3"));
     ASSERT_EQ(block->childCount(), 2);
     EXPECT_EQ(block->child(0)->text(0), toQString(out->Item(1)->OperandCaption()));
     EXPECT_EQ(block->child(0)->text(2), toQString(GetOperandDisplayText(*out->Item(1))));
@@ -233,7 +234,7 @@ TEST_F(WorkbenchTest, ASavedProjectReopensWithTheSameImagesLinksAndInstances) {
     EXPECT_EQ(host->Nets()[0].Operations[0]->itfFBMethod_FatherInstanceName(), L"Printer");
     EXPECT_EQ(host->Context().Operands.LinkCount(3, 200), 1);
     EXPECT_TRUE(host->Context().ExtendedOperands);
-    EXPECT_EQ(window->Ladder()->topLevelItem(0)->child(0)->text(1), QStringLiteral("1 Printer"));
+    EXPECT_EQ(window->Ladder()->topLevelItem(0)->child(0)->text(1), QStringLiteral("1 Printer, COM3"));
 }
 
 TEST_F(WorkbenchTest, TheDownloadBundleHoldsTheImagesTheInstancesAndTheRuntimeFiles) {
@@ -439,6 +440,9 @@ TEST_F(WorkbenchTest, ATcpIpConfigIsPlacedSavedReopenedAndEditedAgain) {
     ASSERT_NE(family, nullptr);
     ASSERT_EQ(family->childCount(), 1);
     EXPECT_EQ(family->child(0)->text(1), QStringLiteral("Plant"));
+    // The TCP/IP Config shows its socket on its block.
+    EXPECT_TRUE(window->Ladder()->topLevelItem(0)->child(0)->text(1).startsWith(QStringLiteral("1 Plant, socket ")))
+        << window->Ladder()->topLevelItem(0)->child(0)->text(1).toStdString();
     EXPECT_EQ(family->child(0)->text(2), QStringLiteral("418 bytes"));
     // The port's MI is listed for the host's search.
     EXPECT_EQ(host->Context().Operands.LinkCount(3, 300), 1);
