@@ -99,10 +99,11 @@ MethodPtr WorkbenchHost::PlaceOperation(size_t net, int32_t methodId) {
     const std::shared_ptr<HostInstances>& instances = instances_.at(family->itfFBFather_FatherID());
     const std::vector<StoredInstance> before = instances->Stored();
     // A new operation that is not placed leaves nothing behind: neither the
-    // links its first edit made nor the instance a new Config added.
+    // links its first edit made (the table is derived again without it) nor
+    // the instance a new Config added.
     const auto drop = [&] {
-        releaseLinks(*operation);
         if (instances->Stored() != before) instances->Restore(before);
+        SyncOperands();
     };
     try {
         operation->itfFBMethod_Init(instances);
@@ -115,7 +116,6 @@ MethodPtr WorkbenchHost::PlaceOperation(size_t net, int32_t methodId) {
     }
     if (operation->itfFBMethod_IsCanceled()) {
         drop();
-        SyncOperands();
         return nullptr;
     }
     nets_[net].Operations.push_back(operation);
@@ -135,21 +135,9 @@ bool WorkbenchHost::EditOperation(const MethodPtr& operation) {
     return ok;
 }
 
-// The links leave the host's table. The table is the component's: this
-// program's own copy of the operand code would reach the table of this
-// program's context, so the operands are not asked to release themselves.
-void WorkbenchHost::releaseLinks(itfFBMethod& operation) {
-    for (const auto& operands : {operation.itfFBMethod_InOperands(), operation.itfFBMethod_OutOperands()})
-        if (operands)
-            for (const OperandPtr& operand : *operands)
-                if (operand && !operand->IsNew())
-                    context_->Operands.Release(operand->OperandType(), operand->OperandAddress());
-}
-
 void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
     if (net >= nets_.size() || index >= nets_[net].Operations.size()) return;
     const MethodPtr operation = nets_[net].Operations[index];
-    releaseLinks(*operation);
     findOnly_.erase(operation.get());
     nets_[net].Operations.erase(nets_[net].Operations.begin() + static_cast<std::ptrdiff_t>(index));
     // A Config's instance goes with it unless another operation still runs on it.
@@ -365,7 +353,7 @@ std::vector<WorkbenchHost::Reference> WorkbenchHost::references() const {
             } catch (const RuntimeError&) {
             }
             for (const AddressTableOperand& operand : operands) {
-                Reference reference{Reference::Kind::Instance, {0, 0}, {TcpIpFamily, instance.InstanceNum}};
+                Reference reference{Reference::Kind::Instance, {0, 0}, {TcpIpFamily, instance.InstanceNum}, nullptr};
                 reference.Type = 3;  // MI, as memory
                 reference.Address = operand.Address;
                 reference.VectorLength = operand.VectorLength;
@@ -375,10 +363,10 @@ std::vector<WorkbenchHost::Reference> WorkbenchHost::references() const {
     return found;
 }
 
-void WorkbenchHost::keepFindOnly(const itfFBMethod& operation) {
+void WorkbenchHost::keepFindOnly(itfFBMethod& operation) {
     std::vector<OperandPtr>& kept = findOnly_[&operation];
     kept.clear();
-    if (const OperandCollectionPtr listed = const_cast<itfFBMethod&>(operation).itfFBMethod_OperandsForFindOnly())
+    if (const OperandCollectionPtr listed = operation.itfFBMethod_OperandsForFindOnly())
         for (const OperandPtr& operand : *listed)
             if (operand) kept.push_back(copiesOf({storeOperand(*operand, L"")}).front());
 }

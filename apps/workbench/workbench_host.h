@@ -157,9 +157,8 @@ private:
     std::vector<Reference> references() const;
     // The host's own copy of what an operation listed for the search after
     // its last edit with OK.
-    void keepFindOnly(const itfFBMethod& operation);
+    void keepFindOnly(itfFBMethod& operation);
     MethodPtr reopen(const StoredOperation& stored);
-    void releaseLinks(itfFBMethod& operation);
 
     HostContext* context_;
     std::shared_ptr<itfFBGate> gate_;
