@@ -143,9 +143,16 @@ void WorkbenchHost::RemoveOperation(size_t net, size_t index) {
     // A Config's instance goes with it unless another operation still runs on it.
     const int32_t family = familyOf(operation->itfFBMethod_MethodID());
     const int32_t instance = operation->itfFBMethod_FatherInstanceNum();
-    if (operation->itfFBMethod_MethodID() % 100 == ConfigMethod && instance != 0 && instances_.count(family) &&
-        UsersOfInstance(family, instance).empty())
+    if (IsConfig(*operation) && instance != 0 && instances_.count(family) && UsersOfInstance(family, instance).empty())
         instances_.at(family)->DeleteInstance(instance);
+    SyncOperands();
+    modified_ = true;
+}
+
+bool WorkbenchHost::IsConfig(itfFBMethod& operation) { return operation.itfFBMethod_MethodID() % 100 == ConfigMethod; }
+
+void WorkbenchHost::RemoveInstance(int32_t fatherId, int32_t instanceNum) {
+    InstancesOf(fatherId).DeleteInstance(instanceNum);
     SyncOperands();
     modified_ = true;
 }

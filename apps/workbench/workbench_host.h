@@ -63,6 +63,10 @@ public:
     // Removes the operation and releases its links. A Config takes its
     // instance with it when no other operation uses that instance.
     void RemoveOperation(size_t net, size_t index);
+    // Whether the operation is its family's Config, the one that owns an instance.
+    static bool IsConfig(itfFBMethod& operation);
+    // Deletes an instance no operation uses any longer.
+    void RemoveInstance(int32_t fatherId, int32_t instanceNum);
     // The operations other than `except` that run on a family's instance.
     std::vector<std::pair<size_t, size_t>> UsersOfInstance(int32_t fatherId, int32_t instanceNum,
                                                            std::pair<size_t, size_t> except = {SIZE_MAX,

@@ -594,19 +594,16 @@ void WorkbenchWindow::deleteCurrent() {
     // A Config that other blocks run on: they would lose it.
     const int32_t family = familyOf(operation->itfFBMethod_MethodID());
     const int32_t instance = operation->itfFBMethod_FatherInstanceNum();
-    if (operation->itfFBMethod_MethodID() % 100 == 1 && instance != 0) {
-        QStringList users;
-        for (const auto& [n, i] : host_.UsersOfInstance(family, instance, *place))
-            users << toQString(host_.BlockName(n, i));
+    if (WorkbenchHost::IsConfig(*operation) && instance != 0) {
+        const QString users = usersOf(family, instance, *place);
         if (!users.isEmpty() &&
             showBox(QStringLiteral("DeleteConfig"), QMessageBox::Warning, QStringLiteral("Delete operation"),
-                    QStringLiteral("%1 is the Config of instance %2 %3, which %4 %5. Delete the Config anyway? The "
+                    QStringLiteral("%1 is the Config of instance %2 %3, which %4. Delete the Config anyway? The "
                                    "instance stays for them.")
                         .arg(block)
                         .arg(instance)
                         .arg(toQString(operation->itfFBMethod_FatherInstanceName()))
-                        .arg(users.join(QStringLiteral(", ")))
-                        .arg(users.size() == 1 ? QStringLiteral("uses") : QStringLiteral("use")),
+                        .arg(users),
                     QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
             return;
     }
@@ -620,23 +617,21 @@ void WorkbenchWindow::deleteCurrentInstance() {
     if (!item || !item->parent()) return;
     const int32_t family = item->data(0, Qt::UserRole).toInt();
     const int32_t number = item->data(0, Qt::UserRole + 1).toInt();
-    QStringList users;
-    for (const auto& [n, i] : host_.UsersOfInstance(family, number)) users << toQString(host_.BlockName(n, i));
-    if (!users.isEmpty()) {
-        showError(QStringLiteral("Instance %1 %2 cannot be deleted: %3 %4 it.")
-                      .arg(number)
-                      .arg(item->text(1), users.join(QStringLiteral(", ")),
-                           users.size() == 1 ? QStringLiteral("uses") : QStringLiteral("use")));
+    if (const QString users = usersOf(family, number); !users.isEmpty()) {
+        showError(QStringLiteral("Instance %1 %2 cannot be deleted: %3 it.").arg(number).arg(item->text(1), users));
         return;
     }
-    changeProject(QStringLiteral("Delete instance %1 %2").arg(number).arg(item->text(1)), [&] {
-        return guarded([&] {
-            host_.InstancesOf(family).DeleteInstance(number);
-            host_.SyncOperands();
-            host_.MarkModified();
-        });
-    });
+    changeProject(QStringLiteral("Delete instance %1 %2").arg(number).arg(item->text(1)),
+                  [&] { return guarded([&] { host_.RemoveInstance(family, number); }); });
     refresh();
+}
+
+QString WorkbenchWindow::usersOf(int32_t family, int32_t instance, std::pair<size_t, size_t> except) const {
+    QStringList users;
+    for (const auto& [n, i] : host_.UsersOfInstance(family, instance, except))
+        users << toQString(host_.BlockName(n, i));
+    if (users.isEmpty()) return {};
+    return users.join(QStringLiteral(", ")) + (users.size() == 1 ? QStringLiteral(" uses") : QStringLiteral(" use"));
 }
 
 bool WorkbenchWindow::changeProject(const QString& text, const std::function<bool()>& change) {

@@ -88,6 +88,9 @@ private:
     void editCurrent();
     void deleteCurrent();
     void deleteCurrentInstance();
+    // "net 1, block 2 (SEND) uses": the blocks that run on an instance, with
+    // the verb; empty when none does.
+    QString usersOf(int32_t family, int32_t instance, std::pair<size_t, size_t> except = {SIZE_MAX, SIZE_MAX}) const;
     // Runs a change of the project and records it for undo, when it changed
     // anything; answers what the change answered.
     bool changeProject(const QString& text, const std::function<bool()>& change);
