@@ -1,0 +1,59 @@
+// What the commands of qxfb that run sets through the runtime model share:
+// a set read from its image or its text form, operand values, the clock and
+// the checksum table as the command line gives them, and bytes written out
+// as hexadecimal and as text.
+#pragma once
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "runtime_model/checksum_catalogue.h"
+#include "runtime_model/send_renderer.h"
+
+namespace qx {
+class clsProtocolSendSrv;
+class clsProtocolScanSrv;
+}  // namespace qx
+
+namespace qx::cli {
+
+// A capture may be large, but not without bound.
+inline constexpr uintmax_t MaxCaptureBytes = uintmax_t{1} << 30;
+
+// A regular file of at most limit bytes; anything else is refused with the
+// reason in words.
+std::optional<std::vector<uint8_t>> readInput(const std::string& path, uintmax_t limit, std::string& error);
+
+// The set of a file that holds its image or its text form (JSON, first
+// character "{"); null with the reason in error.
+std::unique_ptr<clsProtocolSendSrv> loadSendSet(const std::string& path, std::string& error);
+std::unique_ptr<clsProtocolScanSrv> loadScanSet(const std::string& path, std::string& error);
+
+// The options that feed the model: --values, --clock, --crc16.
+struct ModelInputs {
+    std::string values;
+    std::string clock;
+    std::string crc16 = "arc";
+};
+void addValuesAndClock(CLI::App& command, ModelInputs& inputs);
+void addChecksumOptions(CLI::App& command, ModelInputs& inputs);
+
+// What the options name, read; false with the reason in error.
+bool readValuesAndClock(const ModelInputs& inputs, model::OperandValues& values, model::ModelClock& clock,
+                        std::string& error);
+model::ChecksumTable checksumTableOf(const ModelInputs& inputs);
+
+// Pairs of hexadecimal digits, with spaces, commas or colons between them.
+std::optional<std::vector<uint8_t>> parseHex(const std::string& text);
+// "02 41 03"
+std::string hexLine(std::span<const uint8_t> bytes);
+// Printable ASCII as it is, control characters named ("<STX>"), other bytes as "<hex>".
+std::string textLine(std::span<const uint8_t> bytes);
+// "MI 12"
+std::string operandName(int32_t type, int32_t address);
+
+}  // namespace qx::cli
