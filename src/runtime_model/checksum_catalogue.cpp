@@ -58,8 +58,26 @@ uint32_t lrcOfHexText(std::span<const uint8_t> bytes) {
     return (0x100u - (sum & 0xFFu)) & 0xFFu;
 }
 
-ChecksumDefinition crc16(std::string name, uint32_t init, bool reflected, uint32_t polynomial, uint32_t check) {
-    return ChecksumDefinition{std::move(name), ChecksumRule::Crc, 16, polynomial, init, reflected, reflected, 0, check};
+ChecksumDefinition crc16(std::string name, uint32_t init, bool reflected, uint32_t polynomial, uint32_t check,
+                         uint32_t xorOut = 0) {
+    return ChecksumDefinition{std::move(name), ChecksumRule::Crc, 16,     polynomial, init,
+                              reflected,       reflected,         xorOut, check};
+}
+
+ChecksumDefinition crc8(std::string name, uint32_t init, bool reflected, uint32_t polynomial, uint32_t check,
+                        uint32_t xorOut = 0) {
+    return ChecksumDefinition{std::move(name), ChecksumRule::Crc, 8,      polynomial, init,
+                              reflected,       reflected,         xorOut, check};
+}
+
+std::string hex(uint32_t value) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string text;
+    do {
+        text.insert(text.begin(), digits[value % 16]);
+        value /= 16;
+    } while (value != 0);
+    return "0x" + text;
 }
 
 }  // namespace
@@ -88,6 +106,72 @@ uint32_t computeChecksum(const ChecksumDefinition& definition, std::span<const u
             return lrcOfHexText(bytes);
     }
     raiseError(err::InvalidProcedureCall);
+}
+
+std::string checksumParameterProblem(const ChecksumDefinition& d) {
+    if (d.Name.empty()) return "it has no name";
+    if (d.Name.size() > 64) return "its name is longer than 64 characters";
+    switch (d.Rule) {
+        case ChecksumRule::Crc:
+            if (d.Width < 1 || d.Width > 32) return "a CRC is 1 to 32 bits wide, not " + std::to_string(d.Width);
+            if (d.Polynomial > mask(d.Width))
+                return "the polynomial " + hex(d.Polynomial) + " is wider than " + std::to_string(d.Width) + " bits";
+            if (d.Init > mask(d.Width))
+                return "the initial value " + hex(d.Init) + " is wider than " + std::to_string(d.Width) + " bits";
+            if (d.XorOut > mask(d.Width))
+                return "the final XOR " + hex(d.XorOut) + " is wider than " + std::to_string(d.Width) + " bits";
+            break;
+        case ChecksumRule::Sum:
+            if (d.Width != 8 && d.Width != 16 && d.Width != 32)
+                return "a sum is 8, 16 or 32 bits wide, not " + std::to_string(d.Width);
+            break;
+        case ChecksumRule::Xor:
+        case ChecksumRule::TwosComplement:
+        case ChecksumRule::LrcOfHexText:
+            if (d.Width != 8) return "this rule is 8 bits wide, not " + std::to_string(d.Width);
+            break;
+        default:
+            return "its rule is unknown";
+    }
+    return {};
+}
+
+uint32_t checkValueOf(const ChecksumDefinition& definition) {
+    static const std::string text = "123456789";
+    return computeChecksum(definition, std::span(reinterpret_cast<const uint8_t*>(text.data()), text.size()));
+}
+
+std::string checksumProblem(const ChecksumDefinition& d) {
+    std::string problem = checksumParameterProblem(d);
+    if (!problem.empty()) return problem;
+    const uint32_t got = checkValueOf(d);
+    if (got != d.Check)
+        return "its check value " + hex(d.Check) + " is not what it gives over \"123456789\" (" + hex(got) + ")";
+    return {};
+}
+
+const std::vector<ChecksumDefinition>& knownChecksums() {
+    static const std::vector<ChecksumDefinition> known = [] {
+        const ChecksumTable defaults = ChecksumTable::Default();
+        std::vector<ChecksumDefinition> list;
+        for (int32_t code = FirstCalculationCode; code <= LastCalculationCode; ++code)
+            list.push_back(defaults.Definition(code));
+        ChecksumDefinition modbus = crc16("CRC-16/MODBUS", 0xFFFF, true, 0x8005, 0x4B37);
+        modbus.LowByteFirst = true;
+        list.push_back(modbus);
+        list.push_back(crc16("CRC-16/IBM-SDLC", 0xFFFF, true, 0x1021, 0x906E, 0xFFFF));
+        list.push_back(crc16("CRC-16/USB", 0xFFFF, true, 0x8005, 0xB4C8, 0xFFFF));
+        list.push_back(crc16("CRC-16/MAXIM-DOW", 0x0000, true, 0x8005, 0x44C2, 0xFFFF));
+        list.push_back(crc16("CRC-16/DNP", 0x0000, true, 0x3D65, 0xEA82, 0xFFFF));
+        list.push_back(crc16("CRC-16/UMTS", 0x0000, false, 0x8005, 0xFEE8));
+        list.push_back(crc16("CRC-16/GENIBUS", 0xFFFF, false, 0x1021, 0xD64E, 0xFFFF));
+        list.push_back(crc8("CRC-8/MAXIM-DOW", 0x00, true, 0x31, 0xA1));
+        list.push_back(crc8("CRC-8/AUTOSAR", 0xFF, false, 0x2F, 0xDF, 0xFF));
+        list.push_back(crc8("CRC-8/CDMA2000", 0xFF, false, 0x9B, 0xDA));
+        list.push_back({"SUM-16", ChecksumRule::Sum, 16, 0, 0, false, false, 0, 0x01DD});
+        return list;
+    }();
+    return known;
 }
 
 std::wstring calculationName(int32_t code) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace qx::model {
 
@@ -45,10 +46,26 @@ struct ChecksumDefinition {
     // How a checksum in binary form goes on the wire: the least significant
     // byte first (as Modbus RTU sends its CRC) or the most significant.
     bool LowByteFirst = false;
+    bool operator==(const ChecksumDefinition&) const = default;
 };
 
 // Runs a definition over bytes; the result has the definition's width.
 uint32_t computeChecksum(const ChecksumDefinition& definition, std::span<const uint8_t> bytes);
+
+// What makes a definition unusable, in words ("the polynomial 0x11021 is
+// wider than 16 bits"); empty when it is sound: a name, a width its rule
+// allows (a CRC 1 to 32 bits, a sum 8, 16 or 32, the others 8) and values
+// that fit the width. checksumProblem also wants the check value to be what
+// the definition gives over "123456789".
+std::string checksumParameterProblem(const ChecksumDefinition& definition);
+std::string checksumProblem(const ChecksumDefinition& definition);
+// What the definition gives over "123456789"; its parameters must be sound.
+uint32_t checkValueOf(const ChecksumDefinition& definition);
+
+// The definitions a person can choose from for a code: the default table's
+// and other well-known ones of at most 16 bits, each with its published
+// check value.
+const std::vector<ChecksumDefinition>& knownChecksums();
 
 // The ten calculation codes of a checksum field and their list texts.
 inline constexpr int32_t FirstCalculationCode = 1;
@@ -71,6 +88,8 @@ public:
     uint32_t Compute(int32_t code, std::span<const uint8_t> bytes) const {
         return computeChecksum(Definition(code), bytes);
     }
+
+    bool operator==(const ChecksumTable&) const = default;
 
 private:
     std::array<ChecksumDefinition, LastCalculationCode> definitions_;

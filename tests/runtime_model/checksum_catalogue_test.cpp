@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -102,6 +104,59 @@ TEST(ChecksumCatalogue, CodesOutsideOneToTenAndBadWidthsRaise) {
                   computeChecksum({"bad", ChecksumRule::Crc, 33, 1, 0, false, false, 0, 0}, std::vector<uint8_t>{1});
               }).Number(),
               5);
+}
+
+TEST(ChecksumCatalogue, EveryKnownDefinitionIsSoundAndGivesItsPublishedCheck) {
+    // The published check values of the entries beyond the default table,
+    // written out here; the default table's are held above.
+    const std::map<std::string, uint32_t> published{
+        {"CRC-16/MODBUS", 0x4B37},    {"CRC-16/IBM-SDLC", 0x906E}, {"CRC-16/USB", 0xB4C8},
+        {"CRC-16/MAXIM-DOW", 0x44C2}, {"CRC-16/DNP", 0xEA82},      {"CRC-16/UMTS", 0xFEE8},
+        {"CRC-16/GENIBUS", 0xD64E},   {"CRC-8/MAXIM-DOW", 0xA1},   {"CRC-8/AUTOSAR", 0xDF},
+        {"CRC-8/CDMA2000", 0xDA},     {"SUM-16", 0x01DD}};
+    std::set<std::string> names;
+    for (const ChecksumDefinition& known : knownChecksums()) {
+        EXPECT_EQ(checksumProblem(known), "") << known.Name;
+        EXPECT_TRUE(names.insert(known.Name).second) << known.Name;
+        EXPECT_EQ(computeChecksum(known, ascii("123456789")), known.Check) << known.Name;
+        if (published.count(known.Name)) {
+            EXPECT_EQ(known.Check, published.at(known.Name)) << known.Name;
+        }
+    }
+    EXPECT_EQ(names.size(), 10 + published.size());
+    // Modbus RTU sends its CRC low byte first; the others keep the default.
+    for (const ChecksumDefinition& known : knownChecksums())
+        EXPECT_EQ(known.LowByteFirst, known.Name == "CRC-16/MODBUS") << known.Name;
+}
+
+TEST(ChecksumCatalogue, AnUnsoundDefinitionIsToldInWords) {
+    ChecksumDefinition d = ChecksumTable::Default().Definition(3);
+    EXPECT_EQ(checksumProblem(d), "");
+    d.Polynomial = 0x18005;
+    EXPECT_EQ(checksumProblem(d), "the polynomial 0x18005 is wider than 16 bits");
+    d = ChecksumTable::Default().Definition(3);
+    d.Init = 0x10000;
+    EXPECT_EQ(checksumProblem(d), "the initial value 0x10000 is wider than 16 bits");
+    d = ChecksumTable::Default().Definition(3);
+    d.XorOut = 0x1FFFF;
+    EXPECT_EQ(checksumProblem(d), "the final XOR 0x1FFFF is wider than 16 bits");
+    d = ChecksumTable::Default().Definition(3);
+    d.Width = 0;
+    EXPECT_EQ(checksumProblem(d), "a CRC is 1 to 32 bits wide, not 0");
+    d = ChecksumTable::Default().Definition(3);
+    d.Check = 0x1234;
+    EXPECT_EQ(checksumProblem(d), "its check value 0x1234 is not what it gives over \"123456789\" (0xBB3D)");
+    EXPECT_EQ(checksumParameterProblem(d), "");
+    d.Name.clear();
+    EXPECT_EQ(checksumProblem(d), "it has no name");
+    d = ChecksumTable::Default().Definition(1);
+    d.Width = 12;
+    EXPECT_EQ(checksumProblem(d), "a sum is 8, 16 or 32 bits wide, not 12");
+    d = ChecksumTable::Default().Definition(2);
+    d.Width = 16;
+    EXPECT_EQ(checksumProblem(d), "this rule is 8 bits wide, not 16");
+    d.Rule = static_cast<ChecksumRule>(9);
+    EXPECT_EQ(checksumProblem(d), "its rule is unknown");
 }
 
 }  // namespace
