@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "platform/host/host_contract.h"
+#include "project/folder_writer.h"
 #include "project/project.h"
 
 namespace qx {
@@ -33,13 +34,6 @@ using RuntimeFilesOf = std::function<FBHexFileDetails(int32_t FatherID, int32_t 
 // family, the version and the runtime folder of the host context: a bundle
 // of placeholders would download nothing that works.
 RuntimeFilesOf runtimeFilesFrom(itfFBGate& gate, HostContext& context);
-
-struct BundleFile {
-    std::string Path;  // relative to the folder, '/'-separated
-    uint64_t Size = 0;
-    std::string Sha256;  // 64 lowercase hexadecimal digits
-    bool operator==(const BundleFile&) const = default;
-};
 
 // Writes the bundle into folder, which must be missing (its parents are
 // made) or an empty folder. The files go into a fresh folder beside it,
