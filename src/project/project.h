@@ -12,6 +12,7 @@
 #include "platform/basics/bytes.h"
 #include "platform/host/host_context.h"
 #include "platform/host/operand.h"
+#include "runtime_model/checksum_catalogue.h"
 
 namespace qx {
 
@@ -103,6 +104,9 @@ struct ProjectSettings {
     bool ExtendedOperands = false;
     // The host's application folder; empty keeps the component's own.
     std::wstring AppFolder;
+    // What the checksum codes of the project's images stand for in the
+    // runtime model (the wire preview, loopback, decoding).
+    model::ChecksumTable Checksums = model::ChecksumTable::Default();
     bool operator==(const ProjectSettings&) const = default;
 };
 

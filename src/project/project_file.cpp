@@ -15,6 +15,7 @@
 #include <tuple>
 
 #include "platform/basics/ansi.h"
+#include "project/operation_text_form.h"
 
 namespace qx {
 
@@ -349,10 +350,21 @@ CREATE TABLE descriptions(
   PRIMARY KEY(net_id, type, address)) STRICT;
 )sql";
 
+// What version 3 adds: the checksum table, and the text form of every
+// operation that holds a message set, kept beside its image for a person
+// who reads the file; the image stays what is loaded.
+constexpr const char* SchemaV3Sql = R"sql(
+CREATE TABLE checksums(
+  code INTEGER PRIMARY KEY, name TEXT NOT NULL, rule INTEGER NOT NULL, width INTEGER NOT NULL,
+  polynomial INTEGER NOT NULL, init INTEGER NOT NULL, reflect_in INTEGER NOT NULL, reflect_out INTEGER NOT NULL,
+  xor_out INTEGER NOT NULL, check_value INTEGER NOT NULL, low_byte_first INTEGER NOT NULL) STRICT;
+CREATE TABLE text_forms(operation_id INTEGER PRIMARY KEY REFERENCES operations(id), json TEXT NOT NULL) STRICT;
+)sql";
+
 constexpr const char* ClearSql =
     "DELETE FROM constant_lists; DELETE FROM allowed_types; DELETE FROM operands; DELETE FROM operations;"
     "DELETE FROM nets; DELETE FROM instances; DELETE FROM constants; DELETE FROM links; DELETE FROM settings;"
-    "DELETE FROM descriptions;";
+    "DELETE FROM descriptions; DELETE FROM checksums; DELETE FROM text_forms;";
 
 // One object of a schema: type, name, its table, and its SQL (empty for the
 // indexes SQLite makes for keys), normalised.
@@ -389,6 +401,7 @@ std::vector<SchemaObject> makeSchema(int32_t version) {
         sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK &&
         sqlite3_exec(db, SchemaV1Sql, nullptr, nullptr, nullptr) == SQLITE_OK &&
         (version < 2 || sqlite3_exec(db, SchemaV2Sql, nullptr, nullptr, nullptr) == SQLITE_OK) &&
+        (version < 3 || sqlite3_exec(db, SchemaV3Sql, nullptr, nullptr, nullptr) == SQLITE_OK) &&
         sqlite3_prepare_v2(db, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &query, nullptr) == SQLITE_OK;
     while (ok && sqlite3_step(query) == SQLITE_ROW) {
         const auto column = [query](int i) {
@@ -407,7 +420,8 @@ std::vector<SchemaObject> makeSchema(int32_t version) {
 const std::vector<SchemaObject>& schemaOfThisProgram(int32_t version) {
     static const std::vector<SchemaObject> v1 = makeSchema(1);
     static const std::vector<SchemaObject> v2 = makeSchema(2);
-    return version < 2 ? v1 : v2;
+    static const std::vector<SchemaObject> v3 = makeSchema(3);
+    return version < 2 ? v1 : version < 3 ? v2 : v3;
 }
 
 // Every object of the file's schema must be one of this program's, word for
@@ -692,6 +706,30 @@ Project readProject(Database& db, int32_t schema) {
             project.Descriptions.push_back(std::move(description));
         }
     }
+    if (schema >= 3) {
+        // The text forms are for people; the images are what is loaded.
+        Statement checksums(db,
+                            "SELECT code, name, rule, width, polynomial, init, reflect_in, reflect_out, xor_out,"
+                            " check_value, low_byte_first FROM checksums ORDER BY code");
+        while (checksums.step()) {
+            const auto code =
+                static_cast<int32_t>(checksums.integer(0, model::FirstCalculationCode, model::LastCalculationCode));
+            model::ChecksumDefinition d;
+            d.Name = toUtf8(checksums.text(1));
+            d.Rule = static_cast<model::ChecksumRule>(checksums.integer(2, 0, 4));
+            d.Width = static_cast<int32_t>(checksums.integer(3, 1, 32));
+            d.Polynomial = static_cast<uint32_t>(checksums.integer(4, 0, 0xFFFFFFFF));
+            d.Init = static_cast<uint32_t>(checksums.integer(5, 0, 0xFFFFFFFF));
+            d.ReflectIn = checksums.boolean(6);
+            d.ReflectOut = checksums.boolean(7);
+            d.XorOut = static_cast<uint32_t>(checksums.integer(8, 0, 0xFFFFFFFF));
+            d.Check = static_cast<uint32_t>(checksums.integer(9, 0, 0xFFFFFFFF));
+            d.LowByteFirst = checksums.boolean(10);
+            if (const std::string problem = model::checksumProblem(d); !problem.empty())
+                damaged(db.path(), "the checksum code " + std::to_string(code) + " is unsound: " + problem);
+            project.Settings.Checksums.Definition(code, std::move(d));
+        }
+    }
     return project;
 }
 
@@ -736,6 +774,7 @@ void writeProject(Database& db, const Project& project) {
         " constant_list_only, vector_length) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     Statement allowed(db, "INSERT INTO allowed_types(operand_id, position, mode, type, allowed) VALUES(?, ?, ?, ?, ?)");
     Statement constantList(db, "INSERT INTO constant_lists(operand_id, position, value, text) VALUES(?, ?, ?, ?)");
+    Statement textForm(db, "INSERT INTO text_forms(operation_id, json) VALUES(?, ?)");
     int64_t netPosition = 0;
     for (const LadderNet& ladderNet : project.Nets) {
         net.bind(1, netPosition++).bind(2, ladderNet.Comment).run();
@@ -749,6 +788,8 @@ void writeProject(Database& db, const Project& project) {
             writeOperands(db, operand, allowed, constantList, operationId, stored.InOperands, 0);
             writeOperands(db, operand, allowed, constantList, operationId, stored.OutOperands, 1);
             writeOperands(db, operand, allowed, constantList, operationId, stored.FindOnly, 2);
+            if (const std::optional<std::string> json = textFormOf(stored, project.Settings.ExtendedOperands))
+                textForm.bind(1, operationId).bind(2, fromUtf8(*json)).run();
         }
     }
     Statement instance(db, "INSERT INTO instances(father_id, instance_num, name, data) VALUES(?, ?, ?, ?)");
@@ -768,6 +809,16 @@ void writeProject(Database& db, const Project& project) {
     Statement description(db, "INSERT INTO descriptions(net_id, type, address, text) VALUES(?, ?, ?, ?)");
     for (const StoredDescription& stored : project.Descriptions)
         description.bind(1, stored.NetID).bind(2, stored.Type).bind(3, stored.Address).bind(4, stored.Text).run();
+    Statement checksum(db,
+                       "INSERT INTO checksums(code, name, rule, width, polynomial, init, reflect_in, reflect_out,"
+                       " xor_out, check_value, low_byte_first) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    for (int32_t code = model::FirstCalculationCode; code <= model::LastCalculationCode; ++code) {
+        const model::ChecksumDefinition& d = project.Settings.Checksums.Definition(code);
+        checksum.bind(1, code).bind(2, fromUtf8(d.Name)).bind(3, static_cast<int64_t>(d.Rule)).bind(4, d.Width);
+        checksum.bind(5, int64_t{d.Polynomial}).bind(6, int64_t{d.Init}).bind(7, int64_t{d.ReflectIn});
+        checksum.bind(8, int64_t{d.ReflectOut}).bind(9, int64_t{d.XorOut}).bind(10, int64_t{d.Check});
+        checksum.bind(11, int64_t{d.LowByteFirst}).run();
+    }
 }
 
 // A key the project holds twice, named, before anything is written.
@@ -829,6 +880,7 @@ void saveProject(const std::string& path, const Project& project) {
             // A file of an older schema is brought up to this one with the
             // rest of the save, or not at all.
             if (schema < 2) db.exec(SchemaV2Sql);
+            if (schema < 3) db.exec(SchemaV3Sql);
             db.exec(("PRAGMA user_version = " + std::to_string(project_file::SchemaVersion)).c_str());
             db.exec(ClearSql);
             writeProject(db, project);

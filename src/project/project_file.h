@@ -19,7 +19,7 @@ inline constexpr int32_t ApplicationId = 0x51784642;
 // the operands' descriptions and the operations' find-only operands (side
 // 2 of the operands); a file of version 1 is read as it is and written as
 // version 2.
-inline constexpr int32_t SchemaVersion = 2;
+inline constexpr int32_t SchemaVersion = 3;
 }  // namespace project_file
 
 Project loadProject(const std::string& path);

@@ -100,7 +100,7 @@ TEST_F(ProjectFileTest, TheFileIsMarkedAsAProjectOfItsSchema) {
     ASSERT_GT(bytes.size(), 100u);
     EXPECT_EQ(bytes.substr(0, 16), std::string("SQLite format 3\0", 16));
     // The header's user version (offset 60) and application id (offset 68), big-endian.
-    EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\x02", 4));
+    EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\x03", 4));
     EXPECT_EQ(bytes.substr(68, 4), "QxFB");
 }
 
@@ -108,7 +108,7 @@ TEST_F(ProjectFileTest, TheFileIsMarkedAsAProjectOfItsSchema) {
 // program before wrote it.
 void makeFirstSchemaFile(const fs::path& file, const Project& project) {
     saveProject(file.string(), project);
-    runSql(file, "DROP TABLE descriptions; PRAGMA user_version = 1;");
+    runSql(file, "DROP TABLE descriptions; DROP TABLE checksums; DROP TABLE text_forms; PRAGMA user_version = 1;");
 }
 
 TEST_F(ProjectFileTest, AFileOfTheFirstSchemaIsReadAndSavedAsTheNewOne) {
@@ -119,23 +119,79 @@ TEST_F(ProjectFileTest, AFileOfTheFirstSchemaIsReadAndSavedAsTheNewOne) {
     EXPECT_EQ(loadProject(path), project);
     project.Descriptions = {{0, 1, 7, L"Valve"}};
     saveProject(path, project);
-    EXPECT_EQ(test::readFile(file).substr(60, 4), std::string("\0\0\0\x02", 4));
+    EXPECT_EQ(test::readFile(file).substr(60, 4), std::string("\0\0\0\x03", 4));
     EXPECT_EQ(loadProject(path), project);
 }
 
 TEST_F(ProjectFileTest, AFindOnlyOperandInAFirstSchemaFileIsDamage) {
-    saveProject(path, sampleProject());
-    runSql(file, "DROP TABLE descriptions; PRAGMA user_version = 1;");
+    makeFirstSchemaFile(file, sampleProject());
     EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
               "project file \"" + path + "\": is damaged (a value of side is out of range)");
 }
 
 TEST_F(ProjectFileTest, AFirstSchemaFileWithTheNewTableIsNotOfThisProgram) {
     saveProject(path, sampleProject());
-    runSql(file, "PRAGMA user_version = 1;");
+    runSql(file, "DROP TABLE checksums; DROP TABLE text_forms; PRAGMA user_version = 1;");
     EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
               "project file \"" + path +
                   "\": is not a project file of this program (the table descriptions is not of a project)");
+}
+
+TEST_F(ProjectFileTest, ASecondSchemaFileWithTheChecksumTableIsNotOfThisProgram) {
+    saveProject(path, sampleProject());
+    runSql(file, "DROP TABLE text_forms; PRAGMA user_version = 2;");
+    EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+              "project file \"" + path +
+                  "\": is not a project file of this program (the table checksums is not of a project)");
+}
+
+TEST_F(ProjectFileTest, AFileOfTheSecondSchemaHasTheDefaultChecksumsAndIsSavedAsTheNewOne) {
+    Project project = sampleProject();
+    saveProject(path, project);
+    runSql(file, "DROP TABLE checksums; DROP TABLE text_forms; PRAGMA user_version = 2;");
+    EXPECT_EQ(loadProject(path), project);
+    project.Settings.Checksums.Definition(3, model::knownChecksums()[10]);
+    saveProject(path, project);
+    EXPECT_EQ(test::readFile(file).substr(60, 4), std::string("\0\0\0\x03", 4));
+    EXPECT_EQ(loadProject(path).Settings.Checksums.Definition(3).Name, "CRC-16/MODBUS");
+    EXPECT_EQ(loadProject(path), project);
+}
+
+TEST_F(ProjectFileTest, TheChecksumTableIsKeptCodeByCodeAsThePersonSetIt) {
+    Project project = sampleProject();
+    const std::vector<model::ChecksumDefinition>& known = model::knownChecksums();
+    // Every code a definition other than its default, the byte order too.
+    for (int32_t code = 1; code <= 10; ++code) {
+        model::ChecksumDefinition d = known[known.size() - static_cast<size_t>(code)];
+        d.LowByteFirst = code % 2 == 0;
+        project.Settings.Checksums.Definition(code, d);
+    }
+    saveProject(path, project);
+    EXPECT_EQ(loadProject(path).Settings.Checksums, project.Settings.Checksums);
+    EXPECT_EQ(test::querySql(file, "SELECT name, width, polynomial, low_byte_first FROM checksums WHERE code = 10"),
+              known[known.size() - 10].Name + "|16|" + std::to_string(known[known.size() - 10].Polynomial) + "|1");
+}
+
+TEST_F(ProjectFileTest, AnUnsoundOrMisplacedChecksumIsDamage) {
+    saveProject(path, sampleProject());
+    const std::string good = test::readFile(file);
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"UPDATE checksums SET check_value = 1 WHERE code = 3",
+         "the checksum code 3 is unsound: its check value 0x1 is not what it gives over \"123456789\" (0xBB3D)"},
+        {"UPDATE checksums SET polynomial = 70000 WHERE code = 6",
+         "the checksum code 6 is unsound: the polynomial 0x11170 is wider than 16 bits"},
+        {"UPDATE checksums SET code = 11 WHERE code = 10", "a value of code is out of range"},
+        {"UPDATE checksums SET rule = 7 WHERE code = 1", "a value of rule is out of range"},
+        {"UPDATE checksums SET width = 0 WHERE code = 1", "a value of width is out of range"},
+        {"UPDATE checksums SET name = '' WHERE code = 2", "the checksum code 2 is unsound: it has no name"},
+    };
+    for (const auto& [sql, why] : cases) {
+        test::writeFile(file, good);
+        runSql(file, sql);
+        EXPECT_EQ(descriptionOf(test::raisedError([&] { loadProject(path); })),
+                  "project file \"" + path + "\": is damaged (" + why + ")")
+            << sql;
+    }
 }
 
 TEST_F(ProjectFileTest, AnOperandDescribedTwiceIsRefusedBeforeAnythingIsWritten) {
@@ -200,13 +256,13 @@ TEST_F(ProjectFileTest, AnotherProgramsDatabaseIsRefusedAndLeftAsItWas) {
 
 TEST_F(ProjectFileTest, AProjectOfANewerSchemaIsRefusedAndLeftAsItWas) {
     saveProject(path, sampleProject());
-    runSql(file, "PRAGMA user_version = 3;");
+    runSql(file, "PRAGMA user_version = 4;");
     const std::string before = test::readFile(file);
     const RuntimeError e = test::raisedError([&] { loadProject(path); });
     EXPECT_EQ(e.Number(), err::InvalidFileFormat);
     EXPECT_EQ(descriptionOf(e), "project file \"" + path +
-                                    "\": was written by a newer version of the program (project schema 3; this one "
-                                    "reads schema 2 and older)");
+                                    "\": was written by a newer version of the program (project schema 4; this one "
+                                    "reads schema 3 and older)");
     EXPECT_EQ(test::raisedError([&] { saveProject(path, Project{}); }).Number(), err::InvalidFileFormat);
     EXPECT_EQ(test::readFile(file), before);
 }

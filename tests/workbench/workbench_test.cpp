@@ -368,9 +368,9 @@ TEST_F(WorkbenchTest, EveryBadFileShowsItsErrorAndChangesNothing) {
         {"newer",
          [&] {
              saveProject(file.string(), Project{});
-             runSql(file, "PRAGMA user_version = 3;");
+             runSql(file, "PRAGMA user_version = 4;");
          },
-         QStringLiteral("was written by a newer version of the program (project schema 3; this one reads schema 2 "
+         QStringLiteral("was written by a newer version of the program (project schema 4; this one reads schema 3 "
                         "and older)")},
         {"damaged",
          [&] {
