@@ -41,6 +41,7 @@
 #include "platform/host/operand.h"
 #include "project/download_bundle.h"
 #include "project/project.h"
+#include "project/project_export.h"
 #include "project/project_file.h"
 #include "serial/frm_protocol_config.h"
 #include "serial/frm_protocol_copy_bytes.h"
@@ -103,6 +104,14 @@ The commands in detail:
       used only with --app-folder-from-project. ExtendedOperands comes from
       the project. Prints the application and runtime folders, each file with
       its size and SHA-256, last the line "Bundle: N files in DIR".
+  qxfb project export FILE DIR
+      Writes the project FILE as JSON files that a person can read, diff and
+      keep in version control into the folder DIR, missing or empty:
+      project.json (settings, nets, operations with their operand links,
+      instances, constants, descriptions), checksums.json (the checksum
+      table, which preview, loopback and decode take with --checksums) and
+      messages/net001_op002_send.json, the text form of every Send and Scan.
+      Whole or nothing, as a bundle. Needs no component.
   qxfb dump FILE [--kind KIND] [--json]
       Shows what the image in FILE means, range by range: the offset, the
       length, the name and the value in words of every part (the header, the
@@ -778,6 +787,23 @@ int projectBundle(const Options& options, const std::string& file, const std::st
     return 0;
 }
 
+int projectExport(const std::string& file, const std::string& folder) {
+    Project project;
+    if (!loadProjectFile(file, project)) return 1;
+    std::vector<BundleFile> files;
+    try {
+        ScopedHostContext host;
+        files = writeProjectExport(project, folder);
+    } catch (const RuntimeError& e) {
+        std::cerr << "qxfb: " << shown(e.Description()) << "\n";
+        return 1;
+    }
+    for (const BundleFile& written : files)
+        std::cout << "  " << written.Path << "  " << countOf(written.Size, "byte", "bytes") << "\n";
+    std::cout << "Export: " << countOf(files.size(), "file", "files") << " in " << shown(folder) << std::endl;
+    return 0;
+}
+
 // Everything the command printed must have reached standard output: a
 // listing cut short by a full disk or a closed pipe is a failure.
 int checkedOutput(int status) {
@@ -835,7 +861,7 @@ std::string usageMessage(const CLI::App& qxfb, const CLI::ParseError& error) {
 }
 
 void addProjectCommands(CLI::App& qxfb, Command& chosen) {
-    CLI::App* project = addCommand(qxfb, "project", "Shows a project file or writes its download bundle", "");
+    CLI::App* project = addCommand(qxfb, "project", "Shows a project file, writes its download bundle or its JSON", "");
     project->require_subcommand(1);
 
     auto file = std::make_shared<std::string>();
@@ -865,6 +891,14 @@ void addProjectCommands(CLI::App& qxfb, Command& chosen) {
     bundled->callback([&chosen, bundle] {
         chosen = [bundle] { return projectBundle(bundle->options, bundle->file, bundle->folder); };
     });
+
+    auto exported = std::make_shared<std::pair<std::string, std::string>>();
+    CLI::App* exportCommand = addCommand(*project, "export", "Writes a project as JSON files into a folder",
+                                         "project export needs a project file and a folder");
+    exportCommand->add_option("FILE", exported->first, "the project file")->type_name("FILE")->required();
+    exportCommand->add_option("DIR", exported->second, "the folder, missing or empty")->type_name("DIR")->required();
+    exportCommand->callback(
+        [&chosen, exported] { chosen = [exported] { return projectExport(exported->first, exported->second); }; });
 }
 
 }  // namespace

@@ -22,28 +22,33 @@
 namespace qx::cli {
 
 const char* const modelCommandsHelp =
-    R"(  qxfb preview SEND [--message N] [--values FILE] [--clock TIME] [--crc16 R]
+    R"(  qxfb preview SEND [--message N] [--values FILE] [--clock TIME]
+                    [--crc16 R | --checksums FILE]
       Renders message N (default 1) of a Send image through the runtime
       model and prints its bytes in hexadecimal and as text, control
       characters named (<STX>, <CR>). Operand values come from FILE, one a
       line: "MI 12 = 1234" (type name, address, value; "#" starts a
       comment); an operand not given is 0. TIME is "YYYY-MM-DD HH:MM:SS"
       (default 2000-01-01 00:00:00).
-  qxfb loopback SEND SCAN [--baud B] [--values FILE] [--clock TIME] [--crc16 R]
+  qxfb loopback SEND SCAN [--baud B] [--values FILE] [--clock TIME]
+                          [--crc16 R | --checksums FILE]
       Renders every message of the Send image and holds it against the Scan
       image: which Scan message takes each, and warnings for a message none
       or two take, an end character a stream or a binary text can carry, and
       a silence shorter than 1.5 characters at B baud (default 9600). Exit
       status 1 when anything is warned about.
-  qxfb decode SCAN (CAPTURE | --hex BYTES) [--crc16 R]
+  qxfb decode SCAN (CAPTURE | --hex BYTES) [--crc16 R | --checksums FILE]
       Cuts a capture of received bytes (a file, or hexadecimal digits) into
       frames by the Scan's terminator and tells, frame by frame, which
       message it is and what each field received, or why no message
       matched. Exit status 1 when a frame matched nothing.
       SEND and SCAN are images or their text forms (JSON, as export writes
       them); a file whose first byte other than white space is "{" is read
-      as a text form. The checksum code "CRC-16" is read as CRC-16/ARC, or
-      with --crc16 modbus as CRC-16/MODBUS, low byte first (Modbus RTU).
+      as a text form. The checksum codes are read by the default table
+      ("CRC-16" is CRC-16/ARC), with --crc16 modbus "CRC-16" as
+      CRC-16/MODBUS, low byte first (Modbus RTU), or by the table of
+      --checksums FILE: a project file, or checksums.json as project export
+      writes it.
 )";
 
 namespace {
@@ -63,7 +68,9 @@ int preview(const Words& words) {
     model::OperandValues values;
     model::ModelClock clock;
     std::string error;
-    if (!readValuesAndClock(words.model, values, clock, error)) return failure(error);
+    model::ChecksumTable table;
+    if (!readValuesAndClock(words.model, values, clock, error) || !readChecksumTable(words.model, table, error))
+        return failure(error);
     const int32_t message = words.message;
     const std::string& path = words.sets[0];
     const std::unique_ptr<clsProtocolSendSrv> loaded = loadSendSet(path, error);
@@ -72,8 +79,7 @@ int preview(const Words& words) {
     if (message > set.NumberOfMessages())
         return failure(path + " has " + std::to_string(set.NumberOfMessages()) + " messages, not " +
                        std::to_string(message));
-    const model::RenderedMessage out =
-        model::renderSendMessage(set, message, values, clock, checksumTableOf(words.model));
+    const model::RenderedMessage out = model::renderSendMessage(set, message, values, clock, table);
     std::cout << "Message " << message << ": " << out.Bytes.size() << " bytes\n";
     std::cout << "  hex:  " << hexLine(out.Bytes) << "\n";
     std::cout << "  text: " << textLine(out.Bytes) << "\n";
@@ -85,7 +91,9 @@ int loopbackCommand(const Words& words) {
     model::OperandValues values;
     model::ModelClock clock;
     std::string error;
-    if (!readValuesAndClock(words.model, values, clock, error)) return failure(error);
+    model::ChecksumTable table;
+    if (!readValuesAndClock(words.model, values, clock, error) || !readChecksumTable(words.model, table, error))
+        return failure(error);
     const std::unique_ptr<clsProtocolSendSrv> sendSet = loadSendSet(words.sets[0], error);
     if (!sendSet) return failure(error);
     const std::unique_ptr<clsProtocolScanSrv> scanSet = loadScanSet(words.sets[1], error);
@@ -93,7 +101,7 @@ int loopbackCommand(const Words& words) {
     const clsProtocolSendSrv& send = *sendSet;
     const clsProtocolScanSrv& scan = *scanSet;
     const int32_t baud = words.baud;
-    const model::LoopbackReport report = model::loopback(send, scan, baud, values, clock, checksumTableOf(words.model));
+    const model::LoopbackReport report = model::loopback(send, scan, baud, values, clock, table);
     for (const model::LoopbackLine& line : report.Lines) {
         std::cout << "Send message " << line.SendMessage << " (" << textLine(line.Bytes) << "): ";
         if (line.ScanMessages.empty()) std::cout << "no Scan message\n";
@@ -124,7 +132,8 @@ int decode(const Words& words) {
         if (!bytes) return failure(error);
         capture = *bytes;
     }
-    const model::ChecksumTable table = checksumTableOf(words.model);
+    model::ChecksumTable table;
+    if (!readChecksumTable(words.model, table, error)) return failure(error);
     const model::ScanMatcher matcher(scan, table);
     size_t leftOver = 0, unmatched = 0;
     const std::vector<model::FrameSpan> frames = model::splitFrames(scan, capture, &leftOver);

@@ -15,6 +15,8 @@
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "platform/host/host_services.h"
+#include "project/project_file.h"
+#include "runtime_model/checksum_table_json.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 
@@ -277,12 +279,19 @@ void addValuesAndClock(CLI::App& command, ModelInputs& inputs) {
 }
 
 void addChecksumOptions(CLI::App& command, ModelInputs& inputs) {
+    CLI::Option* crc16 =
+        command
+            .add_option("--crc16", inputs.crc16,
+                        "how the checksum code CRC-16 is read: arc (CRC-16/ARC) or modbus (CRC-16/MODBUS, low byte "
+                        "first)")
+            ->type_name("R")
+            ->check(CLI::IsMember({"arc", "modbus"}))
+            ->default_str("arc");
     command
-        .add_option("--crc16", inputs.crc16,
-                    "how the checksum code CRC-16 is read: arc (CRC-16/ARC) or modbus (CRC-16/MODBUS, low byte first)")
-        ->type_name("R")
-        ->check(CLI::IsMember({"arc", "modbus"}))
-        ->default_str("arc");
+        .add_option("--checksums", inputs.checksums,
+                    "the checksum table: JSON as project export writes it (checksums.json), or a project file")
+        ->type_name("FILE")
+        ->excludes(crc16);
 }
 
 bool readValuesAndClock(const ModelInputs& inputs, model::OperandValues& values, model::ModelClock& clock,
@@ -292,12 +301,29 @@ bool readValuesAndClock(const ModelInputs& inputs, model::OperandValues& values,
     return true;
 }
 
-model::ChecksumTable checksumTableOf(const ModelInputs& inputs) {
-    model::ChecksumTable table = model::ChecksumTable::Default();
-    if (inputs.crc16 == "modbus")
+bool readChecksumTable(const ModelInputs& inputs, model::ChecksumTable& table, std::string& error) {
+    table = model::ChecksumTable::Default();
+    if (inputs.crc16 == "modbus") {
         table.Definition(3, {"CRC-16/MODBUS", model::ChecksumRule::Crc, 16, 0x8005, 0xFFFF, true, true, 0, 0x4B37,
                              /*LowByteFirst=*/true});
-    return table;
+        return true;
+    }
+    if (inputs.checksums.empty()) return true;
+    const std::optional<std::vector<uint8_t>> bytes = readInput(inputs.checksums, MaxTextBytes, error);
+    if (!bytes) return false;
+    static constexpr std::string_view sqlite("SQLite format 3\0", 16);
+    try {
+        if (bytes->size() >= sqlite.size() && std::equal(sqlite.begin(), sqlite.end(), bytes->begin()))
+            table = loadProject(inputs.checksums).Settings.Checksums;
+        else
+            table = model::checksumTableFromJson(
+                std::string_view(reinterpret_cast<const char*>(bytes->data()), bytes->size()));
+        return true;
+    } catch (const RuntimeError& e) {
+        error = toUtf8(e.Description());
+        if (error.rfind("project file", 0) != 0) error = inputs.checksums + ": " + error;
+        return false;
+    }
 }
 
 }  // namespace qx::cli

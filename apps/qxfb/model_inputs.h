@@ -33,11 +33,14 @@ std::optional<std::vector<uint8_t>> readInput(const std::string& path, uintmax_t
 std::unique_ptr<clsProtocolSendSrv> loadSendSet(const std::string& path, std::string& error);
 std::unique_ptr<clsProtocolScanSrv> loadScanSet(const std::string& path, std::string& error);
 
-// The options that feed the model: --values, --clock, --crc16.
+// The options that feed the model: --values, --clock, --crc16, --checksums.
 struct ModelInputs {
     std::string values;
     std::string clock;
     std::string crc16 = "arc";
+    // A checksum table as JSON ("qxfbcom2-checksum-table") or a project file,
+    // whose table is taken.
+    std::string checksums;
 };
 void addValuesAndClock(CLI::App& command, ModelInputs& inputs);
 void addChecksumOptions(CLI::App& command, ModelInputs& inputs);
@@ -45,7 +48,7 @@ void addChecksumOptions(CLI::App& command, ModelInputs& inputs);
 // What the options name, read; false with the reason in error.
 bool readValuesAndClock(const ModelInputs& inputs, model::OperandValues& values, model::ModelClock& clock,
                         std::string& error);
-model::ChecksumTable checksumTableOf(const ModelInputs& inputs);
+bool readChecksumTable(const ModelInputs& inputs, model::ChecksumTable& table, std::string& error);
 
 // Pairs of hexadecimal digits, with spaces, commas or colons between them.
 std::optional<std::vector<uint8_t>> parseHex(const std::string& text);

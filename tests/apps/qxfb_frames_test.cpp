@@ -5,6 +5,7 @@
 // field received.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -13,7 +14,9 @@
 
 #include "apps/cli_run.h"
 #include "component/built_paths.h"
+#include "project/project_file.h"
 #include "support/scratch_files.h"
+#include "support/test_helpers.h"
 
 namespace qx {
 namespace {
@@ -43,7 +46,9 @@ protected:
     std::string program = paths::builtCli();
     test::ScratchFolder scratch{"qxfb_frames_test"};
 
-    test::CliRun run(const std::string& arguments) { return test::runCli(program, arguments, scratch.path()); }
+    test::CliRun run(const std::string& arguments) {
+        return test::runCli(program, arguments, scratch.path(), "", scratch.path());
+    }
     static std::string frame(const std::string& name) {
         return test::shellQuoted((fs::path(paths::sourceTree()) / "resources/examples/frames" / name).string());
     }
@@ -75,6 +80,38 @@ TEST_F(QxfbFramesTest, PreviewOfTheNmeaSentencePrintsItsPublishedBytes) {
     ASSERT_EQ(out.status, 0) << out.err;
     EXPECT_EQ(out.lines().at(0), "Message 1: 47 bytes");
     EXPECT_EQ(out.lines().at(1), "  hex:  " + hex(NmeaGll));
+}
+
+// A project whose table reads "CRC-16" as CRC-16/MODBUS gives the published
+// frame without --crc16, from the project file or from its exported table.
+TEST_F(QxfbFramesTest, TheChecksumTableOfAProjectOrOfItsExportGivesTheModbusRtuFrame) {
+    Project project;
+    const std::vector<model::ChecksumDefinition>& known = model::knownChecksums();
+    const auto modbus =
+        std::find_if(known.begin(), known.end(), [](const auto& d) { return d.Name == "CRC-16/MODBUS"; });
+    ASSERT_NE(modbus, known.end());
+    project.Settings.Checksums.Definition(3, *modbus);
+    const fs::path file = scratch.path() / "rtu.qxfbproj";
+    saveProject(file.string(), project);
+    EXPECT_EQ(run("preview " + frame("modbus-rtu-send.json") + " --checksums rtu.qxfbproj").lines().at(1),
+              "  hex:  " + hex(ModbusRtu));
+    ASSERT_EQ(run("project export rtu.qxfbproj out").status, 0);
+    EXPECT_EQ(run("preview " + frame("modbus-rtu-send.json") + " --checksums out/checksums.json").lines().at(1),
+              "  hex:  " + hex(ModbusRtu));
+    EXPECT_EQ(decoded("modbus-rtu-scan.json", ModbusRtu, " --checksums out/checksums.json"),
+              decoded("modbus-rtu-scan.json", ModbusRtu, " --crc16 modbus"));
+}
+
+TEST_F(QxfbFramesTest, ABadChecksumTableIsNamedWithItsFault) {
+    test::writeFile(scratch.path() / "bad.json",
+                    "{\"format\": \"qxfbcom2-checksum-table\", \"version\": 1,\n \"codes\": [}");
+    const test::CliRun out = run("preview " + frame("modbus-rtu-send.json") + " --checksums bad.json");
+    EXPECT_EQ(out.status, 1);
+    EXPECT_EQ(out.err,
+              "qxfb: bad.json: line 2, column 12: not JSON: syntax error while parsing value - unexpected "
+              "'}'; expected '[', '{', or a literal\n");
+    const test::CliRun both = run("preview " + frame("modbus-rtu-send.json") + " --checksums bad.json --crc16 modbus");
+    EXPECT_EQ(both.status, 2);
 }
 
 TEST_F(QxfbFramesTest, DecodeOfTheModbusAsciiRequestGivesTheStartAndTheCount) {

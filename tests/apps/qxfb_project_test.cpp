@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,8 +14,10 @@
 #include "apps/cli_run.h"
 #include "component/built_paths.h"
 #include "platform/basics/ansi.h"
+#include "platform/host/host_services.h"
 #include "project/project_file.h"
 #include "project/sha256.h"
+#include "runtime_model/checksum_table_json.h"
 #include "support/scratch_files.h"
 #include "support/sqlite_files.h"
 #include "support/stored_link.h"
@@ -419,6 +422,58 @@ TEST_F(QxfbProjectTest, ARuntimeFileThatCannotBeReadIsNamedWithFamilyVersionAndC
               family + (rt / "170100.ini").string() +
                   "\" has no value for Version100_MinBiosVersion (run-time error 13: Type mismatch)");
     EXPECT_FALSE(fs::exists(bundle));
+}
+
+}  // namespace
+}  // namespace qx
+
+namespace qx {
+namespace {
+
+// project export: a real Send image (the Modbus ASCII example, imported)
+// next to the sample's operations. Its text form is what export gives for
+// the image; project.json says where each operation's messages are, and the
+// rest in words and hexadecimal.
+TEST_F(QxfbProjectTest, ExportWritesTheProjectAsJsonFilesAPersonCanKeep) {
+    const std::string example =
+        (fs::path(paths::sourceTree()) / "resources/examples/frames/modbus-ascii-send.json").string();
+    const std::string sendFile = shellQuoted((folder / "send.bin").string());
+    ASSERT_EQ(run("import " + shellQuoted(example) + " -o " + sendFile).status, 0);
+    Project project = sampleProject();
+    project.Settings.ExtendedOperands = false;
+    const std::string image = readFile(folder / "send.bin");
+    project.Nets[1].Operations[0].BinaryOperands.assign(image.begin(), image.end());
+    saveProject(projectFile.string(), project);
+
+    const fs::path out = folder / "out" / "json";
+    const CliRun exported =
+        run("project export " + shellQuoted(projectFile.string()) + " " + shellQuoted(out.string()));
+    ASSERT_EQ(exported.status, 0) << exported.err;
+    EXPECT_EQ(exported.lastLine(), "Export: 3 files in " + out.string());
+    EXPECT_EQ(readFile(out / "messages/net002_op001_send.json"), run("export " + sendFile).out);
+    EXPECT_EQ(readFile(out / "checksums.json"), model::checksumTableToJson(model::ChecksumTable::Default()));
+
+    const nlohmann::json json = nlohmann::json::parse(readFile(out / "project.json"));
+    EXPECT_EQ(json["format"], "qxfbcom2-project-export");
+    EXPECT_EQ(json["version"], 1);
+    EXPECT_EQ(json["settings"]["checksums"], "checksums.json");
+    const auto& config = json["nets"][0]["operations"][0];
+    EXPECT_EQ(config["MethodID"], 170101);
+    EXPECT_EQ(config["image"], "02 00");
+    EXPECT_EQ(config["outputs"][0]["operand"], "MB 10");
+    EXPECT_EQ(config["outputs"][0]["description"], "Protocol busy");
+    const auto& send = json["nets"][1]["operations"][0];
+    EXPECT_EQ(send["messages"], "messages/net002_op001_send.json");
+    EXPECT_FALSE(send.contains("image"));
+    EXPECT_EQ(send["inputs"][0]["constant"], 70000);
+    EXPECT_EQ(json["instances"][1]["name"], "Sc\u00e4le");
+    EXPECT_EQ(json["instances"][0]["data"], "10 20 30");
+    EXPECT_EQ(json["constants"][0]["type"], toUtf8(clsOperandTypeNames().GetName(34)));
+
+    // Whole or nothing: a folder that is not empty is refused.
+    const CliRun again = run("project export " + shellQuoted(projectFile.string()) + " " + shellQuoted(out.string()));
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.err, "qxfb: export folder \"" + out.string() + "\" is not empty\n");
 }
 
 }  // namespace
