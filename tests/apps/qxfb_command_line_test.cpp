@@ -107,7 +107,7 @@ TEST_F(QxfbCommandLineTest, MissingOrExtraArgumentsAreUsageErrorsInWords) {
     };
     EXPECT_EQ(err(""), "qxfb: no command given\nTry 'qxfb --help'.\n");
     EXPECT_EQ(err("compile"), "qxfb: unknown command compile\nTry 'qxfb --help'.\n");
-    EXPECT_EQ(err("project"), "qxfb: project needs a command: info or bundle\nTry 'qxfb --help'.\n");
+    EXPECT_EQ(err("project"), "qxfb: project needs a command: info or bundle or export\nTry 'qxfb --help'.\n");
     EXPECT_EQ(err("project compile x"), "qxfb: unknown project command compile\nTry 'qxfb --help'.\n");
     EXPECT_EQ(err("loopback send.img"), "qxfb: loopback needs a Send image and a Scan image\nTry 'qxfb --help'.\n");
     EXPECT_EQ(err("dump a.bin b.bin"), "qxfb: unexpected argument b.bin\nTry 'qxfb --help'.\n");
