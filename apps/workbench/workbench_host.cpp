@@ -178,6 +178,7 @@ std::wstring WorkbenchHost::BlockName(size_t net, size_t place) const {
 Project WorkbenchHost::ToProject() const {
     Project project;
     project.Settings.ExtendedOperands = context_->ExtendedOperands;
+    project.Settings.Checksums = checksums_;
     // The component's own folder is not pinned into the project: it moves
     // with the component.
     if (context_->AppFolder != componentAppFolder_) project.Settings.AppFolder = context_->AppFolder;
@@ -236,6 +237,7 @@ void WorkbenchHost::Clear() {
     context_->Operands = OperandTable{};
     context_->ExtendedOperands = false;
     context_->AppFolder = componentAppFolder_;
+    checksums_ = model::ChecksumTable::Default();
     modified_ = false;
 }
 
@@ -243,6 +245,7 @@ std::vector<std::wstring> WorkbenchHost::Open(const Project& project, bool takeA
     std::vector<std::wstring> leftOut;
     Clear();
     context_->ExtendedOperands = project.Settings.ExtendedOperands;
+    checksums_ = project.Settings.Checksums;
     if (takeAppFolder && !project.Settings.AppFolder.empty()) context_->AppFolder = project.Settings.AppFolder;
     for (auto& [father, instances] : instances_) instances->Restore(project.Instances);
     // Instances of a family this component does not have are kept as they are.

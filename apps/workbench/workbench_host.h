@@ -140,6 +140,10 @@ public:
     const std::wstring& ComponentAppFolder() const { return componentAppFolder_; }
     void Clear();
 
+    // What the checksum codes stand for in the runtime model's panes.
+    const model::ChecksumTable& Checksums() const { return checksums_; }
+    void Checksums(const model::ChecksumTable& table) { checksums_ = table; }
+
     // Unsaved changes since the last Open, Clear or MarkSaved.
     bool Modified() const { return modified_; }
     void MarkSaved() { modified_ = false; }
@@ -165,6 +169,7 @@ private:
     MethodPtr reopen(const StoredOperation& stored);
 
     HostContext* context_;
+    model::ChecksumTable checksums_ = model::ChecksumTable::Default();
     std::shared_ptr<itfFBGate> gate_;
     std::vector<FatherPtr> families_;
     std::map<int32_t, std::shared_ptr<HostInstances>> instances_;

@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 #include <filesystem>
 
+#include "checksum_table_dialog.h"
 #include "framework/shared_helpers.h"
 #include "inspect/image_words.h"
 #include "platform/basics/ansi.h"
@@ -32,6 +33,7 @@
 #include "qt/colours.h"
 #include "qt/qt_modal_driver.h"
 #include "qt/qt_text.h"
+#include "qt/view_checksums.h"
 
 namespace qx {
 
@@ -328,6 +330,8 @@ void WorkbenchWindow::buildMenus() {
     actionExtendedOperands_->setCheckable(true);
     add(settings, QStringLiteral("actionAppFolder"), QStringLiteral("&Application folder..."), QKeySequence(),
         [this] { chooseAppFolder(); });
+    add(settings, QStringLiteral("actionChecksums"), QStringLiteral("&Checksums..."), QKeySequence(),
+        [this] { chooseChecksums(); });
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(help, QStringLiteral("actionFamilyHelp"), QStringLiteral("Help on the &family"), QKeySequence::HelpContents,
@@ -400,6 +404,7 @@ void WorkbenchWindow::refresh() {
     ladder_->expandAll();
     for (int column = 0; column < ladder_->columnCount(); ++column) ladder_->resizeColumnToContents(column);
     actionExtendedOperands_->setChecked(host_.Context().ExtendedOperands);
+    setViewChecksumTable(host_.Checksums());
     refreshInstances();
     refreshOperands();
     updateTitle();
@@ -708,6 +713,17 @@ void WorkbenchWindow::chooseAppFolder() {
         return true;
     });
     updateTitle();
+}
+
+void WorkbenchWindow::chooseChecksums() {
+    ChecksumTableDialog dialog(host_.Checksums(), this);
+    if (dialog.exec() != QDialog::Accepted || dialog.Table() == host_.Checksums()) return;
+    changeProject(QStringLiteral("Checksums"), [&] {
+        host_.Checksums(dialog.Table());
+        host_.MarkModified();
+        return true;
+    });
+    refresh();
 }
 
 void WorkbenchWindow::showFamilyHelp(int32_t fatherId) {

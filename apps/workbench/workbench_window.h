@@ -102,6 +102,7 @@ private:
     bool saveProjectAs();
     void exportBundle();
     void chooseAppFolder();
+    void chooseChecksums();
     void chooseRuntimeVersion();
     void showFamilyHelp(int32_t fatherId);
     std::optional<int32_t> chooseInstance(int32_t fatherId, const std::vector<FBInstanceRecord>& records,

@@ -13,6 +13,7 @@
 #include "editors/scan_message_dialog.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_services.h"
+#include "qt/view_checksums.h"
 #include "runtime_model/scan_recognizer.h"
 #include "sets/scan_set.h"
 
@@ -135,7 +136,7 @@ void CaptureTestPane::test(const std::vector<uint8_t>& capture) {
     QStringList lines;
     int32_t firstMatch = 0;
     try {
-        const model::ChecksumTable table = model::ChecksumTable::Default();
+        const model::ChecksumTable& table = viewChecksumTable();
         const model::ScanMatcher matcher(*set, table);
         size_t leftOver = 0;
         const std::vector<model::FrameSpan> frames = model::splitFrames(*set, capture, &leftOver);

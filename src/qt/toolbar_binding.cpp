@@ -34,9 +34,8 @@ void useIconThemeFallback() {
     static const bool done = [] {
         if (!QIcon::themeName().isEmpty()) return true;
         QStringList paths = QIcon::themeSearchPaths();
-        for (const QString& dir :
-             QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
-                                       QStandardPaths::LocateDirectory))
+        for (const QString& dir : QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
+                                                            QStringLiteral("icons"), QStandardPaths::LocateDirectory))
             if (!paths.contains(dir)) paths << dir;
         QIcon::setThemeSearchPaths(paths);
         QIcon::setThemeName(QStringLiteral("Adwaita"));

@@ -7,6 +7,7 @@
 
 #include "editors/send_message_dialog.h"
 #include "platform/basics/runtime_error.h"
+#include "qt/view_checksums.h"
 #include "runtime_model/send_renderer.h"
 #include "sets/send_set.h"
 
@@ -86,8 +87,7 @@ void WirePreview::Refresh() {
     model::RenderedMessage out;
     try {
         if (!set) raiseError(err::ObjectNotSet);
-        out = model::renderSendMessage(*set, message, model::OperandValues{}, model::ModelClock{},
-                                       model::ChecksumTable::Default());
+        out = model::renderSendMessage(*set, message, model::OperandValues{}, model::ModelClock{}, viewChecksumTable());
     } catch (const RuntimeError& e) {
         // Outside an edit, or a message the set does not have: nothing to show.
         title_->setText(tr("Wire bytes: none (%1)").arg(QString::fromStdWString(e.Description())));
