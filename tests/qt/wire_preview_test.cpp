@@ -14,9 +14,12 @@
 #include "editors/eth_send_dialog_bench.h"
 #include "editors/frm_protocol_scan.h"
 #include "editors/send_dialog_bench.h"
+#include "message/protocol_cs_var.h"
 #include "message/protocol_numeric_var.h"
 #include "qt/qt_modal_driver.h"
+#include "qt/view_checksums.h"
 #include "qt_test_support.h"
+#include "runtime_model/send_renderer.h"
 
 namespace qx {
 namespace {
@@ -85,6 +88,46 @@ TEST_F(QtWirePreviewTest, ThePaneShowsTheCurrentMessageAndFollowsTypingRowsAndTh
     EXPECT_EQ(typed, QStringLiteral("<STX>GW<CR><LF><ETX>"));
     EXPECT_EQ(second, QStringLiteral("<STX>T+00000<CR><LF><ETX>"));
     EXPECT_EQ(unframed, QStringLiteral("T+00000<CR><LF><ETX>"));
+}
+
+// The pane computes checksums by the project's table, which the host hands
+// to the view layer: "CRC-16" read as CRC-16/MODBUS gives other bytes than
+// the default CRC-16/ARC, low byte first.
+TEST_F(QtWirePreviewTest, ThePaneComputesTheChecksumByTheProjectsTable) {
+    bench.linkedTo({L"Scale"});
+    bench.messages({L"W"});
+    bench.linkedMessageNumber();
+    bench.set->SendETXLength(1);
+    bench.set->SetSendETXValue(0, 0x03, false);
+    bench.set->EndOfSendMessageType(3);
+    auto checksum = std::make_shared<clsProtocolCSVar>();
+    checksum->FormatView(2);
+    checksum->CSLength(2);
+    checksum->CalculationType(3);
+    bench.set->SendChecksum(checksum);
+    model::ChecksumTable modbus = model::ChecksumTable::Default();
+    for (const model::ChecksumDefinition& known : model::knownChecksums())
+        if (known.Name == "CRC-16/MODBUS") modbus.Definition(3, known);
+    const auto hexOf = [this](const model::ChecksumTable& table) {
+        const std::vector<uint8_t> bytes = model::renderSendMessage(*bench.set, 1, {}, {}, table).Bytes;
+        QStringList out;
+        for (uint8_t byte : bytes) out << QStringLiteral("%1").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
+        return out.join(QLatin1Char(' '));
+    };
+    const QString arc = hexOf(model::ChecksumTable::Default()), rtu = hexOf(modbus);
+    ASSERT_NE(arc, rtu);
+    ASSERT_EQ(rtu.left(5), QStringLiteral("57 03"));
+
+    QString shown;
+    setViewChecksumTable(modbus);
+    test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& window) {
+        QApplication::processEvents();
+        shown = window.findChild<WirePreview*>()->HexText();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    bench.set->Edit(bench.method, bench.instances);
+    setViewChecksumTable(model::ChecksumTable::Default());
+    EXPECT_EQ(shown, rtu);
 }
 
 TEST_F(QtWirePreviewTest, TheTcpIpSendHasThePaneAndOtherDialogsDoNot) {
