@@ -39,6 +39,25 @@ std::string lineAndColumn(std::string_view text, size_t offset) {
     return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
+// Builds the document, taking every complaint of nlohmann's reader with its
+// place: a number too large for its types comes as out_of_range, not as a
+// parse_error, and must be refused in the same words.
+class DomReader : public nlohmann::detail::json_sax_dom_parser<Json> {
+public:
+    DomReader(Json& root, std::string_view text) : json_sax_dom_parser(root, false), text_(text) {}
+    bool parse_error(size_t position, const std::string&, const nlohmann::detail::exception& error) {
+        std::string what = error.what();
+        // nlohmann's text gives its own view of the place; keep the reason.
+        const size_t at = what.find("at line");
+        const size_t reason = at == std::string::npos ? what.find("] ") : what.find(": ", at);
+        if (reason != std::string::npos) what = what.substr(reason + 2);
+        fail(lineAndColumn(text_, position > 0 ? position - 1 : 0) + ": not JSON: " + what);
+    }
+
+private:
+    std::string_view text_;
+};
+
 // Reads one entry's keys; every complaint names the entry.
 class Entry {
 public:
@@ -121,15 +140,8 @@ std::string checksumTableToJson(const ChecksumTable& table) {
 
 ChecksumTable checksumTableFromJson(std::string_view text) {
     Json json;
-    try {
-        json = Json::parse(text.begin(), text.end());
-    } catch (const Json::parse_error& e) {
-        std::string what = e.what();
-        const size_t at = what.find("at line");
-        const size_t reason = at == std::string::npos ? what.find("] ") : what.find(": ", at);
-        if (reason != std::string::npos) what = what.substr(reason + 2);
-        fail(lineAndColumn(text, e.byte > 0 ? e.byte - 1 : 0) + ": not JSON: " + what);
-    }
+    DomReader reader(json, text);
+    Json::sax_parse(text.begin(), text.end(), &reader);
     const Entry top(json, "the checksum table");
     if (top.text("format") != ChecksumTableFormat)
         top.fail("\"format\" must be \"" + std::string(ChecksumTableFormat) + "\"");

@@ -72,6 +72,11 @@ TEST(ChecksumTableJson, JsonThatDoesNotParseIsPlacedByLineAndColumn) {
               "expected '[', '{', or a literal");
 }
 
+TEST(ChecksumTableJson, ANumberTooLargeForAnyTypeIsRefusedInWordsNotThrownThrough) {
+    EXPECT_EQ(faultOf("{\"version\": 1E400}"), "line 1, column 17: not JSON: number overflow parsing '1E400'");
+    EXPECT_EQ(faultOf("22020088E41594"), "line 1, column 14: not JSON: number overflow parsing '22020088E41594'");
+}
+
 TEST(ChecksumTableJson, EveryBrokenRuleNamesTheCodeAndTheKey) {
     EXPECT_EQ(faultOf("[]"), "the checksum table: an object expected");
     EXPECT_EQ(faultOf(R"j({"format": "other", "version": 1, "codes": []})j"),
