@@ -21,6 +21,7 @@ const std::vector<std::pair<std::string, int>> layers = {
     {"platform/basics/", 0},    // errors, variants, collections, byte cursors, text conversion
     {"platform/host/", 1},      // the host's interface declarations and its stand-ins
     {"platform/controls/", 1},  // control models and the modal driver
+    {"link/", 1},               // serial ports and sockets: standard C++ and Asio, no sets, no model
     {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5},  {"tcpip/", 5},
     {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"inspect/", 6}, {"qt/", 7},
     {"project/", 7},           {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
