@@ -1,0 +1,170 @@
+// What the link tests share: pseudo-terminal pairs, a Send set and its
+// Scan twin whose frames carry numbers to check, and a reader that takes
+// exactly a given number of bytes from a link or a descriptor.
+#pragma once
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "link/link.h"
+#include "message/protocol_message.h"
+#include "message/protocol_numeric_var.h"
+#include "message/protocol_scan_numeric_var.h"
+#include "runtime_model/send_renderer.h"
+#include "sets/scan_set.h"
+#include "sets/send_set.h"
+#include "support/test_helpers.h"
+
+namespace qx::test {
+
+using Wire = std::vector<uint8_t>;
+
+// A pseudo-terminal pair in raw mode: the test holds the controller side,
+// the link opens the other by its path. The test keeps that side open too,
+// so that the pair lives while the link closes and opens it again.
+class PtyPair {
+public:
+    PtyPair() {
+        char name[256] = {};
+        if (::openpty(&controller_, &device_, name, nullptr, nullptr) != 0) return;
+        path_ = name;
+        for (int fd : {controller_, device_}) {
+            termios raw{};
+            ::tcgetattr(fd, &raw);
+            ::cfmakeraw(&raw);
+            ::tcsetattr(fd, TCSANOW, &raw);
+        }
+    }
+    ~PtyPair() {
+        closeController();
+        if (device_ >= 0) ::close(device_);
+    }
+    PtyPair(const PtyPair&) = delete;
+    PtyPair& operator=(const PtyPair&) = delete;
+
+    bool ok() const { return controller_ >= 0 && !path_.empty(); }
+    const std::string& path() const { return path_; }
+    int controller() const { return controller_; }
+    int device() const { return device_; }
+    void closeController() {
+        if (controller_ >= 0) ::close(controller_);
+        controller_ = -1;
+    }
+
+    // Writes all bytes to the controller side.
+    bool write(const Wire& bytes) const {
+        for (size_t at = 0; at < bytes.size();) {
+            const ssize_t n = ::write(controller_, bytes.data() + at, bytes.size() - at);
+            if (n <= 0) return false;
+            at += static_cast<size_t>(n);
+        }
+        return true;
+    }
+    // Reads count bytes from the controller side, waiting at most a few seconds.
+    Wire read(size_t count) const {
+        Wire out;
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (out.size() < count && std::chrono::steady_clock::now() < until) {
+            pollfd ready{controller_, POLLIN, 0};
+            if (::poll(&ready, 1, 100) <= 0) continue;
+            uint8_t buffer[4096];
+            const ssize_t n = ::read(controller_, buffer, std::min(sizeof buffer, count - out.size()));
+            if (n <= 0) break;
+            out.insert(out.end(), buffer, buffer + n);
+        }
+        return out;
+    }
+
+private:
+    int controller_ = -1, device_ = -1;
+    std::string path_;
+};
+
+// Reads exactly count bytes from a link, waiting at most a few seconds in all.
+inline Wire readExactly(link::Link& line, size_t count) {
+    Wire out;
+    std::vector<uint8_t> buffer(4096);
+    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (out.size() < count && std::chrono::steady_clock::now() < until) {
+        const link::ReadResult got = line.read(
+            std::span(buffer).subspan(0, std::min(buffer.size(), count - out.size())), std::chrono::milliseconds(100));
+        if (got.Status == link::ReadStatus::Closed) break;
+        out.insert(out.end(), buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(got.Count));
+    }
+    return out;
+}
+
+inline std::wstring paddedRow(const std::wstring& fixed) {
+    return fixed + std::wstring(clsProtocolMessage::MaxPositions - fixed.size(), L' ');
+}
+
+// Message n of both sets: "Rnnn," a signed number of five digits (MI 100 + n),
+// ",", a second one (MI 400 + n), framed by STX and CR LF. The Send set
+// renders what the Scan set takes.
+inline void fillTwins(clsProtocolSendSrv& send, clsProtocolScanSrv& scan, int32_t messages) {
+    scan.MessageLengthValue(0);
+    for (int32_t n = 1; n <= messages; ++n) {
+        if (n > 1) {
+            scan.AppendMessage();
+            send.AppendMessage();
+        }
+        std::wstring tag = std::to_wstring(n);
+        tag = L"R" + std::wstring(3 - tag.size(), L'0') + tag + L",";
+        clsProtocolMessage& in = *scan.GetMessage(n);
+        clsProtocolMessage& out = *send.GetMessage(n);
+        in.MessageString(paddedRow(tag));
+        out.MessageString(paddedRow(tag));
+        for (int32_t k = 0; k < 2; ++k) {
+            const int32_t at = 5 + 7 * k;
+            auto field = std::make_shared<clsProtocolScanNumericVar>();
+            field->StartPosition(at);
+            field->BeforePoint(5);
+            linkOperand(*field->LikedOperand(), 3, 100 + 300 * k + n);
+            in.AddVar(field);
+            auto sent = std::make_shared<clsProtocolNumericVar>();
+            sent->StartPosition(at);
+            sent->BeforePoint(5);
+            sent->LeadingZeros(1);
+            linkOperand(*sent->LikedOperand(), 3, 100 + 300 * k + n);
+            out.AddVar(sent);
+            if (k == 0) {
+                in.AddControlChar(at + 6, ',');
+                out.AddControlChar(at + 6, ',');
+            }
+        }
+    }
+    scan.ScanSTXLength(1);
+    scan.SetScanSTXValue(0, 0x02, false);
+    scan.ScanETXLength(2);
+    scan.SetScanETXValue(0, 0x0D, false);
+    scan.SetScanETXValue(1, 0x0A, false);
+    send.SendSTXLength(1);
+    send.SetSendSTXValue(0, 0x02, false);
+    send.SendETXLength(2);
+    send.SetSendETXValue(0, 0x0D, false);
+    send.SetSendETXValue(1, 0x0A, false);
+}
+
+// One frame of the twins: message n with its two numbers.
+struct TwinFrame {
+    int32_t Message = 0;
+    int64_t First = 0, Second = 0;
+};
+
+inline Wire renderTwin(const clsProtocolSendSrv& send, const TwinFrame& frame) {
+    model::OperandValues values;
+    values.Set(3, 100 + frame.Message, frame.First);
+    values.Set(3, 400 + frame.Message, frame.Second);
+    static const model::ChecksumTable checksums = model::ChecksumTable::Default();
+    return model::renderSendMessage(send, frame.Message, values, model::ModelClock{}, checksums).Bytes;
+}
+
+}  // namespace qx::test
