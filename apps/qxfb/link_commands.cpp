@@ -438,8 +438,9 @@ class JsonPlaces {
 public:
     explicit JsonPlaces(const std::string& text) : text_(text) {}
 
-    std::string at(const std::vector<std::string>& path) const {
-        const size_t offset = find(skipBlanks(0), path, 0);
+    // The place of the value, or with key of the member's name.
+    std::string at(const std::vector<std::string>& path, bool key = false) const {
+        const size_t offset = find(skipBlanks(0), path, 0, key);
         size_t line = 1, column = 1;
         for (size_t i = 0; i < offset && i < text_.size(); ++i) {
             if (text_[i] == '\n') {
@@ -485,7 +486,7 @@ private:
             ++i;
         return i;
     }
-    size_t find(size_t i, const std::vector<std::string>& path, size_t depth) const {
+    size_t find(size_t i, const std::vector<std::string>& path, size_t depth, bool atKey) const {
         if (depth == path.size() || i >= text_.size()) return i;
         if (text_[i] != '{' && text_[i] != '[') return i;
         const bool object = text_[i] == '{';
@@ -493,9 +494,13 @@ private:
         i = skipBlanks(i + 1);
         std::string key;
         for (size_t index = 0; i < text_.size() && text_[i] != close; ++index) {
+            const size_t keyAt = i;
             if (object) i = skipBlanks(string(i, key) + 1);
             i = skipBlanks(i);
-            if (object ? key == path[depth] : std::to_string(index) == path[depth]) return find(i, path, depth + 1);
+            if (object ? key == path[depth] : std::to_string(index) == path[depth]) {
+                if (atKey && object && depth + 1 == path.size()) return keyAt;
+                return find(i, path, depth + 1, atKey);
+            }
             i = skipBlanks(skipValue(i));
             if (i < text_.size() && text_[i] == ',') i = skipBlanks(i + 1);
         }
@@ -509,6 +514,8 @@ private:
 struct RuleError {
     std::vector<std::string> Path;
     std::string What;
+    // The place is the member's name, not its value.
+    bool AtKey = false;
 };
 
 int64_t wholeNumberIn(const nlohmann::json& value, int64_t min, int64_t max, const std::vector<std::string>& path,
@@ -519,9 +526,9 @@ int64_t wholeNumberIn(const nlohmann::json& value, int64_t min, int64_t max, con
     return value.get<int64_t>();
 }
 
-std::pair<int32_t, int32_t> operandIn(const std::string& name, const std::vector<std::string>& path) {
+std::pair<int32_t, int32_t> operandIn(const std::string& name, const std::vector<std::string>& path, bool isKey) {
     const std::optional<std::pair<int32_t, int32_t>> operand = parseOperand(name);
-    if (!operand) throw RuleError{path, "\"" + name + "\" is no operand (\"MI 20\": a type and an address)"};
+    if (!operand) throw RuleError{path, "\"" + name + "\" is no operand (\"MI 20\": a type and an address)", isKey};
     return *operand;
 }
 
@@ -535,7 +542,7 @@ void onlyKeys(const nlohmann::json& object, std::initializer_list<const char*> k
         for (const char* key : keys) list += std::string(list.empty() ? "" : ", ") + "\"" + key + "\"";
         std::vector<std::string> at = path;
         at.push_back(item.key());
-        throw RuleError{at, "unknown key \"" + item.key() + "\" in " + what + " (" + list + ")"};
+        throw RuleError{at, "unknown key \"" + item.key() + "\" in " + what + " (" + list + ")", true};
     }
 }
 
@@ -562,7 +569,7 @@ RuleValue ruleValue(const nlohmann::json& value, const std::vector<std::string>&
         out.From = RuleValue::Operand;
         std::vector<std::string> at = path;
         at.push_back("operand");
-        out.Source = operandIn(value["operand"].get<std::string>(), at);
+        out.Source = operandIn(value["operand"].get<std::string>(), at, false);
         return out;
     }
     throw RuleError{path,
@@ -597,7 +604,7 @@ std::vector<Rule> rulesOf(const nlohmann::json& file, int32_t scanMessages, int3
             for (const auto& item : rule["values"].items()) {
                 std::vector<std::string> place = at("values");
                 place.push_back(item.key());
-                out.Values.emplace_back(operandIn(item.key(), place), ruleValue(item.value(), place));
+                out.Values.emplace_back(operandIn(item.key(), place, true), ruleValue(item.value(), place));
             }
         }
         rules.push_back(std::move(out));
@@ -628,7 +635,7 @@ std::optional<std::vector<Rule>> loadRules(const std::string& path, int32_t scan
     try {
         return rulesOf(file, scanMessages, sendMessages);
     } catch (const RuleError& e) {
-        error = path + ":" + JsonPlaces(text).at(e.Path) + ": " + e.What;
+        error = path + ":" + JsonPlaces(text).at(e.Path, e.AtKey) + ": " + e.What;
         return std::nullopt;
     }
 }

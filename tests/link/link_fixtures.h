@@ -27,6 +27,12 @@ namespace qx::test {
 
 using Wire = std::vector<uint8_t>;
 
+inline Wire joined(std::initializer_list<Wire> parts) {
+    Wire out;
+    for (const Wire& part : parts) out.insert(out.end(), part.begin(), part.end());
+    return out;
+}
+
 // A pseudo-terminal pair in raw mode: the test holds the controller side,
 // the link opens the other by its path. The test keeps that side open too,
 // so that the pair lives while the link closes and opens it again.
