@@ -66,7 +66,7 @@ protected:
     clsProtocolScanSrv scan;
 
     QxfbLinkTest() {
-        test::fillTwins(send, scan, 5);
+        test::fillTwinSets(send, scan, 5);
         test::writeFile(folder / "send.json", textform::exportSendSet(send));
         test::writeFile(folder / "scan.json", textform::exportScanSet(scan));
     }

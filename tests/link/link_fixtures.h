@@ -1,6 +1,6 @@
-// What the link tests share: pseudo-terminal pairs, a Send set and its
-// Scan twin whose frames carry numbers to check, and a reader that takes
-// exactly a given number of bytes from a link or a descriptor.
+// What the link tests share: pseudo-terminal pairs, and a reader that takes
+// exactly a given number of bytes from a link or a descriptor; and the twin
+// sets, whose frames carry numbers to check.
 #pragma once
 #include <fcntl.h>
 #include <poll.h>
@@ -15,13 +15,7 @@
 #include <vector>
 
 #include "link/link.h"
-#include "message/protocol_message.h"
-#include "message/protocol_numeric_var.h"
-#include "message/protocol_scan_numeric_var.h"
-#include "runtime_model/send_renderer.h"
-#include "sets/scan_set.h"
-#include "sets/send_set.h"
-#include "support/test_helpers.h"
+#include "support/twin_sets.h"
 
 namespace qx::test {
 
@@ -106,71 +100,6 @@ inline Wire readExactly(link::Link& line, size_t count) {
         out.insert(out.end(), buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(got.Count));
     }
     return out;
-}
-
-inline std::wstring paddedRow(const std::wstring& fixed) {
-    return fixed + std::wstring(clsProtocolMessage::MaxPositions - fixed.size(), L' ');
-}
-
-// Message n of both sets: "Rnnn," a signed number of five digits (MI 100 + n),
-// ",", a second one (MI 400 + n), framed by STX and CR LF. The Send set
-// renders what the Scan set takes.
-inline void fillTwins(clsProtocolSendSrv& send, clsProtocolScanSrv& scan, int32_t messages) {
-    scan.MessageLengthValue(0);
-    for (int32_t n = 1; n <= messages; ++n) {
-        if (n > 1) {
-            scan.AppendMessage();
-            send.AppendMessage();
-        }
-        std::wstring tag = std::to_wstring(n);
-        tag = L"R" + std::wstring(3 - tag.size(), L'0') + tag + L",";
-        clsProtocolMessage& in = *scan.GetMessage(n);
-        clsProtocolMessage& out = *send.GetMessage(n);
-        in.MessageString(paddedRow(tag));
-        out.MessageString(paddedRow(tag));
-        for (int32_t k = 0; k < 2; ++k) {
-            const int32_t at = 5 + 7 * k;
-            auto field = std::make_shared<clsProtocolScanNumericVar>();
-            field->StartPosition(at);
-            field->BeforePoint(5);
-            linkOperand(*field->LikedOperand(), 3, 100 + 300 * k + n);
-            in.AddVar(field);
-            auto sent = std::make_shared<clsProtocolNumericVar>();
-            sent->StartPosition(at);
-            sent->BeforePoint(5);
-            sent->LeadingZeros(1);
-            linkOperand(*sent->LikedOperand(), 3, 100 + 300 * k + n);
-            out.AddVar(sent);
-            if (k == 0) {
-                in.AddControlChar(at + 6, ',');
-                out.AddControlChar(at + 6, ',');
-            }
-        }
-    }
-    scan.ScanSTXLength(1);
-    scan.SetScanSTXValue(0, 0x02, false);
-    scan.ScanETXLength(2);
-    scan.SetScanETXValue(0, 0x0D, false);
-    scan.SetScanETXValue(1, 0x0A, false);
-    send.SendSTXLength(1);
-    send.SetSendSTXValue(0, 0x02, false);
-    send.SendETXLength(2);
-    send.SetSendETXValue(0, 0x0D, false);
-    send.SetSendETXValue(1, 0x0A, false);
-}
-
-// One frame of the twins: message n with its two numbers.
-struct TwinFrame {
-    int32_t Message = 0;
-    int64_t First = 0, Second = 0;
-};
-
-inline Wire renderTwin(const clsProtocolSendSrv& send, const TwinFrame& frame) {
-    model::OperandValues values;
-    values.Set(3, 100 + frame.Message, frame.First);
-    values.Set(3, 400 + frame.Message, frame.Second);
-    static const model::ChecksumTable checksums = model::ChecksumTable::Default();
-    return model::renderSendMessage(send, frame.Message, values, model::ModelClock{}, checksums).Bytes;
 }
 
 }  // namespace qx::test

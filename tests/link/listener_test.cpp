@@ -78,7 +78,7 @@ protected:
     std::mt19937 random{2026};
     std::vector<TwinFrame> frames;
 
-    ListenerTest() { test::fillTwins(send, scan, 20); }
+    ListenerTest() { test::fillTwinSets(send, scan, 20); }
 
     void makeFrames(size_t count) {
         for (size_t i = 0; i < count; ++i)
