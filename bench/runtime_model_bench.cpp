@@ -18,6 +18,7 @@
 #include "runtime_model/send_renderer.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
+#include "support/twin_sets.h"
 
 namespace qx::bench {
 namespace {
@@ -25,61 +26,10 @@ namespace {
 constexpr int32_t Messages = 255;
 constexpr size_t CaptureBytes = 10u << 20;
 
-std::wstring row(const std::wstring& fixed) {
-    return fixed + std::wstring(clsProtocolMessage::MaxPositions - fixed.size(), L' ');
-}
-
-std::wstring tag(int32_t number) {
-    std::wstring text = std::to_wstring(number);
-    return L"R" + std::wstring(3 - text.size(), L'0') + text + L",";
-}
-
 // Message n: "Rnnn," a signed number of five digits into MI 100 + n, ",",
 // a second into MI 400 + n, framed by STX and CR LF. The Send twin renders
 // the same frames.
-void fill(clsProtocolScanSrv& scan, clsProtocolSendSrv& send) {
-    scan.MessageLengthValue(0);
-    for (int32_t n = 1; n <= Messages; ++n) {
-        if (n > 1) {
-            scan.AppendMessage();
-            send.AppendMessage();
-        }
-        clsProtocolMessage& in = *scan.GetMessage(n);
-        clsProtocolMessage& out = *send.GetMessage(n);
-        in.MessageString(row(tag(n)));
-        out.MessageString(row(tag(n)));
-        for (int32_t k = 0; k < 2; ++k) {
-            const int32_t at = 5 + 7 * k;
-            auto field = std::make_shared<clsProtocolScanNumericVar>();
-            field->StartPosition(at);
-            field->BeforePoint(5);
-            field->LikedOperand()->OperandAddress(100 + 300 * k + n);
-            field->LikedOperand()->IsNew(false);
-            in.AddVar(field);
-            auto sent = std::make_shared<clsProtocolNumericVar>();
-            sent->StartPosition(at);
-            sent->BeforePoint(5);  // five digits and the sign: six positions
-            sent->LeadingZeros(1);
-            sent->LikedOperand()->OperandAddress(100 + 300 * k + n);
-            sent->LikedOperand()->IsNew(false);
-            out.AddVar(sent);
-            if (k == 0) {
-                in.AddControlChar(at + 6, ',');
-                out.AddControlChar(at + 6, ',');
-            }
-        }
-    }
-    scan.ScanSTXLength(1);
-    scan.SetScanSTXValue(0, 0x02, false);
-    scan.ScanETXLength(2);
-    scan.SetScanETXValue(0, 0x0D, false);
-    scan.SetScanETXValue(1, 0x0A, false);
-    send.SendSTXLength(1);
-    send.SetSendSTXValue(0, 0x02, false);
-    send.SendETXLength(2);
-    send.SetSendETXValue(0, 0x0D, false);
-    send.SetSendETXValue(1, 0x0A, false);
-}
+void fill(clsProtocolScanSrv& scan, clsProtocolSendSrv& send) { test::fillTwinSets(send, scan, Messages); }
 
 void DecodeCaptureOf255Messages(benchmark::State& state) {
     ScopedHostContext host;

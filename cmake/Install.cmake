@@ -8,6 +8,8 @@ set_target_properties(QxFBCom2 PROPERTIES EXPORT_NAME component)
 install(TARGETS QxFBCom2 EXPORT QxFBCom2Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # The runtime model needs nothing beyond the core, so it travels with it.
 install(TARGETS qxfb_runtime_model EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# So does the link library: Asio is inside it, its header is standard C++.
+install(TARGETS qxfb_link EXPORT QxFBCom2Targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # The schema of the text form of message sets goes with the package's data.
 install(FILES ${CMAKE_SOURCE_DIR}/resources/schema/qxfbcom2-message-set.v1.schema.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}/schema)

@@ -6,7 +6,7 @@ QXFB_BUILD_DIR="${QXFB_BUILD_DIR:-$QXFB_ROOT/build}"
 QXFB_JOBS="${QXFB_JOBS:-$(nproc 2>/dev/null || echo 2)}"
 QXFB_PACKAGES=(cmake ninja-build g++ mold ccache libgtest-dev libbenchmark-dev
     qt6-base-dev qt6-qpa-plugins fonts-dejavu-core adwaita-icon-theme libsqlite3-dev libssl-dev
-    nlohmann-json3-dev libvalijson-dev libcli11-dev)
+    nlohmann-json3-dev libvalijson-dev libcli11-dev libasio-dev)
 
 # Installs the packages of the list that are not installed yet, with one
 # apt-get update before the first install.

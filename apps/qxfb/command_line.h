@@ -37,9 +37,11 @@ void addBaseCommands(CLI::App& qxfb, Command& chosen);      // demo, classes, re
 void addImageCommands(CLI::App& qxfb, Command& chosen);     // dump, diff
 void addTextFormCommands(CLI::App& qxfb, Command& chosen);  // export, import
 void addModelCommands(CLI::App& qxfb, Command& chosen);     // preview, loopback, decode
+void addLinkCommands(CLI::App& qxfb, Command& chosen);      // send, listen, simulate
 
-// The longer explanations of qxfb --help of the commands of two files.
+// The longer explanations of qxfb --help of the commands of three files.
 extern const char* const textFormCommandsHelp;
 extern const char* const modelCommandsHelp;
+extern const char* const linkCommandsHelp;
 
 }  // namespace qx::cli

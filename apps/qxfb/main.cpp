@@ -823,7 +823,8 @@ public:
         const std::string text = helpText;
         const size_t options = text.find("\nOptions:");
         return helpTitle + std::string("Usage: qxfb COMMAND [ARGUMENTS] [OPTIONS]\n") + make_subcommands(app, mode) +
-               text.substr(0, options) + modelCommandsHelp + textFormCommandsHelp + text.substr(options);
+               text.substr(0, options) + modelCommandsHelp + linkCommandsHelp + textFormCommandsHelp +
+               text.substr(options);
     }
 };
 
@@ -941,6 +942,7 @@ int main(int argc, char** argv) {
     addImageCommands(qxfb, chosen);
     addTextFormCommands(qxfb, chosen);
     addModelCommands(qxfb, chosen);
+    addLinkCommands(qxfb, chosen);
     // Set last: the commands keep CLI11's own formatter.
     qxfb.formatter(std::make_shared<QxfbHelp>());
 

@@ -11,7 +11,6 @@
 #include "model_inputs.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
-#include "platform/host/host_context.h"
 #include "runtime_model/checksum_catalogue.h"
 #include "runtime_model/loopback.h"
 #include "runtime_model/scan_recognizer.h"
@@ -150,15 +149,7 @@ int decode(const Words& words) {
         }
         std::cout << "  message " << got.MessageNumber << ", " << got.BytesReceived << " bytes received\n";
         for (const model::ReceivedField& field : got.Fields) {
-            std::cout << "  field at position " << field.Position << ": ";
-            for (size_t i = 0; i < field.Values.size(); ++i)
-                std::cout << (i ? ", " : "")
-                          << operandName(field.OperandType, field.OperandAddress + static_cast<int32_t>(i)) << " = "
-                          << field.Values[i];
-            if (field.HasDecimalPlaces)
-                std::cout << "; " << operandName(field.DecimalPointType, field.DecimalPointAddress) << " = "
-                          << field.DecimalPlaces << " decimal places";
-            std::cout << "\n";
+            std::cout << "  field at position " << field.Position << ": " << fieldText(field) << "\n";
         }
     }
     if (leftOver) std::cout << leftOver << " bytes at the end make no complete frame\n";
@@ -168,15 +159,8 @@ int decode(const Words& words) {
 
 }  // namespace
 
-// Runs a command in a host of its own, with which the sets register their
-// operands.
 int run(int (*command)(const Words&), const Words& words) {
-    ScopedHostContext host;
-    try {
-        return command(words);
-    } catch (const RuntimeError& e) {
-        return failure("run-time error " + std::to_string(e.Number()) + ": " + toUtf8(e.Description()));
-    }
+    return runInHost([&] { return command(words); });
 }
 
 void addModelCommands(CLI::App& qxfb, Command& chosen) {

@@ -10,6 +10,7 @@
 #include <map>
 #include <sstream>
 
+#include "command_line.h"
 #include "inspect/text_form.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
@@ -147,16 +148,36 @@ std::optional<int64_t> integer(const std::string& text) {
     }
 }
 
-// "MI 12 = 1234" lines; the type by its name, as the operand picker shows it.
-bool parseValues(const std::string& path, model::OperandValues& values, std::string& error) {
-    const std::optional<std::vector<uint8_t>> bytes = readInput(path, MaxImageBytes * 16, error);
-    if (!bytes) return false;
+// "MI 12": the type by its name, the address 0 to 65535; nothing with the
+// reason in why.
+std::optional<std::pair<int32_t, int32_t>> readOperand(const std::string& text, std::string& why) {
+    // The names as the host of the moment gives them.
     std::map<std::string, int32_t> types;
     const clsOperandTypeNames names;
     for (int32_t type = 1; type < 128; ++type) {
         const std::string name = toUtf8(names.GetName(type));
         if (!name.empty() && !types.count(name)) types[name] = type;
     }
+    std::istringstream words(text);
+    std::string name, address, rest;
+    words >> name >> address >> rest;
+    const auto type = types.find(name);
+    if (type == types.end()) {
+        why = "unknown operand type \"" + name + "\"";
+        return std::nullopt;
+    }
+    const std::optional<int64_t> at = integer(address);
+    if (!at || *at < 0 || *at > 0xFFFF || !rest.empty()) {
+        why = "an address of 0 to 65535 expected";
+        return std::nullopt;
+    }
+    return std::pair{type->second, static_cast<int32_t>(*at)};
+}
+
+// "MI 12 = 1234" lines; the type by its name, as the operand picker shows it.
+bool parseValues(const std::string& path, model::OperandValues& values, std::string& error) {
+    const std::optional<std::vector<uint8_t>> bytes = readInput(path, MaxImageBytes * 16, error);
+    if (!bytes) return false;
     std::istringstream in(std::string(bytes->begin(), bytes->end()));
     int lineNumber = 0;
     for (std::string line; std::getline(in, line);) {
@@ -169,15 +190,12 @@ bool parseValues(const std::string& path, model::OperandValues& values, std::str
         };
         const size_t equals = line.find('=');
         if (equals == std::string::npos) return bad("\"TYPE ADDRESS = VALUE\" expected");
-        std::istringstream left(line.substr(0, equals));
-        std::string name, address, rest;
-        left >> name >> address >> rest;
-        if (!types.count(name)) return bad("unknown operand type \"" + name + "\"");
-        const std::optional<int64_t> at = integer(address);
+        std::string why;
+        const std::optional<std::pair<int32_t, int32_t>> operand = readOperand(line.substr(0, equals), why);
+        if (!operand) return bad(why);
         const std::optional<int64_t> value = integer(trimmed(line.substr(equals + 1)));
-        if (!at || *at < 0 || *at > 0xFFFF || !rest.empty()) return bad("an address of 0 to 65535 expected");
         if (!value) return bad("a whole number expected after \"=\"");
-        values.Set(types[name], static_cast<int32_t>(*at), *value);
+        values.Set(operand->first, operand->second, *value);
     }
     return true;
 }
@@ -259,6 +277,31 @@ std::string textLine(std::span<const uint8_t> bytes) {
 
 std::string operandName(int32_t type, int32_t address) {
     return toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(address);
+}
+
+std::optional<std::pair<int32_t, int32_t>> parseOperand(const std::string& name) {
+    std::string why;
+    return readOperand(name, why);
+}
+
+std::string fieldText(const model::ReceivedField& field) {
+    std::string text;
+    for (size_t i = 0; i < field.Values.size(); ++i)
+        text += (i ? ", " : "") + operandName(field.OperandType, field.OperandAddress + static_cast<int32_t>(i)) +
+                " = " + std::to_string(field.Values[i]);
+    if (field.HasDecimalPlaces)
+        text += "; " + operandName(field.DecimalPointType, field.DecimalPointAddress) + " = " +
+                std::to_string(field.DecimalPlaces) + " decimal places";
+    return text;
+}
+
+int runInHost(const std::function<int()>& command) {
+    ScopedHostContext host;
+    try {
+        return command();
+    } catch (const RuntimeError& e) {
+        return failure("run-time error " + std::to_string(e.Number()) + ": " + toUtf8(e.Description()));
+    }
 }
 
 std::unique_ptr<clsProtocolSendSrv> loadSendSet(const std::string& path, std::string& error) {

@@ -5,6 +5,7 @@
 #pragma once
 #include <CLI/CLI.hpp>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "runtime_model/checksum_catalogue.h"
+#include "runtime_model/scan_recognizer.h"
 #include "runtime_model/send_renderer.h"
 
 namespace qx {
@@ -58,5 +60,14 @@ std::string hexLine(std::span<const uint8_t> bytes);
 std::string textLine(std::span<const uint8_t> bytes);
 // "MI 12"
 std::string operandName(int32_t type, int32_t address);
+// The type and address of "MI 12", the type by its name as the operand
+// picker shows it; nothing for another text.
+std::optional<std::pair<int32_t, int32_t>> parseOperand(const std::string& name);
+// What one received field put where: "MI 40 = -250; MI 41 = 2 decimal places".
+std::string fieldText(const model::ReceivedField& field);
+
+// Runs a command in a host of its own, with which the sets register their
+// operands; a run-time error fails the command with its number and words.
+int runInHost(const std::function<int()>& command);
 
 }  // namespace qx::cli

@@ -7,6 +7,7 @@
 #include "message/protocol_message.h"
 #include "message/protocol_scan_numeric_var.h"
 #include "runtime_model/field_codes.h"
+#include "runtime_model/frame_stream.h"
 #include "sets/scan_set.h"
 
 namespace qx::model {
@@ -454,48 +455,65 @@ Recognition recognizeFrame(const clsProtocolScanSrv& set, std::span<const uint8_
     return ScanMatcher(set, checksums).Recognize(frame);
 }
 
-std::vector<FrameSpan> splitFrames(const clsProtocolScanSrv& set, std::span<const uint8_t> capture, size_t* leftOver) {
-    std::vector<FrameSpan> frames;
-    const std::vector<uint8_t> stx = frameChars(set.ScanSTXChars(), set.ScanSTXLength());
-    const std::vector<uint8_t> etx = frameChars(set.ScanETXChars(), set.ScanETXLength());
-    const clsProtocolCSVar* checksum = endChecksumOf(set);
-    const size_t behindEtx =
-        checksum && set.EndOfScanMessageType() == EndEtxThenChecksum ? checksumWidth(*checksum) : 0;
-    size_t at = 0;
-    // Where the bytes that belong to no frame begin: behind the last frame.
-    size_t looseFrom = 0;
-    const auto done = [&](size_t rest) {
-        if (leftOver) *leftOver = rest;
-        return frames;
-    };
-    if (etx.empty() && set.MessageLengthValue() <= 0) {
-        // A silence ends the message: the bytes alone do not show where.
-        if (!capture.empty()) frames.push_back({0, capture.size(), 0});
-        return done(0);
-    }
-    while (at < capture.size()) {
-        const std::optional<size_t> start = find(capture, at, stx);
-        if (!start) return done(capture.size() - at);
+FrameCutter::FrameCutter(const clsProtocolScanSrv& set)
+    : stx_(frameChars(set.ScanSTXChars(), set.ScanSTXLength())),
+      etx_(frameChars(set.ScanETXChars(), set.ScanETXLength())),
+      checksum_(endChecksumOf(set)),
+      checksumBeforeEtx_(checksum_ && set.EndOfScanMessageType() == EndChecksumThenEtx),
+      behindEtx_(checksum_ && !checksumBeforeEtx_ ? checksumWidth(*checksum_) : 0),
+      messageLength_(etx_.empty() ? static_cast<size_t>(std::max(0, set.MessageLengthValue())) : 0) {}
+
+size_t FrameCutter::MaxFrameBytes() const {
+    const size_t message = messageLength_ ? messageLength_ : 4 * static_cast<size_t>(clsProtocolMessage::MaxPositions);
+    return stx_.size() + message + etx_.size() + (checksum_ ? checksumWidth(*checksum_) : 0);
+}
+
+FrameCutter::Cut FrameCutter::Next(std::span<const uint8_t> bytes, size_t at) const {
+    while (at < bytes.size()) {
+        const std::optional<size_t> start = find(bytes, at, stx_);
+        if (!start) return {};
         size_t frameEnd = 0;
-        if (!etx.empty()) {
-            const std::optional<size_t> end = find(capture, *start + stx.size(), etx);
-            if (!end) return done(capture.size() - *start);
+        if (!etx_.empty()) {
+            const std::optional<size_t> end = find(bytes, *start + stx_.size(), etx_);
+            if (!end) return {Cut::Partial, *start, 0};
             // A new start before the end: the frame before it was cut off.
-            if (!stx.empty()) {
-                const std::optional<size_t> restart = find(capture, *start + 1, stx);
+            if (!stx_.empty()) {
+                const std::optional<size_t> restart = find(bytes, *start + 1, stx_);
                 if (restart && *restart < *end) {
                     at = *restart;
                     continue;
                 }
             }
-            frameEnd = *end + etx.size() + behindEtx;
+            frameEnd = *end + etx_.size() + behindEtx_;
         } else {
-            frameEnd = *start + stx.size() + static_cast<size_t>(set.MessageLengthValue());
+            frameEnd = *start + stx_.size() + messageLength_;
         }
-        if (frameEnd > capture.size()) return done(capture.size() - *start);
-        frames.push_back({*start, frameEnd - *start, *start - looseFrom});
-        at = frameEnd;
-        looseFrom = frameEnd;
+        if (frameEnd > bytes.size()) return {Cut::Partial, *start, 0};
+        return {Cut::Frame, *start, frameEnd};
+    }
+    return {};
+}
+
+std::vector<FrameSpan> splitFrames(const clsProtocolScanSrv& set, std::span<const uint8_t> capture, size_t* leftOver) {
+    std::vector<FrameSpan> frames;
+    const FrameCutter cutter(set);
+    const auto done = [&](size_t rest) {
+        if (leftOver) *leftOver = rest;
+        return frames;
+    };
+    if (cutter.EndsBySilence()) {
+        // A silence ends the message: the bytes alone do not show where.
+        if (!capture.empty()) frames.push_back({0, capture.size(), 0});
+        return done(0);
+    }
+    // Where the bytes that belong to no frame begin: behind the last frame.
+    size_t at = 0;
+    while (at < capture.size()) {
+        const FrameCutter::Cut cut = cutter.Next(capture, at);
+        if (cut.What == FrameCutter::Cut::Nothing) return done(capture.size() - at);
+        if (cut.What == FrameCutter::Cut::Partial) return done(capture.size() - cut.Begin);
+        frames.push_back({cut.Begin, cut.End - cut.Begin, cut.Begin - at});
+        at = cut.End;
     }
     return done(0);
 }

@@ -21,9 +21,19 @@ const std::vector<std::pair<std::string, int>> layers = {
     {"platform/basics/", 0},    // errors, variants, collections, byte cursors, text conversion
     {"platform/host/", 1},      // the host's interface declarations and its stand-ins
     {"platform/controls/", 1},  // control models and the modal driver
-    {"framework/", 2},         {"message/", 3},       {"sets/", 4},      {"serial/", 5},  {"tcpip/", 5},
-    {"editors/", 5},           {"field_editors/", 5}, {"component/", 6}, {"inspect/", 6}, {"qt/", 7},
-    {"project/", 7},           {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
+    {"link/", 1},               // serial ports and sockets: standard C++ and Asio, no sets, no model
+    {"framework/", 2},
+    {"message/", 3},
+    {"sets/", 4},
+    {"serial/", 5},
+    {"tcpip/", 5},
+    {"editors/", 5},
+    {"field_editors/", 5},
+    {"component/", 6},
+    {"inspect/", 6},
+    {"qt/", 7},
+    {"project/", 7},
+    {"runtime_model/", 5},  // the model of the controller's runtime, over the sets
 };
 
 int layerOf(const std::string& path) {
@@ -67,6 +77,27 @@ TEST(Layers, NoIncludeRunsFromALowerLayerToAHigherOne) {
         }
     }
     EXPECT_GT(includes, 100);
+}
+
+// The link library carries bytes: it knows no message set and no model of
+// the runtime, so that any program can use it; the programs join them.
+TEST(Layers, TheLinkLibraryIncludesOnlyItselfAndThePlatformBasics) {
+    const fs::path src = fs::path(qx::paths::sourceTree()) / "src" / "link";
+    const std::regex include(R"re(^\s*#\s*include\s*"([^"]+)")re");
+    int includes = 0;
+    for (const auto& entry : fs::directory_iterator(src)) {
+        std::ifstream in(entry.path());
+        std::string line;
+        std::smatch match;
+        while (std::getline(in, line)) {
+            if (!std::regex_search(line, match, include)) continue;
+            const std::string target = match[1];
+            ++includes;
+            EXPECT_TRUE(target.rfind("link/", 0) == 0 || target.rfind("platform/basics/", 0) == 0)
+                << entry.path().filename().string() << " includes " << target;
+        }
+    }
+    EXPECT_GE(includes, 3);
 }
 
 }  // namespace
