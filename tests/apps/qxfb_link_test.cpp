@@ -184,6 +184,39 @@ TEST_F(QxfbLinkTest, TheSimulatorAnswersARequestThatQxfbSendsWithItsRulesMessage
         << heard.out;
 }
 
+// The worked example of the README: a weighing scale played by simulate
+// answers "W" with its weight, which listen decodes on the other end.
+TEST_F(QxfbLinkTest, TheScaleExampleAnswersTheWeighRequestWithTheWeightOfItsRule) {
+    PtyBridge line;
+    ASSERT_TRUE(line.a.ok() && line.b.ok());
+    const auto example = [](const std::string& name) {
+        return test::shellQuoted((fs::path(paths::sourceTree()) / "resources/examples/scale" / name).string());
+    };
+    auto heard = start("listen " + example("reply-scan.json") + " --serial " + line.b.path() +
+                           " --count 1 --timeout 20000",
+                       "listen");
+    auto device = start("simulate --send " + example("reply-send.json") + " --scan " + example("request-scan.json") +
+                            " --rules " + example("rules.json") + " --serial " + line.a.path() +
+                            " --count 1 --timeout 20000",
+                        "simulate");
+    std::this_thread::sleep_for(200ms);
+    const test::CliRun sent = run("send " + example("request-send.json") + " --message 1 --serial " + line.b.path());
+    EXPECT_EQ(sent.status, 0) << sent.err;
+    EXPECT_EQ(sent.lines().at(1), "  hex:  57 0D 0A");
+    const test::CliRun played = device.get();
+    EXPECT_EQ(played.status, 0) << played.err;
+    ASSERT_EQ(played.lines().size(), 1u) << played.out;
+    EXPECT_NE(played.lines()[0].find("  message 1: W<CR><LF>  -> message 1: ST,+00012.34kg<CR><LF>"),
+              std::string::npos)
+        << played.out;
+    const test::CliRun reply = heard.get();
+    EXPECT_EQ(reply.status, 0) << reply.err;
+    ASSERT_EQ(reply.lines().size(), 1u) << reply.out;
+    EXPECT_NE(reply.lines()[0].find("  message 1: ST,+00012.34kg<CR><LF>  MI 100 = 1234; MI 101 = 2 decimal places"),
+              std::string::npos)
+        << reply.out;
+}
+
 TEST_F(QxfbLinkTest, AMissingDeviceARefusedConnectionAndABadRuleFileAreToldInWords) {
     const test::CliRun missing = run("send " + file("send.json") + " --message 1 --serial /dev/ttyQXFB-none");
     EXPECT_EQ(missing.status, 1);
