@@ -12,6 +12,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace qx::link {
 
@@ -73,6 +74,12 @@ const char* nameOf(Parity parity);
 const char* nameOf(FlowControl flow);
 // "9600 8N1, no flow control"
 std::string describe(const SerialSettings& settings);
+
+// The serial ports the system knows, as device paths, sorted: on Linux the
+// entries of the tty class (ttyClass) that a driver stands behind (a USB
+// adapter, a built-in UART), USB and ACM devices first. Pseudo-terminals
+// and consoles are not listed; a person may still name any device.
+std::vector<std::string> serialPorts(const std::string& ttyClass = "/sys/class/tty");
 
 // "host:port" with a port of 1 to 65535 ("[::1]:502" for an IPv6 address);
 // false with the reason in error.

@@ -1,6 +1,10 @@
 // The words of the link settings: names of the choices, a setting put in
 // one line, a TCP address read from "host:port".
+#include <algorithm>
 #include <cctype>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
 
 #include "link/link.h"
 
@@ -66,6 +70,26 @@ bool parseHostPort(const std::string& text, std::string& host, uint16_t& port, s
     }
     port = static_cast<uint16_t>(value);
     return true;
+}
+
+std::vector<std::string> serialPorts(const std::string& ttyClass) {
+    namespace fs = std::filesystem;
+    std::vector<std::string> ports;
+    std::error_code error;
+    for (fs::directory_iterator entry(ttyClass, error), end; !error && entry != end; entry.increment(error)) {
+        std::error_code none;
+        // A virtual terminal, a console or a pseudo-terminal has no device behind it.
+        if (!fs::exists(entry->path() / "device", none)) continue;
+        ports.push_back("/dev/" + entry->path().filename().string());
+    }
+    const auto rank = [](const std::string& path) {
+        return path.starts_with("/dev/ttyUSB") || path.starts_with("/dev/ttyACM") ? 0 : 1;
+    };
+    // ttyS2 before ttyS10: by name length, then by name.
+    std::sort(ports.begin(), ports.end(), [&](const std::string& a, const std::string& b) {
+        return std::tuple(rank(a), a.size(), a) < std::tuple(rank(b), b.size(), b);
+    });
+    return ports;
 }
 
 }  // namespace qx::link

@@ -5,60 +5,18 @@
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QKeyEvent>
-#include <QRegularExpression>
 #include <optional>
 #include <span>
 #include <string>
 
 #include "editors/scan_message_dialog.h"
 #include "platform/basics/runtime_error.h"
-#include "platform/host/host_services.h"
 #include "qt/view_checksums.h"
+#include "qt/wire_bytes.h"
 #include "runtime_model/scan_recognizer.h"
 #include "sets/scan_set.h"
 
 namespace qx {
-
-namespace {
-
-// A capture file larger than this is not a test of a message set.
-constexpr qint64 MaxCaptureBytes = 16 << 20;
-
-std::optional<std::vector<uint8_t>> hexBytes(const QString& text) {
-    std::vector<uint8_t> bytes;
-    int high = -1;
-    for (const QChar c : text) {
-        if (c.isSpace() || c == QLatin1Char(',') || c == QLatin1Char(':')) continue;
-        bool ok = false;
-        const int digit = QString(c).toInt(&ok, 16);
-        if (!ok) return std::nullopt;
-        if (high < 0) {
-            high = digit;
-        } else {
-            bytes.push_back(static_cast<uint8_t>(high * 16 + digit));
-            high = -1;
-        }
-    }
-    if (high >= 0) return std::nullopt;
-    return bytes;
-}
-
-// The model counts messages from 1; the grid beside this pane counts its
-// rows from 0, and so does everything the dialog says about a message.
-QString inGridNumbers(const std::wstring& why) {
-    static const QRegularExpression message(QStringLiteral("^message (\\d+)"));
-    QString text = QString::fromStdWString(why);
-    const QRegularExpressionMatch found = message.match(text);
-    if (found.hasMatch())
-        text.replace(0, found.capturedLength(), QStringLiteral("message %1").arg(found.captured(1).toInt() - 1));
-    return text;
-}
-
-QString operandText(int32_t type, int32_t address) {
-    return QString::fromStdWString(clsOperandTypeNames().GetName(type)) + QStringLiteral(" %1").arg(address);
-}
-
-}  // namespace
 
 CaptureTestPane::CaptureTestPane(Target target, QWidget* parent)
     : QWidget(parent),
@@ -144,18 +102,11 @@ void CaptureTestPane::test(const std::vector<uint8_t>& capture) {
             const model::Recognition got = matcher.Recognize(std::span(capture).subspan(frame.Offset, frame.Length));
             if (got.MessageNumber == 0) {
                 lines << tr("Frame at byte %1: no message.").arg(frame.Offset);
-                for (const std::wstring& why : got.WhyNot) lines << QStringLiteral("    ") + inGridNumbers(why);
+                for (const QString& why : whyNotLines(got)) lines << QStringLiteral("    ") + why;
                 continue;
             }
             if (firstMatch == 0) firstMatch = got.MessageNumber;
-            // The grid counts its rows from 0.
-            QString line = tr("Frame at byte %1: message %2").arg(frame.Offset).arg(got.MessageNumber - 1);
-            for (const model::ReceivedField& field : got.Fields)
-                for (size_t i = 0; i < field.Values.size(); ++i)
-                    line += QStringLiteral(", %1 = %2")
-                                .arg(operandText(field.OperandType, field.OperandAddress + static_cast<int32_t>(i)))
-                                .arg(field.Values[i]);
-            lines << line;
+            lines << tr("Frame at byte %1: %2").arg(frame.Offset).arg(decodedText(got));
         }
         if (frames.empty()) lines << tr("No complete frame in %1 bytes.").arg(capture.size());
         if (leftOver) lines << tr("%1 bytes at the end make no complete frame.").arg(leftOver);

@@ -11,6 +11,7 @@
 #include "qt/form_binding.h"
 #include "qt/form_views.h"
 #include "qt/input_problem.h"
+#include "qt/live_pane.h"
 #include "qt/model_action.h"
 #include "qt/operand_picker.h"
 #include "qt/qt_text.h"
@@ -26,9 +27,11 @@ void QtModalDriver::ShowModal(Form& form) {
     {
         FormBinding binding(form, *view);
         // Beside the bound widgets, not among them: the Send dialogs' pane of
-        // wire bytes and the Scan dialogs' test against captured bytes.
+        // wire bytes, the Scan dialogs' test against captured bytes, and the
+        // live line of both.
         addWirePreview(form, *view);
         addCaptureTest(form, *view);
+        addLiveLine(form, *view);
         // Under the fields: why OK is disabled or would refuse.
         addInputProblemLine(form, *view);
         view->WatchDialogKeys();

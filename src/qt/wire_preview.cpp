@@ -8,48 +8,11 @@
 #include "editors/send_message_dialog.h"
 #include "platform/basics/runtime_error.h"
 #include "qt/view_checksums.h"
+#include "qt/wire_bytes.h"
 #include "runtime_model/send_renderer.h"
 #include "sets/send_set.h"
 
 namespace qx {
-
-namespace {
-
-const char* const controlNames[32] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL", "BS",  "HT",  "LF",
-                                      "VT",  "FF",  "CR",  "SO",  "SI",  "DLE", "DC1", "DC2", "DC3", "DC4", "NAK",
-                                      "SYN", "ETB", "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US"};
-
-QString textOf(uint8_t byte) {
-    if (byte < 32) return QStringLiteral("<%1>").arg(QLatin1String(controlNames[byte]));
-    if (byte < 127) return QString(QChar(byte));
-    return QStringLiteral("<%1>").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
-}
-
-// The grid's colours: control characters red, fields button-face grey, a
-// checksum light blue; fixed text on the window's own colour.
-QString colourOf(model::ByteOrigin::Kind kind) {
-    switch (kind) {
-        case model::ByteOrigin::Start:
-        case model::ByteOrigin::End:
-        case model::ByteOrigin::ControlChar:
-            return QStringLiteral("#ff0000;color:#ffffff");
-        case model::ByteOrigin::Field:
-            return QStringLiteral("#d4d0c8");
-        case model::ByteOrigin::EndChecksum:
-            return QStringLiteral("#c0c0ff");
-        case model::ByteOrigin::Text:
-            break;
-    }
-    return {};
-}
-
-QString span(const QString& content, model::ByteOrigin::Kind kind) {
-    const QString colour = colourOf(kind);
-    const QString escaped = content.toHtmlEscaped();
-    return colour.isEmpty() ? escaped : QStringLiteral("<span style=\"background:%1\">%2</span>").arg(colour, escaped);
-}
-
-}  // namespace
 
 WirePreview::WirePreview(Source source, const std::vector<Control*>& watched, QWidget* parent)
     : QWidget(parent), source_(std::move(source)), title_(new QLabel(this)), bytes_(new QLabel(this)) {
@@ -94,32 +57,11 @@ void WirePreview::Refresh() {
         bytes_->clear();
         return;
     }
-    // Bytes of one origin in a row share one span: the label lays out a few
-    // runs, not a span for every byte.
-    QString hexHtml, textHtml, hexRun, textRun;
-    auto runKind = model::ByteOrigin::Text;
-    const auto closeRun = [&] {
-        hexHtml += span(hexRun, runKind);
-        textHtml += span(textRun, runKind);
-        hexRun.clear();
-        textRun.clear();
-    };
-    for (size_t i = 0; i < out.Bytes.size(); ++i) {
-        const uint8_t byte = out.Bytes[i];
-        const auto kind = out.Origins[i].What;
-        if (kind != runKind && !hexRun.isEmpty()) closeRun();
-        runKind = kind;
-        const QString hex = QStringLiteral("%1").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
-        const QString separator = i ? QStringLiteral(" ") : QString();
-        hex_ += separator + hex;
-        text_ += textOf(byte);
-        if (hexRun.isEmpty()) hexHtml += separator;
-        hexRun += (hexRun.isEmpty() ? QString() : QStringLiteral(" ")) + hex;
-        textRun += textOf(byte);
-    }
-    if (!hexRun.isEmpty()) closeRun();
+    const WireText shown = wireText(out.Bytes, sentKinds(out));
+    hex_ = shown.Hex;
+    text_ = shown.Text;
     title_->setText(tr("Message %1 on the wire, %2 bytes, every operand 0:").arg(message).arg(out.Bytes.size()));
-    bytes_->setText(hexHtml + QStringLiteral("<br>") + textHtml);
+    bytes_->setText(shown.HexHtml + QStringLiteral("<br>") + shown.TextHtml);
 }
 
 void addWirePreview(Form& form, QWidget& window) {

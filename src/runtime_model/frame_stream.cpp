@@ -24,7 +24,7 @@ FrameStream::FrameStream(const clsProtocolScanSrv& set, FrameStreamOptions optio
     buffer_.reserve(maxFrame_ + 4096);
 }
 
-void FrameStream::emit(std::span<const uint8_t> bytes, FrameEnd how, TimePoint at, const Sink& sink) {
+void FrameStream::deliver(std::span<const uint8_t> bytes, FrameEnd how, TimePoint at, const Sink& sink) {
     StreamFrame frame;
     frame.Bytes = bytes;
     frame.EndedBy = how;
@@ -72,7 +72,7 @@ void FrameStream::cut(TimePoint at, const Sink& sink) {
         if (next.What == FrameCutter::Cut::Frame) {
             skip(next.Begin - head_);
             head_ = next.End;
-            emit(bytes.subspan(next.Begin, next.End - next.Begin), FrameEnd::Terminator, at, sink);
+            deliver(bytes.subspan(next.Begin, next.End - next.Begin), FrameEnd::Terminator, at, sink);
             continue;
         }
         if (next.What == FrameCutter::Cut::Nothing) {
@@ -102,13 +102,13 @@ void FrameStream::endPending(const Sink& sink) {
     if (cutter_.EndsBySilence()) {
         const size_t from = head_;
         head_ = buffer_.size();
-        emit(bytes.subspan(from), FrameEnd::Silence, last_, sink);
+        deliver(bytes.subspan(from), FrameEnd::Silence, last_, sink);
     } else {
         const FrameCutter::Cut next = cutter_.Next(bytes, head_);
         if (next.What == FrameCutter::Cut::Partial) {
             skip(next.Begin - head_);
             head_ = buffer_.size();
-            emit(bytes.subspan(next.Begin), FrameEnd::Timeout, last_, sink);
+            deliver(bytes.subspan(next.Begin), FrameEnd::Timeout, last_, sink);
         } else {
             skip(Pending());
         }

@@ -121,7 +121,7 @@ public:
 private:
     void cut(TimePoint at, const Sink& sink);
     void endPending(const Sink& sink);
-    void emit(std::span<const uint8_t> bytes, FrameEnd how, TimePoint at, const Sink& sink);
+    void deliver(std::span<const uint8_t> bytes, FrameEnd how, TimePoint at, const Sink& sink);
     void skip(size_t count);
 
     FrameCutter cutter_;

@@ -191,7 +191,9 @@ public:
                 if (fields.empty()) fields.reserve(message_.NumericFields);
                 ReceivedField field;
                 field.Position = segment.StartPosition;
+                field.Offset = at_;
                 matched = numericField(*segment.Numeric, segment.Next, field, why);
+                field.Length = at_ - field.Offset;
                 if (matched) fields.push_back(std::move(field));
             } else if (segment.Checksum) {
                 matched = checksumField(*segment.Checksum, why);
@@ -425,6 +427,8 @@ Recognition ScanMatcher::Recognize(std::span<const uint8_t> frame) const {
         std::vector<ReceivedField> fields;
         if (MessageMatcher(messages_[index], frame, begin, end, checksums_).run(fields, why)) {
             out.MessageNumber = messages_[index].Number;
+            out.MessageBegin = begin;
+            out.MessageEnd = end;
             out.Fields = std::move(fields);
             return out;
         }

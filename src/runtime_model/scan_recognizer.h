@@ -27,6 +27,9 @@ namespace qx::model {
 // it, which go to the field's decimal-point operand.
 struct ReceivedField {
     int32_t Position = 0;
+    // Where in the frame the field's bytes stand.
+    size_t Offset = 0;
+    size_t Length = 0;
     int32_t OperandType = 0;
     int32_t OperandAddress = 0;
     std::vector<int64_t> Values;
@@ -41,6 +44,11 @@ struct Recognition {
     int32_t MessageNumber = 0;
     // The bytes of the frame, start and end characters included.
     size_t BytesReceived = 0;
+    // With a match, the message between the frame's start characters and
+    // its end characters (with the end-of-message checksum): [MessageBegin,
+    // MessageEnd) of the frame.
+    size_t MessageBegin = 0;
+    size_t MessageEnd = 0;
     std::vector<ReceivedField> Fields;
     // Without a match: one line for each message, "message 2, position 3:
     // "A" expected, "B" received".

@@ -16,6 +16,7 @@
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "support/random_sets.h"
+#include "support/scratch_files.h"
 
 namespace qx {
 namespace {
@@ -148,6 +149,20 @@ struct TcpPair {
     std::unique_ptr<link::TcpServer> server = link::listenTcp(0);
     std::unique_ptr<link::Link> client = link::connectTcp("127.0.0.1", server->Port());
 };
+
+TEST(SerialLink, ThePortsListedAreTheTtysWithADeviceBehindThemUsbFirst) {
+    test::ScratchFolder scratch{"link_serial_ports"};
+    const std::filesystem::path tty = scratch.path() / "tty";
+    for (const char* name : {"ttyS10", "ttyS2", "ttyUSB0", "ttyACM1", "tty0", "console", "ttyS0"}) {
+        std::filesystem::create_directories(tty / name);
+        // Virtual terminals and consoles have no device behind them.
+        if (std::string(name) != "tty0" && std::string(name) != "console")
+            std::filesystem::create_directories(tty / name / "device");
+    }
+    EXPECT_EQ(link::serialPorts(tty.string()),
+              (std::vector<std::string>{"/dev/ttyACM1", "/dev/ttyUSB0", "/dev/ttyS0", "/dev/ttyS2", "/dev/ttyS10"}));
+    EXPECT_TRUE(link::serialPorts((scratch.path() / "missing").string()).empty());
+}
 
 TEST(TcpLink, EveryMessageOfASendSetGoesOutByteExactBothWays) {
     ScopedHostContext host;

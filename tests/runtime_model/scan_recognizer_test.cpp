@@ -85,6 +85,11 @@ TEST_F(ScanRecognizerTest, AScaleReplyGivesItsMessageAndWeight) {
     EXPECT_EQ(got.Fields[0].OperandAddress, 12);
     EXPECT_EQ(got.Fields[0].Values, std::vector<int64_t>{12});
     EXPECT_FALSE(got.Fields[0].HasDecimalPlaces);
+    // Where the message and the field stand in the frame: "+00012" from byte 4.
+    EXPECT_EQ(got.MessageBegin, 1u);
+    EXPECT_EQ(got.MessageEnd, 12u);
+    EXPECT_EQ(got.Fields[0].Offset, 4u);
+    EXPECT_EQ(got.Fields[0].Length, 6u);
     EXPECT_TRUE(got.WhyNot.empty());
     // Leading blanks and a minus.
     EXPECT_EQ(recognize(Wire{0x02} + ascii("ST,-   42kg") + Wire{0x0D, 0x0A}).Fields[0].Values,
