@@ -636,6 +636,11 @@ std::optional<std::vector<Rule>> loadRules(const std::string& path, int32_t scan
         else
             error = path + ": " + what.substr(what.find(']') + 2);
         return std::nullopt;
+    } catch (const nlohmann::json::exception& e) {
+        // A number too large for any type: "[json.exception.out_of_range.406] number overflow ...".
+        const std::string what = e.what();
+        error = path + ": " + what.substr(what.find(']') + 2);
+        return std::nullopt;
     }
     try {
         return rulesOf(file, scanMessages, sendMessages);

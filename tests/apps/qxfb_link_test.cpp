@@ -254,6 +254,10 @@ TEST_F(QxfbLinkTest, AMissingDeviceARefusedConnectionAndABadRuleFileAreToldInWor
               "qxfb: " + rules + ":2:14: \"XX 3\" is no operand (\"MI 20\": a type and an address)\n");
     EXPECT_EQ(simulate("{\"rules\": [{\"when\": 1, \"answer\": 1,\n  \"values\": {\"MI 3\": {\"field\": 0}}}]}").err,
               "qxfb: " + rules + ":2:32: \"field\" must be a whole number from 1 to 500, not 0\n");
+    // A number too large for any type is refused in words, not thrown through.
+    const test::CliRun huge = simulate("{\"rules\": [{\"when\": 1E400}]}");
+    EXPECT_EQ(huge.status, 1);
+    EXPECT_EQ(huge.err, "qxfb: " + rules + ": number overflow parsing '1E400'\n");
 }
 
 }  // namespace
