@@ -1,16 +1,15 @@
 // The commands of qxfb that turn a Send or Scan image into its text form
 // (JSON that a person can read and diff) and back: export and import.
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 
 #include "command_line.h"
+#include "model_inputs.h"
 #include "inspect/text_form.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
@@ -45,27 +44,9 @@ constexpr size_t SendVersionOffset = 24;
 constexpr size_t ScanVersionOffset = 3;
 
 std::optional<std::string> readFile(const std::string& path, uintmax_t limit, std::string& error) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        error = "cannot read " + path + ": " + std::strerror(errno);
-        return std::nullopt;
-    }
-    if (!S_ISREG(info.st_mode)) {
-        error = "cannot read " + path + ": not a regular file";
-        return std::nullopt;
-    }
-    if (static_cast<uintmax_t>(info.st_size) > limit) {
-        error = "cannot read " + path + ": " + std::to_string(info.st_size) + " bytes, more than the " +
-                std::to_string(limit) + " this command reads";
-        return std::nullopt;
-    }
-    std::ifstream in(path, std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (!in.good() && !in.eof()) {
-        error = "cannot read " + path + ": " + std::strerror(errno);
-        return std::nullopt;
-    }
-    return bytes;
+    const std::optional<std::vector<uint8_t>> bytes = readInput(path, limit, error);
+    if (!bytes) return std::nullopt;
+    return std::string(bytes->begin(), bytes->end());
 }
 
 bool isConstantType(uint8_t type) { return type == 34 || type == 35 || type == 37 || type == 38; }
