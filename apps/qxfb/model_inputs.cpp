@@ -224,57 +224,6 @@ bool parseClock(const std::string& text, model::ModelClock& clock, std::string& 
 
 }  // namespace
 
-std::optional<std::vector<uint8_t>> parseHex(const std::string& text) {
-    std::vector<uint8_t> bytes;
-    int high = -1;
-    for (char c : text) {
-        if (c == ' ' || c == ',' || c == ':' || c == '\t') continue;
-        const int digit = std::isxdigit(static_cast<unsigned char>(c))
-                              ? (std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : (std::toupper(c) - 'A' + 10))
-                              : -1;
-        if (digit < 0) return std::nullopt;
-        if (high < 0) {
-            high = digit;
-        } else {
-            bytes.push_back(static_cast<uint8_t>(high * 16 + digit));
-            high = -1;
-        }
-    }
-    if (high >= 0) return std::nullopt;
-    return bytes;
-}
-
-std::string hexLine(std::span<const uint8_t> bytes) {
-    std::string text;
-    char byte[4];
-    for (uint8_t value : bytes) {
-        std::snprintf(byte, sizeof byte, "%02X", value);
-        text += (text.empty() ? "" : " ") + std::string(byte);
-    }
-    return text;
-}
-
-// Printable ASCII as it is, control characters by their names, other bytes
-// as <hex>.
-std::string textLine(std::span<const uint8_t> bytes) {
-    static const char* const names[32] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL", "BS",  "HT",  "LF",
-                                          "VT",  "FF",  "CR",  "SO",  "SI",  "DLE", "DC1", "DC2", "DC3", "DC4", "NAK",
-                                          "SYN", "ETB", "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US"};
-    std::string text;
-    char hex[8];
-    for (uint8_t value : bytes) {
-        if (value < 32) {
-            text += "<" + std::string(names[value]) + ">";
-        } else if (value < 127) {
-            text += static_cast<char>(value);
-        } else {
-            std::snprintf(hex, sizeof hex, "<%02X>", value);
-            text += hex;
-        }
-    }
-    return text;
-}
-
 std::string operandName(int32_t type, int32_t address) {
     return toUtf8(clsOperandTypeNames().GetName(type)) + " " + std::to_string(address);
 }

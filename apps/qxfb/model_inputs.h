@@ -15,6 +15,7 @@
 #include "runtime_model/checksum_catalogue.h"
 #include "runtime_model/scan_recognizer.h"
 #include "runtime_model/send_renderer.h"
+#include "runtime_model/wire_text.h"
 
 namespace qx {
 class clsProtocolSendSrv;
@@ -52,12 +53,9 @@ bool readValuesAndClock(const ModelInputs& inputs, model::OperandValues& values,
                         std::string& error);
 bool readChecksumTable(const ModelInputs& inputs, model::ChecksumTable& table, std::string& error);
 
-// Pairs of hexadecimal digits, with spaces, commas or colons between them.
-std::optional<std::vector<uint8_t>> parseHex(const std::string& text);
-// "02 41 03"
-std::string hexLine(std::span<const uint8_t> bytes);
-// Printable ASCII as it is, control characters named ("<STX>"), other bytes as "<hex>".
-std::string textLine(std::span<const uint8_t> bytes);
+using model::hexLine;
+using model::parseHex;
+using model::textLine;
 // "MI 12"
 std::string operandName(int32_t type, int32_t address);
 // The type and address of "MI 12", the type by its name as the operand

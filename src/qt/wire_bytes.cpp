@@ -4,20 +4,13 @@
 
 #include "platform/host/host_services.h"
 #include "runtime_model/scan_recognizer.h"
+#include "runtime_model/wire_text.h"
 
 namespace qx {
 
 namespace {
 
-const char* const controlNames[32] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL", "BS",  "HT",  "LF",
-                                      "VT",  "FF",  "CR",  "SO",  "SI",  "DLE", "DC1", "DC2", "DC3", "DC4", "NAK",
-                                      "SYN", "ETB", "CAN", "EM",  "SUB", "ESC", "FS",  "GS",  "RS",  "US"};
-
-QString textOf(uint8_t byte) {
-    if (byte < 32) return QStringLiteral("<%1>").arg(QLatin1String(controlNames[byte]));
-    if (byte < 127) return QString(QChar(byte));
-    return QStringLiteral("<%1>").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
-}
+QString textOf(uint8_t byte) { return QString::fromStdString(model::byteText(byte)); }
 
 QString colourOf(model::ByteOrigin::Kind kind) {
     switch (kind) {
@@ -75,7 +68,7 @@ WireText wireText(std::span<const uint8_t> bytes, std::span<const model::ByteOri
         const auto kind = i < kinds.size() ? kinds[i] : model::ByteOrigin::Text;
         if (kind != runKind && !hexRun.isEmpty()) closeRun();
         runKind = kind;
-        const QString hex = QStringLiteral("%1").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
+        const QString hex = QString::fromStdString(model::hexLine(std::span(&byte, 1)));
         const QString separator = i ? QStringLiteral(" ") : QString();
         out.Hex += separator + hex;
         out.Text += textOf(byte);
@@ -113,11 +106,16 @@ std::vector<model::ByteOrigin::Kind> receivedKinds(std::span<const uint8_t> fram
 
 QString decodedText(const model::Recognition& got) {
     QString line = QStringLiteral("message %1").arg(got.MessageNumber - 1);
-    for (const model::ReceivedField& field : got.Fields)
+    for (const model::ReceivedField& field : got.Fields) {
         for (size_t i = 0; i < field.Values.size(); ++i)
             line += QStringLiteral(", %1 = %2")
                         .arg(operandText(field.OperandType, field.OperandAddress + static_cast<int32_t>(i)))
                         .arg(field.Values[i]);
+        if (field.HasDecimalPlaces)
+            line += QStringLiteral(", %1 = %2")
+                        .arg(operandText(field.DecimalPointType, field.DecimalPointAddress))
+                        .arg(field.DecimalPlaces);
+    }
     return line;
 }
 
@@ -127,24 +125,6 @@ QStringList whyNotLines(const model::Recognition& got) {
     return lines;
 }
 
-std::optional<std::vector<uint8_t>> hexBytes(const QString& text) {
-    std::vector<uint8_t> bytes;
-    int high = -1;
-    for (const QChar c : text) {
-        if (c.isSpace() || c == QLatin1Char(',') || c == QLatin1Char(':')) continue;
-        bool ok = false;
-        const int digit = QString(c).toInt(&ok, 16);
-        if (!ok) return std::nullopt;
-        if (high < 0) {
-            high = digit;
-        } else {
-            bytes.push_back(static_cast<uint8_t>(high * 16 + digit));
-            high = -1;
-        }
-    }
-    if (high >= 0) return std::nullopt;
-    return bytes;
-}
-
+std::optional<std::vector<uint8_t>> hexBytes(const QString& text) { return model::parseHex(text.toStdString()); }
 
 }  // namespace qx

@@ -41,7 +41,8 @@ std::vector<model::ByteOrigin::Kind> sentKinds(const model::RenderedMessage& mes
 std::vector<model::ByteOrigin::Kind> receivedKinds(std::span<const uint8_t> frame, const model::Recognition& got);
 
 // A received frame in the words of the dialog, whose grid counts messages
-// from 0: "message 1, MI 12 = -42"; for a frame that matched nothing, why
+// from 0: "message 1, MI 12 = -4250, MI 13 = 2" (a number's decimal places
+// go to its decimal-point operand); for a frame that matched nothing, why
 // not, message by message ("message 0, position 1: ...").
 QString decodedText(const model::Recognition& got);
 QStringList whyNotLines(const model::Recognition& got);

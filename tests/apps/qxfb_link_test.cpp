@@ -24,37 +24,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using test::PtyBridge;
 using test::TwinFrame;
 using test::Wire;
-
-// Two pseudo-terminal pairs joined controller to controller, as socat joins
-// two: what one link writes on the first device the other reads on the second.
-class PtyBridge {
-public:
-    PtyBridge() {
-        thread_ = std::thread([this] {
-            while (!stop_) {
-                pollfd ready[2] = {{a.controller(), POLLIN, 0}, {b.controller(), POLLIN, 0}};
-                if (::poll(ready, 2, 20) <= 0) continue;
-                for (int i = 0; i < 2; ++i) {
-                    if (!(ready[i].revents & POLLIN)) continue;
-                    uint8_t buffer[4096];
-                    const ssize_t n = ::read(ready[i].fd, buffer, sizeof buffer);
-                    if (n > 0) (i == 0 ? b : a).write(Wire(buffer, buffer + n));
-                }
-            }
-        });
-    }
-    ~PtyBridge() {
-        stop_ = true;
-        thread_.join();
-    }
-    test::PtyPair a, b;
-
-private:
-    std::atomic<bool> stop_ = false;
-    std::thread thread_;
-};
 
 class QxfbLinkTest : public ::testing::Test {
 protected:

@@ -1,4 +1,4 @@
-// What the link tests share: pseudo-terminal pairs, and a reader that takes
+// What the link tests share: pseudo-terminal pairs (and two of them joined), and a reader that takes
 // exactly a given number of bytes from a link or a descriptor; and the twin
 // sets, whose frames carry numbers to check.
 #pragma once
@@ -8,10 +8,12 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "link/link.h"
@@ -101,5 +103,34 @@ inline Wire readExactly(link::Link& line, size_t count) {
     }
     return out;
 }
+
+// Two pseudo-terminal pairs joined controller to controller, as socat joins
+// two: what one link writes on the first device the other reads on the second.
+class PtyBridge {
+public:
+    PtyBridge() {
+        thread_ = std::thread([this] {
+            while (!stop_) {
+                pollfd ready[2] = {{a.controller(), POLLIN, 0}, {b.controller(), POLLIN, 0}};
+                if (::poll(ready, 2, 20) <= 0) continue;
+                for (int i = 0; i < 2; ++i) {
+                    if (!(ready[i].revents & POLLIN)) continue;
+                    uint8_t buffer[4096];
+                    const ssize_t n = ::read(ready[i].fd, buffer, sizeof buffer);
+                    if (n > 0) (i == 0 ? b : a).write(Wire(buffer, buffer + n));
+                }
+            }
+        });
+    }
+    ~PtyBridge() {
+        stop_ = true;
+        thread_.join();
+    }
+    test::PtyPair a, b;
+
+private:
+    std::atomic<bool> stop_ = false;
+    std::thread thread_;
+};
 
 }  // namespace qx::test

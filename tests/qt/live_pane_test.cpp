@@ -16,8 +16,13 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
+#include <filesystem>
+#include <future>
 
+#include "apps/cli_run.h"
+#include "component/built_paths.h"
 #include "editors/scan_dialog_bench.h"
+#include "inspect/text_form.h"
 #include "editors/send_dialog_bench.h"
 #include "link/link_fixtures.h"
 #include "message/protocol_numeric_var.h"
@@ -192,6 +197,56 @@ TEST(QtLivePaneTest, ADevicesRepliesOverTcpAreDecodedAsTheyArriveAndTheCaptureLo
     EXPECT_TRUE(loaded.contains(QStringLiteral("byte 14: received 8 bytes: message 1, MI 12 = 17")))
         << loaded.toStdString();
     EXPECT_TRUE(loaded.contains(QStringLiteral("3 bytes at the end make no complete frame."))) << loaded.toStdString();
+}
+
+// The scale of the README played by qxfb simulate on one of two joined
+// pseudo-terminal pairs; a Scan dialog made of the scale's reply set sends
+// the weigh request from its live line on the other and decodes the answer.
+TEST(QtLivePaneTest, AScansLiveLineDecodesTheAnswerOfTheSimulatedScale) {
+    const std::filesystem::path scale = std::filesystem::path(paths::sourceTree()) / "resources/examples/scale";
+    const auto example = [&](const char* name) { return test::shellQuoted((scale / name).string()); };
+    test::ScanDialogBench bench;
+    bench.context->Driver = std::make_shared<QtModalDriver>();
+    bench.linked();
+    bench.set = textform::importScanSet(test::readFile(scale / "reply-scan.json"));
+    test::PtyBridge line;
+    ASSERT_TRUE(line.a.ok() && line.b.ok());
+    test::ScratchFolder scratch{"qt_live_pane_simulator"};
+    auto device = std::async(std::launch::async, [&] {
+        return test::runCli(paths::builtCli(),
+                            "simulate --send " + example("reply-send.json") + " --scan " + example("request-scan.json") +
+                                " --rules " + example("rules.json") + " --serial " + line.a.path() +
+                                " --count 1 --timeout 20000",
+                            scratch.path());
+    });
+    bool answered = false;
+    QString log;
+    test::onModal(QStringLiteral("frmProtocolScan"), [&](QWidget& window) {
+        LivePane* pane = openLivePane(window);
+        ASSERT_NE(pane, nullptr);
+        chooseLine(*pane, 0, QString::fromStdString(line.b.path()));
+        pane->Connect();
+        waitFor([&] { return pane->Connected(); });
+        // The device opens its end in its own time: ask until it answers.
+        for (int i = 0; i < 20 && !answered; ++i) {
+            pane->SendHex(QStringLiteral("57 0D 0A"));
+            answered = QTest::qWaitFor([&] { return pane->LogText().contains(QStringLiteral("received 16 bytes")); }, 500);
+        }
+        pane->resize(900, 300);
+        test::saveScreenshot(*pane, QStringLiteral("live_line_simulator.png"));
+        log = pane->LogText();
+        pane->Disconnect();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
+    });
+    bench.set->Edit(*bench.scan, bench.instances);
+    const test::CliRun played = device.get();
+    EXPECT_EQ(played.status, 0) << played.err;
+    EXPECT_TRUE(answered) << log.toStdString();
+    EXPECT_TRUE(log.contains(QStringLiteral("sent 3 bytes\n  57 0D 0A\n  W<CR><LF>"))) << log.toStdString();
+    EXPECT_TRUE(log.contains(QStringLiteral("received 16 bytes: message 0, MI 100 = 1234, MI 101 = 2\n"
+                                            "  53 54 2C 2B 30 30 30 31 32 2E 33 34 6B 67 0D 0A\n"
+                                            "  ST,+00012.34kg<CR><LF>")))
+        << log.toStdString();
 }
 
 TEST(QtLivePaneTest, ALineThatCannotOpenSaysWhyAndTheWindowWaitsForNothing) {
