@@ -6,10 +6,8 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
-#include <atomic>
 #include <cstdint>
-#include <deque>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,7 +29,6 @@ class LiveLine : public QObject {
 
 public:
     explicit LiveLine(QObject* parent = nullptr);
-    // Closes the line and waits for its thread.
     ~LiveLine() override;
 
     // Opens the line on its thread and returns at once: opened() or
@@ -39,8 +36,11 @@ public:
     void Open(const LineChoice& choice);
     // Queues the bytes; written() follows when the line took them.
     void Write(std::vector<uint8_t> bytes);
+    // Closes the line; no signal of it comes after. A connection still
+    // under way is left to give up on its own thread: Close never waits
+    // for it.
     void Close();
-    bool Running() const { return thread_.joinable() && !stop_; }
+    bool Running() const;
 
 signals:
     void opened(const QString& name);
@@ -50,12 +50,11 @@ signals:
     void failed(const QString& why);
 
 private:
-    void run(LineChoice choice);
+    struct Shared;
+    static void run(std::shared_ptr<Shared> shared, LineChoice choice);
 
+    std::shared_ptr<Shared> shared_;
     std::thread thread_;
-    std::atomic<bool> stop_ = false;
-    std::mutex mutex_;
-    std::deque<std::vector<uint8_t>> outbox_;
 };
 
 }  // namespace qx
