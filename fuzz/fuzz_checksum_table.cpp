@@ -8,17 +8,11 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "fuzz_finding.h"
 #include "platform/basics/runtime_error.h"
 #include "runtime_model/checksum_table_json.h"
 
-namespace {
-
-[[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "FINDING: %s\n", what);
-    std::abort();
-}
-
-}  // namespace
+using qx::fuzz::finding;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     qx::model::ChecksumTable table;

@@ -14,9 +14,12 @@
 #include <string>
 #include <system_error>
 
+#include "fuzz_finding.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
 #include "project/project_file.h"
+
+using qx::fuzz::finding;
 
 namespace {
 
@@ -69,11 +72,6 @@ void writeInput(const std::string& file, const uint8_t* data, size_t size) {
         std::fprintf(stderr, "cannot write %s\n", file.c_str());
         std::abort();
     }
-}
-
-[[noreturn]] void finding(const std::string& what) {
-    std::fprintf(stderr, "FINDING: %s\n", what.c_str());
-    std::abort();
 }
 
 [[noreturn]] void unexpectedError(const char* step, const qx::RuntimeError& error) {

@@ -12,14 +12,12 @@
 #include <string>
 #include <vector>
 
+#include "fuzz_finding.h"
 #include "component/registry.h"
 
-namespace {
+using qx::fuzz::finding;
 
-[[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "FINDING: %s\n", what);
-    __builtin_trap();
-}
+namespace {
 
 void check(bool holds, const char* what) {
     if (!holds) finding(what);

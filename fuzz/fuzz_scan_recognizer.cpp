@@ -12,19 +12,13 @@
 #include <cstdlib>
 #include <span>
 
+#include "fuzz_finding.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "runtime_model/scan_recognizer.h"
 #include "sets/scan_set.h"
 
-namespace {
-
-[[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "FINDING: %s\n", what);
-    std::abort();
-}
-
-}  // namespace
+using qx::fuzz::finding;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 2) return 0;

@@ -12,18 +12,16 @@
 #include <string>
 #include <string_view>
 
+#include "fuzz_finding.h"
 #include "platform/basics/runtime_error.h"
 #include "platform/host/host_context.h"
 #include "sets/scan_set.h"
 #include "sets/send_set.h"
 #include "inspect/text_form.h"
 
-namespace {
+using qx::fuzz::finding;
 
-[[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "FINDING: %s\n", what);
-    std::abort();
-}
+namespace {
 
 bool isConstantType(uint8_t type) { return type == 34 || type == 35 || type == 37 || type == 38; }
 

@@ -20,6 +20,7 @@
 #include "model_inputs.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "platform/basics/text_place.h"
 #include "runtime_model/frame_stream.h"
 #include "runtime_model/scan_recognizer.h"
 #include "runtime_model/send_renderer.h"
@@ -625,21 +626,16 @@ std::optional<std::vector<Rule>> loadRules(const std::string& path, int32_t scan
     nlohmann::json file;
     try {
         file = nlohmann::json::parse(text);
-    } catch (const nlohmann::json::parse_error& e) {
-        // "[json.exception.parse_error.101] parse error at line 3, column 7: syntax error ..."
+    } catch (const nlohmann::json::exception& e) {
+        // "[json.exception.parse_error.101] parse error at line 3, column 7: syntax error ...", or a number too
+        // large for any type, which comes without a place.
         const std::string what = e.what();
         int line = 0, column = 0;
         const size_t at = what.find("at line ");
-        const size_t colon = what.find(": ", at == std::string::npos ? 0 : at);
         if (at != std::string::npos && std::sscanf(what.c_str() + at, "at line %d, column %d", &line, &column) == 2)
-            error = path + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what.substr(colon + 2);
+            error = path + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + jsonFaultReason(what);
         else
-            error = path + ": " + what.substr(what.find(']') + 2);
-        return std::nullopt;
-    } catch (const nlohmann::json::exception& e) {
-        // A number too large for any type: "[json.exception.out_of_range.406] number overflow ...".
-        const std::string what = e.what();
-        error = path + ": " + what.substr(what.find(']') + 2);
+            error = path + ": " + jsonFaultReason(what);
         return std::nullopt;
     }
     try {

@@ -24,6 +24,7 @@
 #include "message/protocol_time_var.h"
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "platform/basics/text_place.h"
 #include "platform/host/host_services.h"
 #include "sets/constant_bytes.h"
 #include "sets/image_blocks.h"
@@ -325,23 +326,6 @@ std::string finish(const OrderedJson& document) {
 // ---------------------------------------------------------------------------
 // Reading: a JSON tree whose every value knows where it stood in the text.
 
-std::string lineAndColumn(std::string_view text, size_t offset) {
-    offset = std::min(offset, text.size());
-    size_t line = 1;
-    size_t lineStart = 0;
-    for (size_t i = 0; i < offset; ++i) {
-        if (text[i] == '\n') {
-            ++line;
-            lineStart = i + 1;
-        }
-    }
-    // Columns count characters, not bytes.
-    size_t column = 1;
-    for (size_t i = lineStart; i < offset; ++i)
-        if ((static_cast<uint8_t>(text[i]) & 0xC0) != 0x80) ++column;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
-
 [[noreturn]] void fail(std::string_view text, size_t offset, const std::string& rule) {
     throw RuntimeError(err::InvalidFileFormat, L"QxFBCom2.TextForm",
                        fromUtf8(lineAndColumn(text, offset) + ": " + rule));
@@ -417,12 +401,7 @@ public:
         return true;
     }
     bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& error) override {
-        std::string what = error.what();
-        // nlohmann's text gives its own view of the place; keep the reason.
-        const size_t at = what.find("at line");
-        const size_t reason = at == std::string::npos ? what.find("] ") : what.find(": ", at);
-        if (reason != std::string::npos) what = what.substr(reason + 2);
-        fail(text_, position > 0 ? position - 1 : 0, "not JSON: " + what);
+        fail(text_, position > 0 ? position - 1 : 0, "not JSON: " + jsonFaultReason(error.what()));
     }
 
 private:

@@ -5,6 +5,7 @@
 
 #include "platform/basics/ansi.h"
 #include "platform/basics/runtime_error.h"
+#include "platform/basics/text_place.h"
 
 namespace qx::model {
 
@@ -25,20 +26,6 @@ std::string hexText(uint32_t value, int32_t width) {
     throw RuntimeError(err::InvalidFileFormat, L"QxFBCom2.ChecksumTable", fromUtf8(what));
 }
 
-std::string lineAndColumn(std::string_view text, size_t offset) {
-    offset = std::min(offset, text.size());
-    size_t line = 1, column = 1;
-    for (size_t i = 0; i < offset; ++i) {
-        if (text[i] == '\n') {
-            ++line;
-            column = 1;
-        } else if ((static_cast<uint8_t>(text[i]) & 0xC0) != 0x80) {
-            ++column;
-        }
-    }
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
-
 // Builds the document, taking every complaint of nlohmann's reader with its
 // place: a number too large for its types comes as out_of_range, not as a
 // parse_error, and must be refused in the same words.
@@ -46,12 +33,7 @@ class DomReader : public nlohmann::detail::json_sax_dom_parser<Json> {
 public:
     DomReader(Json& root, std::string_view text) : json_sax_dom_parser(root, false), text_(text) {}
     bool parse_error(size_t position, const std::string&, const nlohmann::detail::exception& error) {
-        std::string what = error.what();
-        // nlohmann's text gives its own view of the place; keep the reason.
-        const size_t at = what.find("at line");
-        const size_t reason = at == std::string::npos ? what.find("] ") : what.find(": ", at);
-        if (reason != std::string::npos) what = what.substr(reason + 2);
-        fail(lineAndColumn(text_, position > 0 ? position - 1 : 0) + ": not JSON: " + what);
+        fail(lineAndColumn(text_, position > 0 ? position - 1 : 0) + ": not JSON: " + jsonFaultReason(error.what()));
     }
 
 private:
