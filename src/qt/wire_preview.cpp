@@ -60,7 +60,8 @@ void WirePreview::Refresh() {
     const WireText shown = wireText(out.Bytes, sentKinds(out));
     hex_ = shown.Hex;
     text_ = shown.Text;
-    title_->setText(tr("Message %1 on the wire, %2 bytes, every operand 0:").arg(message).arg(out.Bytes.size()));
+    // The grid beside the pane counts its rows from 0; the model from 1.
+    title_->setText(tr("Message %1 on the wire, %2 bytes, every operand 0:").arg(message - 1).arg(out.Bytes.size()));
     bytes_->setText(shown.HexHtml + QStringLiteral("<br>") + shown.TextHtml);
 }
 

@@ -38,6 +38,9 @@ public:
     // What the pane shows, without colours: "02 57 0D 03" and "<STX>W<CR><ETX>".
     QString HexText() const { return hex_; }
     QString PlainText() const { return text_; }
+    // "Message 1 on the wire, 11 bytes, every operand 0:", the message
+    // counted from 0 as the grid counts its rows.
+    QString Title() const { return title_->text(); }
 
 private:
     void schedule();

@@ -60,7 +60,7 @@ protected:
 
 TEST_F(QtWirePreviewTest, ThePaneShowsTheCurrentMessageAndFollowsTypingRowsAndTheFrame) {
     scaleMessages();
-    QString first, typed, second, unframed;
+    QString first, typed, second, secondTitle, unframed;
     test::onModal(QStringLiteral("frmProtocolSend"), [&](QWidget& window) {
         QApplication::setActiveWindow(&window);
         window.resize(900, 600);
@@ -77,6 +77,7 @@ TEST_F(QtWirePreviewTest, ThePaneShowsTheCurrentMessageAndFollowsTypingRowsAndTh
         QTest::keyClick(grid, Qt::Key_Down);
         QApplication::processEvents();
         second = preview->PlainText();
+        secondTitle = preview->Title();
         test::saveScreenshot(window, QStringLiteral("wire_preview.png"));
         QTest::mouseClick(window.findChild<QCheckBox*>(QStringLiteral("ckSendSTX")), Qt::LeftButton, {}, QPoint(8, 8));
         QApplication::processEvents();
@@ -87,6 +88,8 @@ TEST_F(QtWirePreviewTest, ThePaneShowsTheCurrentMessageAndFollowsTypingRowsAndTh
     EXPECT_EQ(first, QStringLiteral("02 57 0D 0A 03"));
     EXPECT_EQ(typed, QStringLiteral("<STX>GW<CR><LF><ETX>"));
     EXPECT_EQ(second, QStringLiteral("<STX>T+00000<CR><LF><ETX>"));
+    // The grid counts its rows from 0, and so does the pane under it.
+    EXPECT_EQ(secondTitle, QStringLiteral("Message 1 on the wire, 11 bytes, every operand 0:"));
     EXPECT_EQ(unframed, QStringLiteral("T+00000<CR><LF><ETX>"));
 }
 
